@@ -1,0 +1,14 @@
+#include "zel/base/errors.h"
+
+namespace zel {
+
+// Out of line, so that each class has one type identity across the library boundary.
+Exception::~Exception() = default;
+EZELError::~EZELError() = default;
+EMathError::~EMathError() = default;
+EConvertError::~EConvertError() = default;
+EInOutError::~EInOutError() = default;
+EZELMath1Error::~EZELMath1Error() = default;
+EZELVectorError::~EZELVectorError() = default;
+
+}  // namespace zel

@@ -1,0 +1,35 @@
+#include "zel/base/storage.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+
+namespace zel::detail {
+namespace {
+constexpr std::size_t kAlignment = 64;
+}
+
+bool (*AllocationAllowed)(std::size_t bytes) = nullptr;
+
+// calloc instead of an aligned allocation: only calloc hands out fresh pages without clearing them
+// again. The pointer that free needs is kept in the word below the block.
+void* AllocateZeroed(std::size_t bytes) {
+  constexpr std::size_t extra = kAlignment + sizeof(void*);
+  if (bytes > SIZE_MAX - extra || (AllocationAllowed && !AllocationAllowed(bytes))) throw std::bad_alloc();
+  void* raw = std::calloc(bytes + extra, 1);
+  if (!raw) throw std::bad_alloc();
+  const auto first = reinterpret_cast<std::uintptr_t>(raw) + sizeof(void*);
+  const auto aligned = (first + kAlignment - 1) / kAlignment * kAlignment;
+  std::memcpy(reinterpret_cast<void*>(aligned - sizeof(void*)), &raw, sizeof raw);
+  return reinterpret_cast<void*>(aligned);
+}
+
+void ReleaseStorage(void* block) noexcept {
+  if (!block) return;
+  void* raw = nullptr;
+  std::memcpy(&raw, static_cast<char*>(block) - sizeof(void*), sizeof raw);
+  std::free(raw);
+}
+
+}  // namespace zel::detail
