@@ -241,7 +241,8 @@ class TNumVector : public TComponent {
   /// Copy of a range for an operation that rearranges it.
   /// @throws EZELVectorError  `: not enough memory on heap`
   [[nodiscard]] TDynArray<T, 1> WorkCopy(int LowElem, int HighElem) const;
-  /// Takes over the values of an array, which must not be empty, and marks the vector as written.
+  /// Takes over the values, unless there are none, and marks the vector as written.
+  /// @throws EZELVectorError  `: not enough memory`
   void SetElements(std::span<const T> values);
   /// Marks the vector as written.
   void MarkWritten() { FIsEmpty = false; }
@@ -249,10 +250,25 @@ class TNumVector : public TComponent {
   [[nodiscard]] static double PercentileOf(std::span<T> work, double prob);
   /// Raises `: vectors have different dimensions`.
   void RequireSameLength(const TNumVector& OtherVec) const;
-  /// Reads values for positions LowElem..HighElem from a source of unknown size and stores those read.
-  /// Next yields whether a position could be read; it sets `ended` when nothing more will come.
+  /// What reading a value has come to; bad: this one cannot be read, ended: nor will a later one.
+  enum class TReadResult : std::uint8_t { good, bad, ended };
+  /// Values read for successive positions, and the indices of those that could not be read.
+  struct TPositions {
+    std::vector<T> values;
+    std::vector<std::size_t> gaps;
+  };
+  /// Reads values for LowElem..HighElem, those below 1 for nothing, until one ends the reading.
+  /// @throws EZELVectorError  `: not enough memory`
   template <class Next>
-  bool StorePositions(int LowElem, int HighElem, bool AdjustVectorSize, Next&& next);
+  void ReadPositions(int LowElem, int HighElem, TPositions& read, Next&& next) const;
+  /// The next word of a text as an element.
+  static TReadResult ReadWord(std::istream& file, T& value);
+  /// Resizes to HighElem where asked to, unless the source holds far less.
+  /// @param held  number of values read
+  /// @return true if positions up to HighElem exist
+  bool ResizeForPositions(int HighElem, bool AdjustVectorSize, std::size_t held);
+  /// Stores values from index first on, without notification.
+  void StoreQuietly(std::size_t first, const TPositions& read);
 
  private:
   /// Stores value(k) at the positions first, first + 1, ..., firing OnChange for each.
