@@ -38,8 +38,10 @@ std::ptrdiff_t decimalExponent(std::string_view number) {
   return leadPower + (negative ? -exponent : exponent);
 }
 
-std::string specialWord(Extended x) {
-  return std::isnan(x) ? "NAN" : x > 0 ? "INF" : "-INF";
+std::string specialWord(Extended x) { return std::isnan(x) ? "NAN" : x > 0 ? "INF" : "-INF"; }
+
+std::string padded(const std::string& text, std::size_t width) {
+  return text.size() < width ? std::string(width - text.size(), ' ') + text : text;
 }
 
 template <class F>
@@ -91,32 +93,29 @@ std::string FormatFixed(double x, int decimals) { return fixedText(x, decimals);
 std::string FormatExp(double x, int width) {
   width = std::clamp(width, 9, 1100);
   const auto field = static_cast<std::size_t>(width);
-  std::string text = specialWord(x);
-  if (std::isfinite(x)) {
-    constexpr int kFrame = 8;  // sign, digit, point, "E", exponent sign and digits
-    std::string digits(field + 8, '\0');
-    char* const last = digits.data() + digits.size();
-    const auto result = std::to_chars(digits.data(), last, std::abs(x),
-                                      std::chars_format::scientific, width - kFrame);
-    digits.resize(static_cast<std::size_t>(result.ptr - digits.data()));
-    // to_chars writes two exponent digits where two are enough.
-    const std::size_t mark = digits.find('e');
-    std::string exponent = digits.substr(mark + 2);
-    exponent.insert(0, 3 - exponent.size(), '0');
-    text = std::signbit(x) ? "-" : " ";
-    text += digits.substr(0, mark) + 'E' + digits[mark + 1] + exponent;
-  }
-  text.insert(0, field - text.size(), ' ');
+  if (!std::isfinite(x)) return padded(specialWord(x), field);
+  constexpr int kFrame = 8;  // sign, digit, point, "E", exponent sign and digits
+  std::string digits(field + 8, '\0');
+  char* const last = digits.data() + digits.size();
+  const auto result = std::to_chars(digits.data(), last, std::abs(x), std::chars_format::scientific,
+                                    width - kFrame);
+  digits.resize(static_cast<std::size_t>(result.ptr - digits.data()));
+  const std::size_t mark = digits.find('e');
+  std::string text(1, std::signbit(x) ? '-' : ' ');
+  text.append(digits, 0, mark);
+  text += 'E';
+  text += digits[mark + 1];
+  // to_chars writes two exponent digits where two are enough.
+  if (digits.size() - mark < 5) text += '0';
+  text.append(digits, mark + 2);
   return text;
 }
 
 std::string strff(Extended x, int w, int d) {
   const auto narrow = static_cast<double>(x);
   // The text of a double has a faster exact method.
-  std::string text = narrow == x ? fixedText(narrow, d) : fixedText(x, d);
-  const auto width = static_cast<std::size_t>(std::max(w, 0));
-  if (text.size() < width) text.insert(0, width - text.size(), ' ');
-  return text;
+  return padded(narrow == x ? fixedText(narrow, d) : fixedText(x, d),
+                static_cast<std::size_t>(std::max(w, 0)));
 }
 
 }  // namespace zel

@@ -14,8 +14,8 @@
 namespace zel {
 
 /// The double nearest to a decimal number: optional sign, digits with at most one ".", optional
-/// exponent. The word must be nothing else: no blanks, no hexadecimal form, no words for infinity or
-/// not-a-number.
+/// exponent. The word must be nothing else: no blanks, no hexadecimal form, no words for infinity
+/// or not-a-number.
 /// @return no value if the word is not a number or lies beyond the largest double; what lies below
 ///   the smallest one gives 0 with the sign of the word
 [[nodiscard]] ZEL_API std::optional<double> ParseNumber(std::string_view word);
@@ -24,8 +24,8 @@ namespace zel {
 /// @return false, with x unchanged and the word consumed, if it is not a number or the stream ended
 ZEL_API bool ReadNumber(std::istream& in, double& x);
 
-/// Fixed-point text, correctly rounded (ties of the exact binary value to even), no padding. Infinite
-/// and not-a-number give "INF", "-INF", "NAN"; zero and what rounds to it keep their sign.
+/// Fixed-point text, correctly rounded (ties of the exact binary value to even), no padding.
+/// Infinite and not-a-number give "INF", "-INF", "NAN"; zero and what rounds to it keep their sign.
 /// @param decimals  limited to 0..16445, the decimals of the smallest extended number
 [[nodiscard]] ZEL_API std::string FormatFixed(double x, int decimals);
 

@@ -1,5 +1,6 @@
 /// @file
-/// Memory and file streams, and binary items in them. All items are little-endian on every platform.
+/// Memory and file streams, and binary items in them. All items are little-endian on every
+/// platform.
 #pragma once
 
 #include <fstream>
@@ -32,7 +33,8 @@ class ZEL_API TMemoryStream : public std::stringstream {
 /// Binary stream on a file. What it writes goes into the file at once, unlike WholeFileWriter.
 class ZEL_API TFileStream : public std::fstream {
  public:
-  /// @param Mode  fmCreate, fmOpenRead, fmOpenWrite or fmOpenReadWrite; further low bits are ignored.
+  /// @param Mode  fmCreate, fmOpenRead, fmOpenWrite or fmOpenReadWrite; further low bits are
+  /// ignored.
   ///   fmOpenWrite also needs the permission to read.
   /// @throws EInOutError  if the file cannot be opened so; a folder never can
   TFileStream(std::string_view FileName, int Mode);
@@ -40,8 +42,8 @@ class ZEL_API TFileStream : public std::fstream {
 };
 
 /// Appends the ten bytes of the 80-bit extended format: 64-bit significand with explicit leading
-/// bit, sign and 15-bit exponent. Exact where Extended has that format, rounded to it (ties to even)
-/// where Extended is wider.
+/// bit, sign and 15-bit exponent. Exact where Extended has that format, rounded to it (ties to
+/// even) where Extended is wider.
 ZEL_API void WriteExtendedToStream(std::ostream& s, Extended x);
 /// Appends four bytes, two's complement.
 ZEL_API void WriteLongintToStream(std::ostream& s, int i);

@@ -10,8 +10,8 @@
 
 namespace zel {
 
-/// The next word: what stands between blanks, tabs and line ends (LF, CRLF). The character that ends
-/// the word stays in the stream. Empty at the end, which sets eofbit.
+/// The next word: what stands between blanks, tabs and line ends (LF, CRLF). The character that
+/// ends the word stays in the stream. Empty at the end, which sets eofbit.
 [[nodiscard]] ZEL_API std::string ReadNextWordInTextFile(std::istream& f);
 
 /// Where ParseQuotedName stands. Its first value is the initial state.

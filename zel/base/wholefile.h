@@ -18,9 +18,9 @@ namespace zel {
 ///
 /// The text goes to a temporary file in the folder of the target, which Commit renames to it. A
 /// symbolic link stays one: the file that it points to is replaced. An existing file keeps its
-/// permissions, and where the system allows its owner and group. A target that is not a regular file
-/// (device, pipe) is written directly. Whatever fails, the old file is untouched and the temporary
-/// is removed; a write error is remembered and makes Commit fail.
+/// permissions, and where the system allows its owner and group. A target that is not a regular
+/// file (device, pipe) is written directly. Whatever fails, the old file is untouched and the
+/// temporary is removed; a write error is remembered and makes Commit fail.
 ///
 ///     WholeFileWriter file("result.txt");
 ///     file.Stream() << "x = " << 1;
