@@ -107,7 +107,8 @@ bool TVector::StoreOnFile(int FirstElem, int LastElem, int Precision, std::strin
 
 bool TVector::LoadFromFile(std::string_view FileName, bool AdjustVectorSize, bool AutoDetect) {
   if (!AutoDetect) return LoadFromFile(FileName, AdjustVectorSize);
-  std::ifstream file{std::string(FileName), std::ios::binary};
+  std::ifstream file;
+  if (!OpenForReading(file, FileName)) return false;
   int marked = 0;
   for (std::string line; std::getline(file, line);) {
     if (line.find("//dig") != std::string::npos) ++marked;

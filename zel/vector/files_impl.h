@@ -143,10 +143,10 @@ bool TNumVector<T>::LoadFromStream(std::istream* InStream, bool AdjustVectorSize
 
 template <class T>
 bool TNumVector<T>::LoadFromFile(std::string_view FileName, bool AdjustVectorSize) {
-  std::ifstream file{std::string(FileName), std::ios::binary};
+  std::ifstream file;
   double low = 0;
   double high = 0;
-  if (!file || !ReadNumber(file, low) || !ReadNumber(file, high)) return false;
+  if (!OpenForReading(file, FileName) || !ReadNumber(file, low) || !ReadNumber(file, high)) return false;
   const int lowElem = RoundToInt<int>(low);
   const int highElem = RoundToInt<int>(high);
 
@@ -177,8 +177,8 @@ int TNumVector<T>::ImportASC(std::string_view FName, std::string& Comment) {
   constexpr int tooManyColumns = -7;
   constexpr int noSuchFile = -8;
   if (!FileExists(FName)) return noSuchFile;
-  std::ifstream file{std::string(FName), std::ios::binary};
-  if (!file) return -1;
+  std::ifstream file;
+  if (!OpenForReading(file, FName)) return -1;
   int columns = 0;
   int rows = 0;
   bool rowAttributes = false;
