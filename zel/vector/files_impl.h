@@ -192,10 +192,7 @@ int TNumVector<T>::ImportASC(std::string_view FName, std::string& Comment) {
 
   const auto skipName = [&] {
     std::string name;
-    TQuotedNameState state{};
-    for (int c = file.get(); c != std::istream::traits_type::eof(); c = file.get()) {
-      if (ParseQuotedName(static_cast<char>(c), '"', name, state)) return;
-    }
+    ReadQuotedName(file, '"', name);
   };
   if (columnNames) {
     for (int c = 0; c < columns; ++c) skipName();
