@@ -24,9 +24,9 @@ namespace zel {
 /// Reflected binary code of w: the codes of neighbouring numbers differ in one bit.
 [[nodiscard]] ZEL_API std::uint16_t GrayCode(std::uint16_t w);
 
-/// x with its bytes in reverse order, to read and write data of machines with the other byte order.
-/// A real with reversed bytes is a bit pattern only, possibly of not-a-number: keep it out of
-/// arithmetic.
+/// x with its bytes in reverse order, to read and write data of machines with the other byte
+/// order. A real with reversed bytes is a bit pattern only, possibly of not-a-number: keep it out
+/// of arithmetic.
 [[nodiscard]] ZEL_API double ConvertEndian(double x);
 [[nodiscard]] ZEL_API float ConvertEndian(float x);
 [[nodiscard]] ZEL_API std::uint16_t ConvertEndian(std::uint16_t x);

@@ -22,8 +22,8 @@ using CommonNumber =
                        std::conditional_t<(std::same_as<T, Extended> || ...), Extended, double>>;
 }  // namespace detail
 
-/// x limited to the interval between Low and High, which may be given in either order.
-/// x that is not a number is returned as it is.
+/// x limited to the interval between Low and High, which may be given in either order. x that is
+/// not a number is returned as it is.
 [[nodiscard]] ZEL_API double ConfineValue(double x, double Low, double High);
 [[nodiscard]] ZEL_API float ConfineValue(float x, float Low, float High);
 [[nodiscard]] ZEL_API int ConfineValue(int x, int Low, int High);
@@ -62,9 +62,9 @@ template <detail::Number X, detail::Number L, detail::Number H>
 /// 1 for x >= 0, otherwise -1: zero of either sign gives 1, not-a-number -1.
 [[nodiscard]] ZEL_API int Signum(double x);
 
-/// Remainder of the truncating real division, frac(a / b) b, with the sign of a and |result| < |b|.
-/// Exact, also where the quotient itself would round: modr(1, 0.1) is a little below 0.1, because
-/// the double 0.1 is a little above a tenth. 0 for b = 0; not a number if a is not finite.
+/// Remainder of the truncating real division, frac(a / b) b, with the sign of a and |result| <
+/// |b|. Exact, also where the quotient itself would round: modr(1, 0.1) is a little below 0.1,
+/// because the double 0.1 is a little above a tenth. 0 for b = 0; not a number if a is not finite.
 [[nodiscard]] ZEL_API double modr(double a, double b);
 
 }  // namespace zel

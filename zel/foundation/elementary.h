@@ -15,8 +15,8 @@ namespace zel {
 /// @throws EMathError  for x <= 0
 [[nodiscard]] ZEL_API double ld(double x);
 
-/// Hyperbolic sine and cosine, the functions of the standard library themselves: after
-/// `using namespace zel` a call of sinh means the same function, with or without the prefix.
+/// Hyperbolic sine and cosine, the functions of the standard library themselves: after `using
+/// namespace zel` a call of sinh means the same function, with or without the prefix.
 using std::cosh;
 using std::sinh;
 /// Hyperbolic tangent, without loss of digits near 0; 1 or -1 for large |x|.

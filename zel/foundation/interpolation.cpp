@@ -13,8 +13,8 @@ struct Pivots {
   std::span<const double> x;
   std::span<const double> y;
 
-  // The line through pivots i and i + 1, which it meets exactly. Not std::lerp: it takes a position
-  // that is not a number for 1.
+  // The line through pivots i and i + 1, which it meets exactly. Not std::lerp: it takes a
+  // position that is not a number for 1.
   double line(double at, std::size_t i) const {
     if (x[i] == x[i + 1] && !std::isnan(at)) return y[i];
     const double t = (at - x[i]) / (x[i + 1] - x[i]);

@@ -13,9 +13,8 @@ namespace zel {
 /// @param Table  column 0 the x values, all upward or all downward, column 1 the y values. The
 ///   direction is taken from the first and the last x.
 /// @param Extrapolate  outside the table: true continues the straight line through the two pivots
-/// at
-///   that end (their y where they share one x), false gives 0. An x equal to the first or the last
-///   pivot already counts as outside, so without Extrapolate it gives 0.
+///   at that end (their y where they share one x), false gives 0. An x equal to the first or the
+///   last pivot already counts as outside, so without Extrapolate it gives 0.
 /// @return not a number if x is not a number; exactly y at every pivot inside
 /// @throws EZELMath1Error  for fewer than two pivots, or other than two columns
 /// Cost: linear in the number of pivots before x.
@@ -24,8 +23,7 @@ namespace zel {
 
 /// Linear interpolation between samples at equidistant positions.
 /// @param FirstX, LastX  positions of the first and the last sample, in either order. Outside them
-/// the
-///   first or the last segment is continued.
+///   the first or the last segment is continued.
 /// @param Table  at least two samples
 /// @throws EZELMath1Error  for fewer than two samples, or FirstX = LastX
 [[nodiscard]] ZEL_API double InterpolTable(double x, double FirstX, double LastX,

@@ -25,9 +25,8 @@ namespace zel {
 
 /// Uniform deviate in [0, 1) from a generator of its own: the fractional part of the sum of three
 /// multiplicative congruential generators. Other random routines do not disturb its sequence.
-/// @param Seed  not 0: starts the sequence that belongs to Seed; 0: continues. Multiples of 990923,
-/// and
-///   a process that has not passed a seed yet, get the constant 0.
+/// @param Seed  not 0: starts the sequence that belongs to Seed; 0: continues. Multiples of
+///   990923, and a process that has not passed a seed yet, get the constant 0.
 /// Method: Wichmann and Hill, Appl. Stat. 31 (1982) 188, with other moduli and multipliers.
 [[nodiscard]] ZEL_API double LongRand(int Seed);
 

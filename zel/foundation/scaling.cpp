@@ -25,7 +25,8 @@ F decimal(int tenths, int k) {
 }
 
 // The limits of the mantissa classes within one power of ten. Comparing with the rounded constants
-// decides like exact arithmetic, since rounding is monotone, and takes a rounded c 10^k for c 10^k.
+// decides like exact arithmetic, since rounding is monotone, and takes a rounded c 10^k for c
+// 10^k.
 struct Decade {
   double one, oneAndHalf, two, three, five, eight;
 };
