@@ -62,9 +62,10 @@ template <detail::Number X, detail::Number L, detail::Number H>
 /// 1 for x >= 0, otherwise -1: zero of either sign gives 1, not-a-number -1.
 [[nodiscard]] ZEL_API int Signum(double x);
 
-/// Remainder of the truncating real division, frac(a / b) b, with the sign of a and |result| <
-/// |b|. Exact, also where the quotient itself would round: modr(1, 0.1) is a little below 0.1,
-/// because the double 0.1 is a little above a tenth. 0 for b = 0; not a number if a is not finite.
+/// Remainder of the truncating real division, frac(a / b) b: it has the sign of a and is smaller
+/// than b in magnitude. Exact, also where the quotient itself would round: modr(1, 0.1) is a little
+/// below 0.1, because the double 0.1 is a little above a tenth. 0 for b = 0; not a number if a is not
+/// finite.
 [[nodiscard]] ZEL_API double modr(double a, double b);
 
 }  // namespace zel

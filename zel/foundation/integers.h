@@ -18,8 +18,8 @@ namespace zel {
 /// -1, 0 and 1 count as prime. Trial division by primes only, at most 4792 of them.
 [[nodiscard]] ZEL_API bool IsPrime(int n);
 
-/// Prime factors of n in increasing order, each as often as it divides n, at most 30; none for n <
-/// 2. Trial division by primes only, at most 4792 of them.
+/// Prime factors of n in increasing order, each as often as it divides n, at most 30. None for
+/// n < 2. Trial division by primes only, at most 4792 of them.
 ZEL_API void FindPrimeFactors(int n, TIntArray& Factors);
 
 /// Reduces a fraction to lowest terms. Both signs stay as they were; a fraction with a zero above

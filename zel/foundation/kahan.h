@@ -10,9 +10,9 @@ namespace zel {
 /// Running sum whose rounding errors are carried along and given back: the error of Sum stays near
 /// one unit in the last place of the sum of the magnitudes, however many numbers are added.
 ///
-/// A term larger than the sum so far loses the sum's compensation, not its own. Once a number that
-/// is not finite has been added, Sum is not a number until the next Reset. Method: Kahan, Commun.
-/// ACM 8 (1965) 40.
+/// A term much larger than the sum so far takes the place of the sum's low digits. After a number
+/// that is not finite, Sum is not a number from the next Add until the next Reset.
+/// Method: Kahan, Commun. ACM 8 (1965) 40.
 class ZEL_API TKahanSum : public TComponent {
  public:
   explicit TKahanSum(TComponent* AOwner = nullptr);

@@ -24,9 +24,9 @@ F decimal(int tenths, int k) {
   }
 }
 
-// The limits of the mantissa classes within one power of ten. Comparing with the rounded constants
-// decides like exact arithmetic, since rounding is monotone, and takes a rounded c 10^k for c
-// 10^k.
+// The limits of the mantissa classes within one power of ten. Rounding is monotone, so comparing
+// with the rounded limits decides like exact arithmetic, but takes the double nearest to a limit for
+// the limit itself.
 struct Decade {
   double one, oneAndHalf, two, three, five, eight;
 };
