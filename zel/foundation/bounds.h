@@ -64,8 +64,8 @@ template <detail::Number X, detail::Number L, detail::Number H>
 
 /// Remainder of the truncating real division, frac(a / b) b: it has the sign of a and is smaller
 /// than b in magnitude. Exact, also where the quotient itself would round: modr(1, 0.1) is a little
-/// below 0.1, because the double 0.1 is a little above a tenth. 0 for b = 0; not a number if a is not
-/// finite.
+/// below 0.1, because the double 0.1 is a little above a tenth. 0 for b = 0; not a number if a is
+/// not finite.
 [[nodiscard]] ZEL_API double modr(double a, double b);
 
 }  // namespace zel

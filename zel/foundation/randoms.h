@@ -19,8 +19,8 @@ namespace zel {
 ///
 /// Deviates arise in pairs; every second call returns the one kept from the call before and draws
 /// nothing. The kept deviate belongs to the process and outlives SetRandSeed and Randomize: after
-/// an odd number of calls, the first deviate after seeding is still the old one. Method: polar
-/// method, Marsaglia and Bray, SIAM Rev. 6 (1964) 260.
+/// an odd number of calls, the first deviate after seeding is still the old one.
+/// Method: polar method, Marsaglia and Bray, SIAM Rev. 6 (1964) 260.
 [[nodiscard]] ZEL_API double GRandom();
 
 /// Uniform deviate in [0, 1) from a generator of its own: the fractional part of the sum of three

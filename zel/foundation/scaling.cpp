@@ -25,8 +25,8 @@ F decimal(int tenths, int k) {
 }
 
 // The limits of the mantissa classes within one power of ten. Rounding is monotone, so comparing
-// with the rounded limits decides like exact arithmetic, but takes the double nearest to a limit for
-// the limit itself.
+// with the rounded limits decides like exact arithmetic, but takes the double nearest to a limit
+// for the limit itself.
 struct Decade {
   double one, oneAndHalf, two, three, five, eight;
 };
