@@ -41,13 +41,8 @@ bool TIntVector::Histogram(int FirstElem, int LastElem, int FirstBin, int LastBi
 int TIntVector::Correlate(const TIntVector* OtherVec, int ElemShift) const {
   if (!OtherVec) return 0;
   // Positions outside the other vector count as 0, so only the overlap matters.
-  const std::int64_t shift = ElemShift;
-  const std::int64_t low = std::max<std::int64_t>(1, 1 - shift);
-  const std::int64_t high = std::min<std::int64_t>(NrOfElem(), OtherVec->NrOfElem() - shift);
-  if (low > high) return 0;
-  const auto count = static_cast<std::size_t>(high - low + 1);
-  return kernels::dot(Elements().subspan(static_cast<std::size_t>(low - 1), count),
-                      OtherVec->Elements().subspan(static_cast<std::size_t>(low + shift - 1), count));
+  return static_cast<int>(
+      kernels::integerShiftedCrossProduct(Elements(), OtherVec->Elements(), ElemShift));
 }
 
 bool TIntVector::StoreOnFile(int FirstElem, int LastElem, std::string_view FileName) const {

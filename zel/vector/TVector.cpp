@@ -61,13 +61,7 @@ double TVector::Integrate(double BoundLow, double BoundHigh, TIntegMethod Method
 
 double TVector::Correlate(const TVector* OtherVec, int ElemShift) const {
   if (!OtherVec) return 0;
-  const std::int64_t shift = ElemShift;
-  const std::int64_t low = std::max<std::int64_t>(1, shift + 1);
-  const std::int64_t high = std::min<std::int64_t>(NrOfElem(), OtherVec->NrOfElem() + shift);
-  if (low >= high) return 0;
-  const auto count = static_cast<std::size_t>(high - low + 1);
-  return kernels::dot(Elements().subspan(static_cast<std::size_t>(low - 1), count),
-                      OtherVec->Elements().subspan(static_cast<std::size_t>(low - shift - 1), count));
+  return kernels::shiftedCrossProduct(Elements(), OtherVec->Elements(), ElemShift);
 }
 
 void TVector::Standardize(double& mean, double& stddev) {

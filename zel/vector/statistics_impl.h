@@ -23,7 +23,7 @@ void TNumVector<T>::RequireSameLength(const TNumVector& OtherVec) const {
 
 template <class T>
 T TNumVector<T>::Sum(int LowElem, int HighElem) const {
-  return kernels::sum(Range(LowElem, HighElem));
+  return kernels::total(Range(LowElem, HighElem));
 }
 
 template <class T>
@@ -35,7 +35,7 @@ void TNumVector<T>::MeanVar(int LowElem, int HighElem, double& Mean, double& Var
 
 template <class T>
 void TNumVector<T>::SkewKurt(int LowElem, int HighElem, double& Skewness, double& Kurtosis) const {
-  const auto s = kernels::skewKurt(Range(LowElem, HighElem));
+  const auto s = kernels::shape(Range(LowElem, HighElem), kernels::ShapeForm::population);
   Skewness = s.skewness;
   Kurtosis = s.kurtosis;
 }
@@ -43,7 +43,7 @@ void TNumVector<T>::SkewKurt(int LowElem, int HighElem, double& Skewness, double
 template <class T>
 void TNumVector<T>::SkewKurtSample(int LowElem, int HighElem, double& Skewness,
                                    double& Kurtosis) const {
-  const auto s = kernels::skewKurtSample(Range(LowElem, HighElem));
+  const auto s = kernels::shape(Range(LowElem, HighElem), kernels::ShapeForm::sample);
   Skewness = s.skewness;
   Kurtosis = s.kurtosis;
 }
@@ -73,10 +73,9 @@ template <class T>
 void TNumVector<T>::MinMax(int LowElem, int HighElem, T& Minimum, T& Maximum, int& MinIx,
                            int& MaxIx) const {
   MakeValidElemRange(LowElem, HighElem);
-  constexpr T limit = std::is_same_v<T, double> ? T(1.7e308) : std::numeric_limits<T>::max();
-  const auto found = kernels::minMax(Range(LowElem, HighElem), limit, -limit);
+  const auto found = kernels::minMax(Range(LowElem, HighElem));
   const auto position = [&](std::size_t at) {
-    return at == kernels::npos ? 0 : LowElem + static_cast<int>(at);
+    return at == kernels::kNoIndex ? 0 : LowElem + static_cast<int>(at);
   };
   Minimum = found.minimum;
   Maximum = found.maximum;
@@ -144,7 +143,7 @@ double TNumVector<T>::EuclideanDistance(const TNumVector* OtherVec) const {
 template <class T>
 double TNumVector<T>::PearsonCorrCoeff(const TNumVector* OtherVec) const {
   if (!OtherVec || OtherVec->NrOfElem() != NrOfElem() || NrOfElem() < 2) return 0;
-  return kernels::pearson(Elements(), OtherVec->Elements());
+  return kernels::pearsonCorrelation(Elements(), OtherVec->Elements());
 }
 
 template <class T>
