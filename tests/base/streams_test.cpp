@@ -101,7 +101,8 @@ TEST(ExtendedItem, ArithmeticConversionAgreesWithTheProcessor) {
 
 TEST(LongintItem, IsLittleEndianTwosComplement) {
   TMemoryStream s;
-  for (const int i : {1, -2, std::numeric_limits<int>::min(), 0x01020304}) WriteLongintToStream(s, i);
+  for (const int i : {1, -2, std::numeric_limits<int>::min(), 0x01020304})
+    WriteLongintToStream(s, i);
   EXPECT_EQ(s.str(), std::string("\1\0\0\0\xFE\xFF\xFF\xFF\0\0\0\x80\4\3\2\1", 16));
   bool fail = true;
   EXPECT_EQ(ReadLongintFromStream(s, fail), 1);
@@ -233,9 +234,11 @@ TEST(TMixedFStream, FailsOnceAndForAllWhenCutOffAnywhere) {
 
 TEST(TMixedFStream, BelievesNoLength) {
   const TempDir dir;
-  for (const std::string& bytes : {std::string("\xFF\xFF\xFF\x7F""abc\r\n", 9),
-                                   std::string("\xFF\xFF\xFF\xFF\r\n", 6),
-                                   std::string("\2\0\0\0abc\r\n", 9)}) {
+  for (const std::string& bytes :
+       {std::string("\xFF\xFF\xFF\x7F"
+                    "abc\r\n",
+                    9),
+        std::string("\xFF\xFF\xFF\xFF\r\n", 6), std::string("\2\0\0\0abc\r\n", 9)}) {
     writeBytes(dir.file("a"), bytes);
     TMixedFStream f(dir.file("a"), fmOpenRead);
     bool fail = false;
