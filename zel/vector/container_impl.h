@@ -170,7 +170,7 @@ void TNumVector<T>::SortElems(bool Ascending, int RangeFirst, int RangeLast) {
     };
     kernels::combSort(cells, gap, Ascending, report);
   } else {
-    kernels::combSort(cells, gap, Ascending);
+    kernels::combSortFast(cells, gap, Ascending);
   }
   Changed();
 }

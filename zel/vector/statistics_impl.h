@@ -14,6 +14,20 @@
 
 namespace zel {
 
+namespace detail {
+
+// Doubles are summed in double-double, integers modulo 2^32.
+inline double SumOf(std::span<const double> x) { return kernels::sum(x).hi; }
+inline int SumOf(std::span<const int> x) { return static_cast<int>(kernels::integerSum(x)); }
+inline double ProductOf(std::span<const double> x, std::span<const double> y) {
+  return kernels::sumOfProducts(x, y).hi;
+}
+inline int ProductOf(std::span<const int> x, std::span<const int> y) {
+  return static_cast<int>(kernels::integerSumOfProducts(x, y));
+}
+
+}  // namespace detail
+
 template <class T>
 void TNumVector<T>::RequireSameLength(const TNumVector& OtherVec) const {
   if (OtherVec.NrOfElem() != NrOfElem()) {
@@ -23,7 +37,7 @@ void TNumVector<T>::RequireSameLength(const TNumVector& OtherVec) const {
 
 template <class T>
 T TNumVector<T>::Sum(int LowElem, int HighElem) const {
-  return kernels::total(Range(LowElem, HighElem));
+  return detail::SumOf(Range(LowElem, HighElem));
 }
 
 template <class T>
@@ -128,7 +142,7 @@ template <class T>
 T TNumVector<T>::DotProduct(const TNumVector* OtherVec) const {
   if (!OtherVec) return 0;
   RequireSameLength(*OtherVec);
-  return kernels::dot(Elements(), OtherVec->Elements());
+  return detail::ProductOf(Elements(), OtherVec->Elements());
 }
 
 template <class T>
