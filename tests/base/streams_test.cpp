@@ -10,7 +10,7 @@
 
 #include "tests/base/temp_dir.h"
 #include "zel/base/errors.h"
-#include "zel/base/extended.h"
+#include "zel/base/extended_impl.h"
 
 namespace zel {
 namespace {

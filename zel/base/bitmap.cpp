@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "zel/base/errors.h"
-#include "zel/base/picturefiles.h"
+#include "zel/base/picturefiles_impl.h"
 #include "zel/base/stringhelpers.h"
 #include "zel/base/wholefile.h"
 

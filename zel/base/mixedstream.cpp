@@ -7,7 +7,7 @@
 #include <limits>
 
 #include "zel/base/errors.h"
-#include "zel/base/littleendian.h"
+#include "zel/base/littleendian_impl.h"
 
 namespace zel {
 

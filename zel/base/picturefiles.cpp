@@ -1,4 +1,4 @@
-#include "zel/base/picturefiles.h"
+#include "zel/base/picturefiles_impl.h"
 
 // jpeglib.h needs size_t and FILE to be declared before it.
 #include <csetjmp>
@@ -14,7 +14,7 @@
 #include <jerror.h>
 #include <png.h>
 
-#include "zel/base/littleendian.h"
+#include "zel/base/littleendian_impl.h"
 
 namespace zel::detail {
 namespace {

@@ -5,8 +5,8 @@
 #include <limits>
 
 #include "zel/base/errors.h"
-#include "zel/base/extended.h"
-#include "zel/base/littleendian.h"
+#include "zel/base/extended_impl.h"
+#include "zel/base/littleendian_impl.h"
 #include "zel/base/wholefile.h"
 
 namespace zel {
