@@ -52,9 +52,12 @@ bool TVector::Histogram(int FirstElem, int LastElem, double FirstBin, double Las
 
 double TVector::Integrate(double BoundLow, double BoundHigh, TIntegMethod Method) const {
   switch (Method) {
-    case imSimple: return kernels::integrateSimple(Elements(), BoundLow, BoundHigh);
-    case imTrapezoidal: return kernels::integrateTrapezoidal(Elements(), BoundLow, BoundHigh);
-    case imSimpson: return kernels::integrateSimpson(Elements(), BoundLow, BoundHigh);
+    case imSimple:
+      return kernels::integrate(Elements(), BoundLow, BoundHigh, kernels::IntegrationRule::mean);
+    case imTrapezoidal:
+      return kernels::integrate(Elements(), BoundLow, BoundHigh, kernels::IntegrationRule::trapezoidal);
+    case imSimpson:
+      return kernels::integrate(Elements(), BoundLow, BoundHigh, kernels::IntegrationRule::simpson);
   }
   return 0;
 }

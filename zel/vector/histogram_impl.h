@@ -22,20 +22,20 @@ void CountPositions(std::span<const T> cells, int first, int last, T firstBin, T
                     int bins, TIntVector& histo, int& underflow, int& overflow, int& maxCount) {
   if (histo.NrOfElem() != bins) histo.Resize(bins);
   histo.Clear();
-  const auto count = [&](std::size_t bin) {
-    const int next = histo.GetVal(static_cast<int>(bin) + 1) + 1;
-    histo.SetVal(static_cast<int>(bin) + 1, next);
+  const auto count = [&](int bin, std::int64_t times) {
+    int next = histo.GetVal(bin + 1);
+    kernels::HistogramCounter<T, int (*)(int, std::int64_t)>::grow(next, times);
+    histo.SetVal(bin + 1, next);
     return next;
   };
-  kernels::HistogramCounter counter(firstBin, lastBin, width, static_cast<std::size_t>(bins), count);
-  const std::int64_t n = static_cast<std::int64_t>(cells.size());
+  kernels::HistogramCounter counter(firstBin, lastBin, width, bins, count);
+  const auto n = static_cast<std::int64_t>(cells.size());
   const std::int64_t inLow = std::clamp<std::int64_t>(first, 1, n + 1);
   const std::int64_t inHigh = std::clamp<std::int64_t>(last, 0, n);
-  if (first <= last) {
-    for (std::int64_t i = first; i < std::min<std::int64_t>(inLow, std::int64_t{last} + 1); ++i) counter.add(T{0});
-    for (std::int64_t i = inLow; i <= inHigh; ++i) counter.add(cells[static_cast<std::size_t>(i - 1)]);
-    for (std::int64_t i = std::max<std::int64_t>(inHigh + 1, first); i <= last; ++i) counter.add(T{0});
-  }
+  const std::int64_t inside = std::max<std::int64_t>(0, inHigh - inLow + 1);
+  const std::int64_t outside = std::max<std::int64_t>(0, std::int64_t{last} - first + 1) - inside;
+  if (outside > 0) counter.add(T{0}, outside);
+  for (std::int64_t i = inLow; i <= inHigh; ++i) counter.add(cells[static_cast<std::size_t>(i - 1)]);
   underflow = counter.underflow();
   overflow = counter.overflow();
   maxCount = counter.maxCount();
