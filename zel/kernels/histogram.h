@@ -31,6 +31,12 @@ template <class T>
   }
 }
 
+/// Adds to a count that stops at the largest int.
+inline void growCount(int& count, std::int64_t times) {
+  constexpr std::int64_t most = std::numeric_limits<int>::max();
+  count = static_cast<int>(times > most - count ? most : count + times);
+}
+
 /// Counts values in bins of equal width: bin k, from 0, takes first + k width <= x < first + (k+1) width.
 /// Values below first underflow, those at or above last + width overflow, a bin beyond the last one is
 /// dropped, not-a-number is counted nowhere. Counts stop at the largest int.
@@ -44,7 +50,7 @@ class HistogramCounter {
   /// Counts x as often as given.
   void add(T x, std::int64_t times = 1) {
     if (x < first_) {
-      grow(underflow_, times);
+      growCount(underflow_, times);
     } else if (wide(x) < end_) {
       // Compared before it is converted: the quotient may exceed every integer.
       const auto bin = quotient(x);
@@ -52,19 +58,13 @@ class HistogramCounter {
         maxCount_ = std::max(maxCount_, count_(static_cast<int>(bin), times));
       }
     } else if (wide(x) >= end_) {
-      grow(overflow_, times);
+      growCount(overflow_, times);
     }
   }
 
   [[nodiscard]] int underflow() const { return underflow_; }
   [[nodiscard]] int overflow() const { return overflow_; }
   [[nodiscard]] int maxCount() const { return maxCount_; }
-
-  /// Adds to a count that stops at the largest int.
-  static void grow(int& count, std::int64_t times) {
-    constexpr std::int64_t most = std::numeric_limits<int>::max();
-    count = static_cast<int>(times > most - count ? most : count + times);
-  }
 
  private:
   using Wide = std::conditional_t<std::is_integral_v<T>, std::int64_t, T>;

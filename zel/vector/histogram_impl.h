@@ -24,7 +24,7 @@ void CountPositions(std::span<const T> cells, int first, int last, T firstBin, T
   histo.Clear();
   const auto count = [&](int bin, std::int64_t times) {
     int next = histo.GetVal(bin + 1);
-    kernels::HistogramCounter<T, int (*)(int, std::int64_t)>::grow(next, times);
+    kernels::growCount(next, times);
     histo.SetVal(bin + 1, next);
     return next;
   };
