@@ -132,9 +132,9 @@ template <class V>
     const auto isZero = Or(Eq(a, zero), Eq(b, zero));
     V error = splitProductError(a, b, p, Set(d, 134217729.0));
     if (!AllTrue(d, Or(splits, isZero))) {
-      alignas(64) double factorA[HWY_MAX_LANES_D(hn::DFromV<V>)];
-      alignas(64) double factorB[HWY_MAX_LANES_D(hn::DFromV<V>)];
-      alignas(64) double product[HWY_MAX_LANES_D(hn::DFromV<V>)];
+      alignas(64) double factorA[hn::MaxLanes(hn::DFromV<V>())];
+      alignas(64) double factorB[hn::MaxLanes(hn::DFromV<V>())];
+      alignas(64) double product[hn::MaxLanes(hn::DFromV<V>())];
       Store(a, d, factorA);
       Store(b, d, factorB);
       Store(p, d, product);

@@ -14,14 +14,13 @@
 #include <optional>
 #include <span>
 
-#include "zel/base/types.h"
 #include "zel/kernels/double_double.h"
 
 namespace zel::kernels {
 
-/// hi is the rounded sum, hi + lo the accurate one. Beyond the double range hi is infinite and lo 0;
-/// the sum of squares of tiny elements may underflow. The functions further down that return a plain
-/// number have no such limits. All lengths are legal; an empty sum is 0.
+/// hi is the rounded sum, hi + lo the accurate one. If a step leaves the double range, the sum is
+/// repeated in long double; only a result that itself is beyond the range is infinite (lo is then 0) or
+/// underflows. All lengths are legal; an empty sum is 0.
 [[nodiscard]] DoubleDouble sum(std::span<const double> x);
 [[nodiscard]] DoubleDouble sum(std::span<const std::int32_t> x);
 
@@ -36,17 +35,6 @@ namespace zel::kernels {
 [[nodiscard]] DoubleDouble sumOfSquaredDifferences(std::span<const double> x, std::span<const double> y);
 [[nodiscard]] DoubleDouble sumOfSquaredDifferences(std::span<const std::int32_t> x,
                                                    std::span<const std::int32_t> y);
-
-/// The same four in long double pairs, one lane, several times slower: for data whose sum, squares or
-/// products leave the double range. Finite for every finite input where long double has the wider range.
-template <class T>
-[[nodiscard]] Twofold<Extended> extendedSum(std::span<const T> x);
-template <class T>
-[[nodiscard]] Twofold<Extended> extendedSumOfSquares(std::span<const T> x);
-template <class T>
-[[nodiscard]] Twofold<Extended> extendedSumOfProducts(std::span<const T> x, std::span<const T> y);
-template <class T>
-[[nodiscard]] Twofold<Extended> extendedSumOfSquaredDifferences(std::span<const T> x, std::span<const T> y);
 
 /// Arithmetic mean; 0 for no elements. Finite for finite elements.
 [[nodiscard]] double mean(std::span<const double> x);
