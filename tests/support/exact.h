@@ -1,0 +1,181 @@
+/// @file
+/// Exact arithmetic for checking sums: integers of any size, doubles as multiples of 2^-1074, and the
+/// correctly rounded quotient of two integers. Slow and simple.
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <vector>
+
+namespace zel::test {
+
+class BigInt {
+ public:
+  BigInt(std::int64_t v = 0) : FNegative(v < 0) {
+    for (std::uint64_t m = v < 0 ? 0 - static_cast<std::uint64_t>(v) : static_cast<std::uint64_t>(v); m != 0; m >>= 32) {
+      FLimbs.push_back(static_cast<std::uint32_t>(m));
+    }
+  }
+
+  /// x * 2^1074, for finite x.
+  static BigInt scaled(double x) {
+    int exponent = 0;
+    const auto significand = static_cast<std::int64_t>(std::ldexp(std::frexp(x, &exponent), 53));
+    // Denormals have trailing zeros where the shift is negative.
+    const int shift = exponent - 53 + 1074;
+    return shift >= 0 ? BigInt(significand) << shift : BigInt(significand >> -shift);
+  }
+
+  [[nodiscard]] bool isNegative() const { return FNegative; }
+  [[nodiscard]] bool isZero() const { return FLimbs.empty(); }
+  [[nodiscard]] int bitLength() const {
+    if (FLimbs.empty()) return 0;
+    int bits = 32 * static_cast<int>(FLimbs.size() - 1);
+    for (std::uint32_t top = FLimbs.back(); top != 0; top >>= 1) ++bits;
+    return bits;
+  }
+
+  friend BigInt operator-(BigInt a) {
+    a.FNegative = !a.FNegative && !a.isZero();
+    return a;
+  }
+  friend BigInt operator+(const BigInt& a, const BigInt& b) {
+    if (a.FNegative != b.FNegative) {
+      return compareMagnitudes(a, b) >= 0 ? difference(a, b) : difference(b, a);
+    }
+    BigInt r = a;
+    r.FLimbs.resize(std::max(a.FLimbs.size(), b.FLimbs.size()) + 1);
+    std::uint64_t carry = 0;
+    for (std::size_t i = 0; i < r.FLimbs.size(); ++i) {
+      carry += std::uint64_t{r.FLimbs[i]} + (i < b.FLimbs.size() ? b.FLimbs[i] : 0);
+      r.FLimbs[i] = static_cast<std::uint32_t>(carry);
+      carry >>= 32;
+    }
+    return r.trimmed();
+  }
+  friend BigInt operator-(const BigInt& a, const BigInt& b) { return a + (-b); }
+  friend BigInt operator*(const BigInt& a, const BigInt& b) {
+    BigInt r;
+    r.FLimbs.resize(a.FLimbs.size() + b.FLimbs.size());
+    for (std::size_t i = 0; i < a.FLimbs.size(); ++i) {
+      std::uint64_t carry = 0;
+      for (std::size_t j = 0; j < b.FLimbs.size(); ++j) {
+        carry += std::uint64_t{a.FLimbs[i]} * b.FLimbs[j] + r.FLimbs[i + j];
+        r.FLimbs[i + j] = static_cast<std::uint32_t>(carry);
+        carry >>= 32;
+      }
+      r.FLimbs[i + b.FLimbs.size()] = static_cast<std::uint32_t>(carry);
+    }
+    r.FNegative = a.FNegative != b.FNegative;
+    return r.trimmed();
+  }
+  friend BigInt operator<<(const BigInt& a, int bits) {
+    BigInt r;
+    r.FNegative = a.FNegative;
+    r.FLimbs.resize(static_cast<std::size_t>(bits / 32) + a.FLimbs.size() + 1);
+    for (std::size_t i = 0; i < a.FLimbs.size(); ++i) {
+      const std::uint64_t v = std::uint64_t{a.FLimbs[i]} << (bits % 32);
+      r.FLimbs[i + static_cast<std::size_t>(bits / 32)] |= static_cast<std::uint32_t>(v);
+      r.FLimbs[i + static_cast<std::size_t>(bits / 32) + 1] |= static_cast<std::uint32_t>(v >> 32);
+    }
+    return r.trimmed();
+  }
+
+  /// a / b * 2^scale rounded to nearest, ties to even; b is not 0.
+  template <class T>
+  static T quotient(const BigInt& a, const BigInt& b, int scale = 0) {
+    if (a.isZero()) return 0;
+    constexpr int kDigits = std::numeric_limits<T>::digits;
+    // The unit in the last place of the result, or half of that.
+    const int magnitude = a.bitLength() - b.bitLength() + scale;
+    for (int unit = std::max(magnitude - kDigits, std::numeric_limits<T>::min_exponent - kDigits);; ++unit) {
+      const int shift = scale - unit;
+      BigInt remainder = shift >= 0 ? a << shift : a;
+      BigInt divisor = shift >= 0 ? b : b << -shift;
+      remainder.FNegative = divisor.FNegative = false;
+      const int bits = std::max(remainder.bitLength() - divisor.bitLength() + 1, 0);
+      if (bits > kDigits + 1) continue;
+      std::uint64_t q = 0;
+      bool isTooLong = false;
+      for (int bit = bits - 1; bit >= 0; --bit) {
+        isTooLong = isTooLong || (q >> (kDigits - 1)) != 0;
+        q <<= 1;
+        const BigInt part = divisor << bit;
+        if (compareMagnitudes(remainder, part) < 0) continue;
+        remainder = remainder - part;
+        q |= 1;
+      }
+      if (isTooLong) continue;
+      const int half = compareMagnitudes(remainder << 1, divisor);
+      const bool up = half > 0 || (half == 0 && (q & 1) != 0);
+      const T value = std::ldexp(static_cast<T>(q) + static_cast<T>(up ? 1 : 0), unit);
+      return a.FNegative != b.FNegative ? -value : value;
+    }
+  }
+
+ private:
+  static int compareMagnitudes(const BigInt& a, const BigInt& b) {
+    if (a.FLimbs.size() != b.FLimbs.size()) return a.FLimbs.size() < b.FLimbs.size() ? -1 : 1;
+    for (std::size_t i = a.FLimbs.size(); i-- > 0;) {
+      if (a.FLimbs[i] != b.FLimbs[i]) return a.FLimbs[i] < b.FLimbs[i] ? -1 : 1;
+    }
+    return 0;
+  }
+  /// a - b in magnitude with the sign of a; |a| >= |b|.
+  static BigInt difference(const BigInt& a, const BigInt& b) {
+    BigInt r = a;
+    std::int64_t borrow = 0;
+    for (std::size_t i = 0; i < r.FLimbs.size(); ++i) {
+      borrow += std::int64_t{r.FLimbs[i]} - (i < b.FLimbs.size() ? std::int64_t{b.FLimbs[i]} : 0);
+      r.FLimbs[i] = static_cast<std::uint32_t>(borrow);
+      borrow >>= 32;
+    }
+    return r.trimmed();
+  }
+  BigInt& trimmed() {
+    while (!FLimbs.empty() && FLimbs.back() == 0) FLimbs.pop_back();
+    if (FLimbs.empty()) FNegative = false;
+    return *this;
+  }
+
+  std::vector<std::uint32_t> FLimbs;  // magnitude, least significant first
+  bool FNegative = false;
+};
+
+/// Sums of the first four powers of doubles, exact; power k is scaled by 2^(1074 k).
+struct ExactPowerSums {
+  std::int64_t n = 0;
+  BigInt s1, s2, s3, s4;
+
+  explicit ExactPowerSums(const auto& values, int powers = 2) {
+    for (const auto v : values) {
+      const BigInt x = BigInt::scaled(static_cast<double>(v));
+      const BigInt x2 = x * x;
+      ++n;
+      s1 = s1 + x;
+      s2 = s2 + x2;
+      if (powers > 2) s3 = s3 + x2 * x;
+      if (powers > 3) s4 = s4 + x2 * x2;
+    }
+  }
+
+  [[nodiscard]] double sum() const { return BigInt::quotient<double>(s1, 1, -1074); }
+  [[nodiscard]] double sumOfSquares() const { return BigInt::quotient<double>(s2, 1, -2148); }
+  [[nodiscard]] double mean() const { return BigInt::quotient<double>(s1, n, -1074); }
+  /// n sum of d^2, exact and scaled by 2^2148.
+  [[nodiscard]] BigInt spread() const { return BigInt(n) * s2 - s1 * s1; }
+  [[nodiscard]] double variance() const { return BigInt::quotient<double>(spread(), BigInt(n) * BigInt(n - 1), -2148); }
+};
+
+/// Sum of products, exact.
+double exactSumOfProducts(const auto& x, const auto& y) {
+  BigInt s;
+  for (std::size_t i = 0; i < x.size(); ++i) {
+    s = s + BigInt::scaled(static_cast<double>(x[i])) * BigInt::scaled(static_cast<double>(y[i]));
+  }
+  return BigInt::quotient<double>(s, 1, -2148);
+}
+
+}  // namespace zel::test
