@@ -382,7 +382,9 @@ class TDynArray {
 
   static std::size_t CheckedRoom() { return std::numeric_limits<std::ptrdiff_t>::max() / sizeof(T); }
 
-  static void ResetCells(T* first, T* last) { std::fill(first, last, T()); }
+  static void ResetCells(T* first, T* last) {
+    if (first < last) std::fill(first, last, T());
+  }
 
   /// Cells beyond the size are always 0, so that growing within the capacity only has to move.
   /// Shrinking dimensions move runs toward the front, growing ones toward the back; a shape that does

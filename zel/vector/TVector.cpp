@@ -12,6 +12,7 @@
 #include "zel/kernels/integrate.h"
 #include "zel/kernels/sums.h"
 #include "zel/vector/export_asc_impl.h"
+#include "zel/vector/files_impl.h"
 #include "zel/vector/histogram_impl.h"
 
 namespace zel {
