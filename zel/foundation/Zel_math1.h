@@ -18,3 +18,4 @@
 #include "zel/foundation/polynomial.h"
 #include "zel/foundation/randoms.h"
 #include "zel/foundation/scaling.h"
+#include "zel/foundation/sorting.h"
