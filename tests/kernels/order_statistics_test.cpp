@@ -88,7 +88,7 @@ TYPED_TEST_SUITE(BySelection, Keys);
 // Selection and sort are two ways to the same number, NaN included.
 TYPED_TEST(BySelection, EqualsBySort) {
   const auto same = [](double a, double b) { return a == b || (std::isnan(a) && std::isnan(b)); };
-  for (const std::size_t n : {1u, 2u, 5u, 999u, 2000u, 2001u, 20000u}) {
+  for (const std::size_t n : {1u, 2u, 5u, 999u, 5000u, 5001u, 20000u}) {
     for (const auto& [name, keys] : test::keyShapes<TypeParam>(n, 21)) {
       SCOPED_TRACE(name + ", n = " + std::to_string(n));
       for (const double prob : {0.0, 0.3, 25.0, 50.0, 66.6, 99.99, 100.0}) {

@@ -118,7 +118,7 @@ template <class T>
 template <class T>
 [[nodiscard]] Quartiles quartilesBySelection(std::span<T> x) {
   // Below this size one sort is faster than three selections.
-  constexpr std::size_t kSortedSize = 2000;
+  constexpr std::size_t kSortedSize = 5000;
   if (x.size() <= kSortedSize) {
     std::vector<std::remove_const_t<T>> work(x.begin(), x.end());
     combSortFast(std::span(work), work.size(), true);

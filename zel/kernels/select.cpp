@@ -17,20 +17,10 @@
 namespace zel::kernels {
 namespace {
 
-// Up to here a copy and a plain selection are faster than a sample and a pass.
-constexpr std::size_t kFewKeys = 1500;
+// Up to here a sort is faster than a sample and a pass.
+constexpr std::size_t kFewKeys = 500;
 // A miss has odds below 1e-3, so a third one means that something is odd about the data.
 constexpr int kAttempts = 3;
-
-template <class T>
-bool hasUnordered(std::span<const T> x) {
-  return std::any_of(x.begin(), x.end(), [](T key) { return key != key; });
-}
-
-template <class T>
-std::vector<T> copyOf(std::span<const T> x) {
-  return std::vector<T>(x.begin(), x.end());
-}
 
 // Sorted sample with replacement. A generator of its own, since a selection must not advance the
 // process-wide one (splitmix64: Steele, Lea and Flood, OOPSLA 2014).
@@ -61,7 +51,7 @@ T smallestAbove(std::span<const T> x, T bound) {
 enum class Outcome { Found, Missed, Unordered };
 
 template <class T>
-std::optional<SelectedPair<T>> selectOrdered(std::span<const T> x, std::size_t k);
+SelectedPair<T> selectPairOf(std::span<const T> x, std::size_t k);
 
 template <class T>
 Outcome selectByBracket(std::span<const T> x, std::size_t k, int attempt, SelectedPair<T>& pair) {
@@ -99,7 +89,7 @@ Outcome selectByBracket(std::span<const T> x, std::size_t k, int attempt, Select
   if (k < insideBegin) {
     pair.at = low;
   } else if (k < insideEnd) {
-    pair = *selectOrdered(inside, k - insideBegin);
+    pair = selectPairOf(inside, k - insideBegin);
   } else {
     pair.at = high;
   }
@@ -117,46 +107,35 @@ Outcome selectByBracket(std::span<const T> x, std::size_t k, int attempt, Select
   return Outcome::Found;
 }
 
-// x is rearranged and holds no NaN.
+// Nothing if x is short, holds a NaN, or is at odds with the sampling.
 template <class T>
-SelectedPair<T> selectPlainly(std::span<T> x, std::size_t k) {
-  const auto at = x.begin() + static_cast<std::ptrdiff_t>(k);
-  std::nth_element(x.begin(), at, x.end());
-  return {*at, at + 1 == x.end() ? *at : *std::min_element(at + 1, x.end())};
-}
-
-// Nothing if a NaN is in x.
-template <class T>
-std::optional<SelectedPair<T>> selectOrdered(std::span<const T> x, std::size_t k) {
-  if (x.size() > kFewKeys) {
-    for (int attempt = 0; attempt < kAttempts; ++attempt) {
-      SelectedPair<T> pair;
-      const Outcome outcome = selectByBracket(x, k, attempt, pair);
-      if (outcome == Outcome::Found) return pair;
-      if (outcome == Outcome::Unordered) return std::nullopt;
-    }
+std::optional<SelectedPair<T>> selectBySampling(std::span<const T> x, std::size_t k) {
+  if (x.size() <= kFewKeys) return std::nullopt;
+  for (int attempt = 0; attempt < kAttempts; ++attempt) {
+    SelectedPair<T> pair;
+    const Outcome outcome = selectByBracket(x, k, attempt, pair);
+    if (outcome == Outcome::Found) return pair;
+    if (outcome == Outcome::Unordered) break;
   }
-  if (hasUnordered(x)) return std::nullopt;
-  auto work = copyOf(x);
-  return selectPlainly(std::span<T>(work), k);
+  return std::nullopt;
 }
 
 template <class T>
 SelectedPair<T> selectPairOf(std::span<const T> x, std::size_t k) {
   if (x.empty()) return {};
   k = std::min(k, x.size() - 1);
-  if (const auto pair = selectOrdered(x, k)) return *pair;
-  auto work = copyOf(x);
+  if (const auto pair = selectBySampling(x, k)) return *pair;
+  std::vector<T> work(x.begin(), x.end());
   combSortFast(std::span<T>(work), work.size(), true);
   return {work[k], work[std::min(k + 1, work.size() - 1)]};
 }
 
-// Brings all keys that match to the front; returns their number. Has no branch that depends on a
-// key.
+// Brings keys that match to the front until there are `wanted` of them; returns their number. Has
+// no branch that depends on a key but the last.
 template <class T, class Match>
-std::size_t moveToFront(std::span<T> x, Match match) {
+std::size_t moveToFront(std::span<T> x, std::size_t wanted, Match match) {
   std::size_t front = 0;
-  for (std::size_t i = 0; i < x.size(); ++i) {
+  for (std::size_t i = 0; i < x.size() && front < wanted; ++i) {
     const T key = x[i];
     x[i] = x[front];
     x[front] = key;
@@ -172,22 +151,16 @@ T quickSelectOf(std::span<T> x, std::size_t k) {
   const T first = x[0];
   if (std::all_of(x.begin(), x.end(), [first](T key) { return key == first; })) return first;
   std::optional<SelectedPair<T>> pair;
-  bool found = false;
-  if (x.size() > kFewKeys) {
-    try {
-      pair = selectOrdered(std::span<const T>(x), k);
-      found = true;
-    } catch (const std::bad_alloc&) {  // then in place
-    }
+  try {
+    pair = selectBySampling(std::span<const T>(x), k);
+  } catch (const std::bad_alloc&) {  // the sort needs no storage
   }
-  if (found ? !pair : hasUnordered(std::span<const T>(x))) {
-    combSortFast(x, x.size(), true);
-  } else if (found) {
+  if (pair) {
     const T value = pair->at;
-    const std::size_t below = moveToFront(x, [value](T key) { return key < value; });
-    moveToFront(x.subspan(below), [value](T key) { return key == value; });
+    const std::size_t below = moveToFront(x, x.size(), [value](T key) { return key < value; });
+    moveToFront(x.subspan(below), k + 1 - below, [value](T key) { return key == value; });
   } else {
-    selectPlainly(x, k);
+    combSortFast(x, x.size(), true);
   }
   return x[k];
 }

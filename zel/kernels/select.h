@@ -20,7 +20,7 @@ struct SelectedPair {
   T next{};
 };
 
-/// Reads x only; from a few thousand keys on, the storage is a small part of x.
+/// Reads x only; from a few thousand keys on the storage is a small part of x.
 /// @param k  limited to the positions of x; an empty x gives zeros
 /// @throws std::bad_alloc
 /// Method: two elements of a sorted random sample bracket the position with high probability; one
