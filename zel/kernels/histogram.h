@@ -1,83 +1,90 @@
 /// @file
-/// Binning of values into equal bins, for real and integer values.
+/// Histogram binning.
 #pragma once
 
 #include <algorithm>
 #include <cmath>
-#include <concepts>
 #include <cstddef>
 #include <cstdint>
-#include <optional>
-#include <span>
+#include <limits>
+#include <type_traits>
+#include <utility>
 
 #include "zel/base/rounding.h"
 
 namespace zel::kernels {
 
-inline constexpr int kMaxBins = 500;
-
-/// Number of bins: round(|last - first| / width) + 1, halves to even. Nothing for a width of 0 or below,
-/// for arguments or a quotient that are not finite, and for more than 500 bins.
-[[nodiscard]] inline std::optional<int> binCount(double first, double last, double width) {
-  const double steps = std::abs(last - first) / width;
-  if (!(width > 0) || !(steps < kMaxBins)) return std::nullopt;
-  const int count = RoundToInt<int>(steps) + 1;
-  return count <= kMaxBins ? std::optional(count) : std::nullopt;
-}
-
-/// |last - first| / width + 1 in integer division; a width below 1 counts as 1. Nothing for more than
-/// 500 bins.
-[[nodiscard]] inline std::optional<int> binCount(std::int32_t first, std::int32_t last, std::int32_t width) {
-  const std::int64_t distance = std::int64_t{last} - first;
-  const std::int64_t count = (distance < 0 ? -distance : distance) / std::max<std::int64_t>(width, 1) + 1;
-  return count <= kMaxBins ? std::optional(static_cast<int>(count)) : std::nullopt;
-}
-
-/// Counts values into the bins first .. first + width, and so on up to last + width.
+/// Number of bins between the lower edges of the first and the last one: |last - first| / width rounded
+/// to nearest (integers: div) plus 1, limited to the int range. 0 for a width of 0 or below or bounds
+/// that are not finite.
 template <class T>
-class Binning {
+[[nodiscard]] int numberOfBins(T first, T last, T width) {
+  if (!(width > 0)) return 0;
+  if constexpr (std::is_integral_v<T>) {
+    const std::int64_t range = std::int64_t{last} - std::int64_t{first};
+    const std::int64_t bins = (range < 0 ? -range : range) / width + 1;
+    return static_cast<int>(std::min<std::int64_t>(bins, std::numeric_limits<int>::max()));
+  } else {
+    const T steps = std::fabs(last - first) / width;
+    if (!std::isfinite(steps)) return 0;
+    return RoundToInt<int>(RoundEven(steps) + 1);
+  }
+}
+
+/// Adds to a count that stops at the largest int.
+inline void growCount(int& count, std::int64_t times) {
+  constexpr std::int64_t most = std::numeric_limits<int>::max();
+  count = static_cast<int>(times > most - count ? most : count + times);
+}
+
+/// Counts values in bins of equal width: bin k, from 0, takes first + k width <= x < first + (k+1) width.
+/// Values below first underflow, those at or above last + width overflow, a bin beyond the last one is
+/// dropped, not-a-number is counted nowhere. Counts stop at the largest int.
+template <class T, class Count>
+class HistogramCounter {
  public:
-  /// Bins as binCount says; counts has that many cells, is cleared here and must outlive the object.
-  Binning(T first, T last, T width, std::span<std::int32_t> counts)
-      : FFirst(first), FWidth(width), FEnd(Wide(last) + Wide(width)), FCounts(counts) {
-    if constexpr (std::integral<T>) {
-      FWidth = std::max<T>(width, 1);
-      FEnd = Wide(last) + FWidth;
-    }
-    std::fill(counts.begin(), counts.end(), 0);
-  }
+  /// @param count  count(bin, times) adds to a bin and returns its new count
+  HistogramCounter(T first, T last, T width, int bins, Count count)
+      : first_(first), end_(wide(last) + wide(width)), width_(width), bins_(bins), count_(std::move(count)) {}
 
-  /// Not-a-number is counted nowhere; a bin beyond the counts is dropped.
-  void Add(T x) {
-    if (x < FFirst) {
-      ++underflow;
-    } else if (x < FEnd) {
-      if (const std::size_t bin = BinOf(x); bin < FCounts.size()) maxCount = std::max(maxCount, ++FCounts[bin]);
-    } else if (x >= FEnd) {
-      ++overflow;
+  /// Counts x as often as given.
+  void add(T x, std::int64_t times = 1) {
+    if (x < first_) {
+      growCount(underflow_, times);
+    } else if (wide(x) < end_) {
+      // Compared before it is converted: the quotient may exceed every integer.
+      const auto bin = quotient(x);
+      if (bin < static_cast<decltype(bin)>(bins_)) {
+        maxCount_ = std::max(maxCount_, count_(static_cast<int>(bin), times));
+      }
+    } else if (wide(x) >= end_) {
+      growCount(overflow_, times);
     }
   }
 
-  std::int32_t underflow = 0;
-  std::int32_t overflow = 0;
-  std::int32_t maxCount = 0;
+  [[nodiscard]] int underflow() const { return underflow_; }
+  [[nodiscard]] int overflow() const { return overflow_; }
+  [[nodiscard]] int maxCount() const { return maxCount_; }
 
  private:
-  using Wide = std::conditional_t<std::integral<T>, std::int64_t, T>;
-
-  [[nodiscard]] std::size_t BinOf(T x) const {
-    if constexpr (std::integral<T>) {
-      return static_cast<std::size_t>((Wide(x) - FFirst) / FWidth);
+  using Wide = std::conditional_t<std::is_integral_v<T>, std::int64_t, T>;
+  static Wide wide(T x) { return x; }
+  [[nodiscard]] Wide quotient(T x) const {
+    if constexpr (std::is_integral_v<T>) {
+      return (wide(x) - first_) / width_;
     } else {
-      const T bin = std::floor((x - FFirst) / FWidth);
-      return bin < static_cast<T>(kMaxBins) ? static_cast<std::size_t>(bin) : kMaxBins;
+      return std::floor((x - first_) / width_);
     }
   }
 
-  T FFirst;
-  T FWidth;
-  Wide FEnd;
-  std::span<std::int32_t> FCounts;
+  T first_;
+  Wide end_;
+  T width_;
+  int bins_;
+  Count count_;
+  int underflow_ = 0;
+  int overflow_ = 0;
+  int maxCount_ = 0;
 };
 
 }  // namespace zel::kernels

@@ -1,0 +1,308 @@
+#include "zel/base/Zel_streams.h"
+
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <random>
+
+#include "tests/base/temp_dir.h"
+#include "zel/base/errors.h"
+#include "zel/base/extended_impl.h"
+
+namespace zel {
+namespace {
+
+using detail::ExtendedBits;
+using zel_test::readBytes;
+using zel_test::TempDir;
+using zel_test::writeBytes;
+
+constexpr bool kHasExtended = std::numeric_limits<Extended>::digits == 64;
+
+std::string stored(Extended x) {
+  TMemoryStream s;
+  WriteExtendedToStream(s, x);
+  return s.str();
+}
+
+std::string itemBytes(std::uint64_t significand, unsigned signExponent) {
+  std::string bytes;
+  for (int i = 0; i < 8; ++i) bytes += static_cast<char>((significand >> (8 * i)) & 0xFFU);
+  bytes += static_cast<char>(signExponent & 0xFFU);
+  bytes += static_cast<char>(signExponent >> 8);
+  return bytes;
+}
+
+Extended loaded(const std::string& bytes) {
+  TMemoryStream s(bytes);
+  bool fail = true;
+  const Extended x = ReadExtendedFromStream(s, fail);
+  EXPECT_FALSE(fail);
+  return x;
+}
+
+TEST(ExtendedItem, HasTheLayoutOfTheFormat) {
+  EXPECT_EQ(stored(1), itemBytes(0x8000000000000000U, 0x3FFF));
+  EXPECT_EQ(stored(-2.5), itemBytes(0xA000000000000000U, 0xC000));
+  EXPECT_EQ(stored(-0.0), itemBytes(0, 0x8000));
+  EXPECT_EQ(stored(-std::numeric_limits<Extended>::infinity()), itemBytes(1ULL << 63, 0xFFFF));
+}
+
+TEST(ExtendedItem, EveryEncodingComesBackOrIsNoNumber) {
+  std::mt19937_64 random(11);
+  for (int i = 0; i < 20000; ++i) {
+    // Random significands with many exponents at the ends of the range.
+    const std::uint64_t significand = random() >> (random() % 64);
+    unsigned exponent = static_cast<unsigned>(random()) & 0xFFFFU;
+    if (i % 4 == 0) exponent |= 0x7FFFU;
+    if (i % 4 == 1) exponent &= 0x8000U;
+    const std::string bytes = itemBytes(significand, exponent);
+    const Extended x = loaded(bytes);
+    const bool leading = significand >> 63 != 0;
+    if (!leading && (exponent & 0x7FFFU) != 0) {
+      ASSERT_TRUE(std::isnan(x));
+    } else if (kHasExtended && leading == ((exponent & 0x7FFFU) != 0)) {
+      ASSERT_EQ(stored(x), bytes);
+    } else if (kHasExtended) {
+      ASSERT_EQ(stored(x), itemBytes(significand, exponent | 1U));
+    }
+  }
+}
+
+/// What machines without the format compute must be what this one stores.
+TEST(ExtendedItem, ArithmeticConversionAgreesWithTheProcessor) {
+  if (!kHasExtended) GTEST_SKIP() << "no extended precision here";
+  std::mt19937_64 random(12);
+  for (int i = 0; i < 20000; ++i) {
+    const unsigned exponent = i % 3 == 0 ? (static_cast<unsigned>(random()) & 0x803FU)
+                                         : (static_cast<unsigned>(random()) & 0xFFFFU);
+    const bool normal = (exponent & 0x7FFFU) != 0;
+    const std::uint64_t significand = normal ? random() | 1ULL << 63 : random() >> (1 + i % 63);
+    const std::string bytes = itemBytes(significand, exponent);
+    const Extended x = loaded(bytes);
+    if (std::isnan(x)) continue;
+    const ExtendedBits bits{significand, static_cast<std::uint16_t>(exponent)};
+    ASSERT_EQ(detail::packExtended(x), bits);
+    ASSERT_EQ(detail::unpackExtended<Extended>(bits), x);
+    ASSERT_EQ(std::signbit(detail::unpackExtended<Extended>(bits)), std::signbit(x));
+    if (std::abs(x) > std::numeric_limits<double>::min()) {
+      ASSERT_EQ(detail::unpackExtended<double>(bits), static_cast<double>(x));
+    }
+  }
+  for (const double x : {0.0, -0.0, 1e-320, 5e-324, 1e308, 0.1, -3.0, HUGE_VAL}) {
+    ASSERT_EQ(detail::packExtended(x), detail::packExtended(static_cast<Extended>(x)));
+    ASSERT_EQ(detail::unpackExtended<double>(detail::packExtended(x)), x);
+  }
+  EXPECT_TRUE(std::isnan(detail::unpackExtended<double>(detail::packExtended(std::nan("")))));
+}
+
+TEST(LongintItem, IsLittleEndianTwosComplement) {
+  TMemoryStream s;
+  for (const int i : {1, -2, std::numeric_limits<int>::min(), 0x01020304})
+    WriteLongintToStream(s, i);
+  EXPECT_EQ(s.str(), std::string("\1\0\0\0\xFE\xFF\xFF\xFF\0\0\0\x80\4\3\2\1", 16));
+  bool fail = true;
+  EXPECT_EQ(ReadLongintFromStream(s, fail), 1);
+  EXPECT_EQ(ReadLongintFromStream(s, fail), -2);
+  EXPECT_EQ(ReadLongintFromStream(s, fail), std::numeric_limits<int>::min());
+  EXPECT_FALSE(fail);
+}
+
+TEST(StreamItems, FailWhenCutOff) {
+  for (std::size_t size = 0; size < 10; ++size) {
+    TMemoryStream s(std::string(size, '\x7F'));
+    bool fail = false;
+    EXPECT_EQ(ReadExtendedFromStream(s, fail), 0);
+    EXPECT_TRUE(fail);
+    EXPECT_EQ(ReadLongintFromStream(s, fail), 0);
+    EXPECT_TRUE(fail);
+  }
+}
+
+TEST(TMemoryStream, AppendsToWhatItHolds) {
+  TMemoryStream s("abc");
+  s << "def";
+  EXPECT_EQ(s.str(), "abcdef");
+  std::string word;
+  s >> word;
+  EXPECT_EQ(word, "abcdef");
+}
+
+TEST(TFileStream, OpensByMode) {
+  const TempDir dir;
+  const std::string name = dir.file("a");
+  EXPECT_THROW(TFileStream(name, fmOpenRead), EInOutError);
+  EXPECT_THROW(TFileStream(name, fmOpenReadWrite), EInOutError);
+  EXPECT_THROW(TFileStream(dir.file("."), fmOpenRead), EInOutError);
+  EXPECT_THROW(TFileStream(dir.file("none/a"), fmCreate), EInOutError);
+  EXPECT_EQ(dir.count(), 0);
+  { TFileStream(name, fmCreate) << "0123\r\n"; }
+  {
+    TFileStream f(name, fmOpenWrite);
+    f << "ab";
+  }
+  {
+    TFileStream f(name, fmOpenReadWrite);
+    f.seekp(3);
+    f << "x";
+    f.seekg(0);
+    std::string line;
+    std::getline(f, line);
+    EXPECT_EQ(line, "ab2x\r");
+  }
+  EXPECT_FALSE(TFileStream(name, fmOpenRead) << "no");
+  EXPECT_EQ(readBytes(name), "ab2x\r\n");
+}
+
+TEST(CalcNextCRC32, GivesThePublishedCheckValue) {
+  std::uint32_t crc = 0xFFFFFFFFU;
+  for (const char c : {'1', '2', '3', '4', '5', '6', '7', '8', '9'}) {
+    crc = CalcNextCRC32(static_cast<std::uint8_t>(c), crc);
+  }
+  EXPECT_EQ(~crc, 0xCBF43926U);  // the check value of CRC-32 in the usual catalogues
+}
+
+/// Two doubles of which the second has the bytes of a line end inside.
+const double kValues[] = {-0.1, std::bit_cast<double>(std::uint64_t{0x400D0A0D0A0D0A0AU})};
+
+void writeModel(const std::string& name) {
+  TMixedFStream f(name, fmCreate);
+  f.WriteString("TMemBasedLearner/Orbiset");
+  f.WriteInteger(-7);
+  f.WriteLn("");
+  f.WriteLn("cr \r lf \n end\r");
+  f.WriteLn("\n");
+  for (const double x : kValues) f.WriteDouble(x);
+  f.WriteByte(255);
+  f.WriteString("two\r\nlines\r\n");
+  f.WriteString("");
+  f.Close();
+  EXPECT_FALSE(f.Valid());
+}
+
+/// Reads all of it; the number of items up to the first that failed.
+int readModel(TMixedFStream& f) {
+  bool fail = false;
+  int items = 0;
+  const auto check = [&](bool equal) {
+    if (fail) return false;
+    EXPECT_TRUE(equal) << "item " << items;
+    ++items;
+    return true;
+  };
+  check(f.ReadString(fail) == "TMemBasedLearner/Orbiset") && check(f.ReadInteger(fail) == -7) &&
+      check(f.ReadLn(4, fail).empty()) && check(f.ReadLn(4, fail) == "cr \r lf \n end\r") &&
+      check(f.ReadLn(4, fail) == "\n") && check(f.ReadDouble(fail) == kValues[0]) &&
+      check(f.ReadDouble(fail) == kValues[1]) && check(f.ReadByte(fail) == 255) &&
+      check(f.ReadString(fail) == "two\r\nlines\r\n") && check(f.ReadString(fail).empty());
+  return items;
+}
+
+TEST(TMixedFStream, ReadsBackInTheOrderWritten) {
+  const TempDir dir;
+  writeModel(dir.file("a"));
+  TMixedFStream f(dir.file("a"), fmOpenRead);
+  EXPECT_FALSE(f.EndOfFile());
+  EXPECT_EQ(readModel(f), 10);
+  EXPECT_TRUE(f.Valid());
+  EXPECT_TRUE(f.EndOfFile());
+  EXPECT_THROW(static_cast<void>(f.ReadByte()), EInOutError);
+  EXPECT_FALSE(f.Valid());
+}
+
+TEST(TMixedFStream, FailsOnceAndForAllWhenCutOffAnywhere) {
+  const TempDir dir;
+  writeModel(dir.file("a"));
+  const std::string bytes = readBytes(dir.file("a"));
+  int before = 0;
+  for (std::size_t size = 0; size < bytes.size(); ++size) {
+    writeBytes(dir.file("b"), bytes.substr(0, size));
+    TMixedFStream f(dir.file("b"), fmOpenRead);
+    const int items = readModel(f);
+    ASSERT_GE(items, before);
+    ASSERT_LT(items, 10);
+    before = items;
+    ASSERT_FALSE(f.Valid());
+    bool fail = false;
+    ASSERT_EQ(f.ReadByte(fail), 0);
+    ASSERT_TRUE(fail);
+  }
+}
+
+TEST(TMixedFStream, BelievesNoLength) {
+  const TempDir dir;
+  for (const std::string& bytes :
+       {std::string("\xFF\xFF\xFF\x7F"
+                    "abc\r\n",
+                    9),
+        std::string("\xFF\xFF\xFF\xFF\r\n", 6), std::string("\2\0\0\0abc\r\n", 9)}) {
+    writeBytes(dir.file("a"), bytes);
+    TMixedFStream f(dir.file("a"), fmOpenRead);
+    bool fail = false;
+    EXPECT_EQ(f.ReadString(fail), "");
+    EXPECT_TRUE(fail);
+  }
+}
+
+TEST(TMixedFStream, ReadsLinesOfAnyOrigin) {
+  const TempDir dir;
+  writeBytes(dir.file("a"), "a\rb\nc\r\n\n\rd");
+  const auto lines = [&](int lineEnd) {
+    TMixedFStream f(dir.file("a"), fmOpenRead);
+    std::string all;
+    for (bool fail = false;;) {
+      const std::string line = f.ReadLn(lineEnd, fail);
+      if (fail) return all;
+      all += "[" + line + "]";
+    }
+  };
+  EXPECT_EQ(lines(leCR), "[a][b\nc][\n\n]");
+  EXPECT_EQ(lines(leLF), "[a\rb][c\r][]");
+  EXPECT_EQ(lines(leAny), "[a][b][c][][][d]");
+  EXPECT_EQ(lines(leCRLF), "[a\rb\nc]");
+}
+
+TEST(TMixedFStream, KeepsTheOldFileUntilComplete) {
+  const TempDir dir;
+  const std::string name = dir.file("a");
+  writeBytes(name, "old");
+  try {
+    TMixedFStream f(name, fmCreate);
+    f.WriteInteger(1);
+    throw EInOutError("given up");
+  } catch (const EInOutError&) {
+  }
+  EXPECT_EQ(readBytes(name), "old");
+  {
+    TMixedFStream f(name, fmCreate);
+    EXPECT_THROW(f.WriteLn("a\r\nb"), EInOutError);
+    f.WriteLn("a");
+  }
+  EXPECT_EQ(readBytes(name), "a\r\n");
+  EXPECT_EQ(dir.count(), 1);
+}
+
+TEST(TMixedFStream, RaisesWhatCannotBeOpenedOrWritten) {
+  const TempDir dir;
+  EXPECT_THROW(TMixedFStream(dir.file("none"), fmOpenRead), EInOutError);
+  EXPECT_THROW(TMixedFStream(dir.file("."), fmOpenRead), EInOutError);
+  EXPECT_THROW(TMixedFStream(dir.file("none/a"), fmCreate), EInOutError);
+  EXPECT_THROW(TMixedFStream(dir.file("a"), fmOpenReadWrite), EInOutError);
+  if (FileExists("/dev/full")) {
+    TMixedFStream f("/dev/full", fmCreate);
+    f.WriteInteger(1);
+    EXPECT_THROW(f.Close(), EInOutError);
+    EXPECT_THROW(f.WriteInteger(1), EInOutError);
+  }
+  writeBytes(dir.file("a"), "12345");
+  TMixedFStream f(dir.file("a"), fmOpenRead);
+  EXPECT_THROW(f.WriteByte(1), EInOutError);
+  static_cast<void>(f.ReadInteger());
+  EXPECT_THROW(static_cast<void>(f.ReadDouble()), EInOutError);
+}
+
+}  // namespace
+}  // namespace zel

@@ -1,0 +1,221 @@
+#include "zel/base/wholefile.h"
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <filesystem>
+#include <thread>
+
+#include "tests/base/temp_dir.h"
+
+namespace zel {
+namespace {
+
+namespace fs = std::filesystem;
+using zel_test::readBytes;
+using zel_test::TempDir;
+using zel_test::writeBytes;
+
+/// No file may grow beyond this many bytes while the object lives: a disk that is full.
+class FullDisk {
+ public:
+  explicit FullDisk(rlim_t bytes) : signal_(std::signal(SIGXFSZ, SIG_IGN)) {
+    getrlimit(RLIMIT_FSIZE, &before_);
+    rlimit limit = before_;
+    limit.rlim_cur = bytes;
+    setrlimit(RLIMIT_FSIZE, &limit);
+  }
+  ~FullDisk() {
+    setrlimit(RLIMIT_FSIZE, &before_);
+    std::signal(SIGXFSZ, signal_);
+  }
+
+ private:
+  rlimit before_{};
+  void (*signal_)(int);
+};
+
+mode_t modeOf(const std::string& name) {
+  struct stat found {};
+  stat(name.c_str(), &found);
+  return found.st_mode & 07777;
+}
+
+TEST(WholeFileWriter, ReplacesTheTargetOnlyAtCommit) {
+  const TempDir dir;
+  const std::string name = dir.file("a.txt");
+  writeBytes(name, "old");
+  {
+    WholeFileWriter file(name);
+    ASSERT_TRUE(file.IsOpen());
+    file.Stream() << "new" << std::flush;
+    EXPECT_EQ(readBytes(name), "old");
+    EXPECT_TRUE(file.Commit());
+    EXPECT_FALSE(file.IsOpen());
+    EXPECT_FALSE(file.Error());
+    EXPECT_FALSE(file.Stream() << "late");
+  }
+  EXPECT_EQ(readBytes(name), "new");
+  {
+    WholeFileWriter abandoned(name);
+    abandoned.Stream() << "lost";
+  }
+  EXPECT_EQ(readBytes(name), "new");
+  EXPECT_EQ(dir.count(), 1);
+}
+
+TEST(WholeFileWriter, KeepsBytesOfAnySize) {
+  const TempDir dir;
+  std::string expected;
+  WholeFileWriter file(dir.file("a"));
+  // Pieces below, at and beyond the size of the buffer, bytes of every value.
+  for (const std::size_t size : {1U, 65535U, 65536U, 65537U, 300000U, 7U}) {
+    std::string piece(size, '\0');
+    for (std::size_t i = 0; i < size; ++i) piece[i] = static_cast<char>((i * 7) & 0xFFU);
+    expected += piece;
+    file.Stream().write(piece.data(), static_cast<std::streamsize>(piece.size()));
+  }
+  for (int i = 0; i < 70000; ++i) file.Stream().put('\n');
+  expected.append(70000, '\n');
+  ASSERT_TRUE(file.Commit());
+  EXPECT_EQ(readBytes(dir.file("a")), expected);
+}
+
+TEST(WholeFileWriter, KeepsPermissions) {
+  const TempDir dir;
+  const std::string name = dir.file("a");
+  writeBytes(name, "old");
+  for (const mode_t mode : {0600U, 0644U, 0751U}) {
+    chmod(name.c_str(), mode);
+    WholeFileWriter file(name);
+    ASSERT_TRUE(file.Commit());
+    EXPECT_EQ(modeOf(name), mode);
+  }
+  const mode_t mask = umask(027);
+  WholeFileWriter fresh(dir.file("b"));
+  EXPECT_TRUE(fresh.Commit());
+  umask(mask);
+  EXPECT_EQ(modeOf(dir.file("b")), 0640U);
+}
+
+TEST(WholeFileWriter, FollowsSymbolicLinks) {
+  const TempDir dir;
+  fs::create_directory(dir.file("sub"));
+  writeBytes(dir.file("sub/target"), "old");
+  fs::create_symlink("sub/target", dir.file("one"));
+  fs::create_symlink(dir.file("one"), dir.file("two"));
+  fs::create_symlink("sub/missing", dir.file("dangling"));
+  for (const char* link : {"two", "dangling"}) {
+    WholeFileWriter file(dir.file(link));
+    file.Stream() << link;
+    ASSERT_TRUE(file.Commit()) << file.Error().message();
+    EXPECT_TRUE(fs::is_symlink(dir.file(link)));
+  }
+  EXPECT_TRUE(fs::is_symlink(dir.file("one")));
+  EXPECT_EQ(readBytes(dir.file("sub/target")), "two");
+  EXPECT_EQ(readBytes(dir.file("sub/missing")), "dangling");
+
+  fs::create_symlink("loop", dir.file("loop"));
+  WholeFileWriter loop(dir.file("loop"));
+  EXPECT_EQ(loop.Error(), std::errc::too_many_symbolic_link_levels);
+}
+
+TEST(WholeFileWriter, LeavesTheOldFileWhenTheDiskIsFull) {
+  const TempDir dir;
+  const std::string name = dir.file("a");
+  writeBytes(name, "old");
+  for (const std::size_t size : {20000U, 200000U}) {  // noticed at the end, and while writing
+    WholeFileWriter file(name);
+    {
+      const FullDisk full(10000);
+      file.Stream() << std::string(size, 'x');
+      EXPECT_FALSE(file.Commit());
+    }
+    EXPECT_EQ(file.Error(), std::errc::file_too_large);
+    EXPECT_FALSE(file.Commit());
+    EXPECT_EQ(readBytes(name), "old");
+  }
+  EXPECT_EQ(dir.count(), 1);
+}
+
+TEST(WholeFileWriter, WritesDevicesAndPipesDirectly) {
+  if (FileExists("/dev/full")) {
+    WholeFileWriter full("/dev/full");
+    ASSERT_TRUE(full.IsOpen());
+    full.Stream() << "x";
+    EXPECT_FALSE(full.Commit());
+    EXPECT_EQ(full.Error(), std::errc::no_space_on_device);
+    EXPECT_TRUE(fs::is_character_file("/dev/full"));
+  }
+  const TempDir dir;
+  const std::string name = dir.file("pipe");
+  ASSERT_EQ(mkfifo(name.c_str(), 0600), 0);
+  std::string received;
+  std::thread reader([&] { received = readBytes(name); });
+  {
+    WholeFileWriter pipe(name);
+    pipe.Stream() << "through";
+    EXPECT_TRUE(pipe.Commit());
+  }
+  reader.join();
+  EXPECT_EQ(received, "through");
+  EXPECT_TRUE(fs::is_fifo(name));
+}
+
+TEST(WholeFileWriter, TellsWhyItCannotOpen) {
+  const TempDir dir;
+  const auto error = [](const std::string& name) {
+    WholeFileWriter file(name);
+    EXPECT_FALSE(file.IsOpen());
+    EXPECT_FALSE(file.Stream() << "x");
+    EXPECT_FALSE(file.Commit());
+    return file.Error();
+  };
+  EXPECT_EQ(error(dir.file("none/a")), std::errc::no_such_file_or_directory);
+  EXPECT_EQ(error(dir.file(".")), std::errc::is_a_directory);
+  EXPECT_EQ(error(""), std::errc::no_such_file_or_directory);
+  EXPECT_EQ(error(std::string("a\0b", 3)), std::errc::invalid_argument);
+  if (geteuid() != 0) {  // everything is permitted to the superuser
+    writeBytes(dir.file("fixed"), "old");
+    chmod(dir.file("fixed").c_str(), 0444);
+    EXPECT_EQ(error(dir.file("fixed")), std::errc::permission_denied);
+  }
+}
+
+TEST(WholeFileWriter, WritersOfOneTargetDoNotMix) {
+  const TempDir dir;
+  const std::string name = dir.file("a");
+  WholeFileWriter first(name);
+  WholeFileWriter second(name);
+  first.Stream() << "first";
+  second.Stream() << "second";
+  EXPECT_TRUE(second.Commit());
+  EXPECT_TRUE(first.Commit());
+  EXPECT_EQ(readBytes(name), "first");
+  EXPECT_EQ(dir.count(), 1);
+}
+
+TEST(ReadWholeFile, GivesBytesOrAReason) {
+  const TempDir dir;
+  const std::string bytes = std::string(100000, 'x') + std::string("\0\r\n", 3);
+  writeBytes(dir.file("a"), bytes);
+  EXPECT_EQ(ReadWholeFile(dir.file("a")), bytes);
+  std::error_code error;
+  EXPECT_FALSE(ReadWholeFile(dir.file("none"), error));
+  EXPECT_EQ(error, std::errc::no_such_file_or_directory);
+  EXPECT_FALSE(ReadWholeFile(dir.file("."), error));
+  EXPECT_EQ(error, std::errc::is_a_directory);
+
+  std::ifstream f;
+  EXPECT_FALSE(OpenForReading(f, dir.file(".")));
+  EXPECT_FALSE(f.good());
+  EXPECT_FALSE(FileExists(dir.file(".")));
+  EXPECT_FALSE(FileExists(dir.file(std::string_view("a\0", 2))));
+  EXPECT_TRUE(FileExists(dir.file("a")));
+}
+
+}  // namespace
+}  // namespace zel

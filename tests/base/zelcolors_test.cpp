@@ -1,0 +1,199 @@
+#include "zel/base/Zel_zelcolors.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cmath>
+#include <limits>
+
+#include "tests/base/temp_dir.h"
+#include "zel/base/errors.h"
+
+namespace zel {
+namespace {
+
+using zel_test::readBytes;
+using zel_test::TempDir;
+using zel_test::writeBytes;
+
+TEST(Colors, PackRedLowest) {
+  EXPECT_EQ(RGB(1, 2, 3), 0x030201U);
+  EXPECT_EQ(RGB(-1, 256, 255), 0xFFFF00U);
+  EXPECT_EQ(RedOf(0xFF030201U), 1);
+  EXPECT_EQ(GreenOf(0xFF030201U), 2);
+  EXPECT_EQ(BlueOf(0xFF030201U), 3);
+}
+
+TEST(RGBtoGray, WeighsTheComponents) {
+  EXPECT_EQ(RGBtoGray(255, 0, 0), 76);   // 76.245
+  EXPECT_EQ(RGBtoGray(0, 255, 0), 150);  // 149.685
+  EXPECT_EQ(RGBtoGray(0, 0, 255), 29);   // 29.07
+  for (int c = 0; c < 256; ++c) EXPECT_EQ(RGBtoGray(c, c, c), c);
+}
+
+TEST(RGBtoHSI, AgreesWithTheArcCosineFormulaAndComesBack) {
+  for (int r = 0; r < 256; r += 15) {
+    for (int g = 0; g < 256; g += 15) {
+      for (int b = 0; b < 256; b += 15) {
+        double h = -1;
+        double s = -1;
+        double i = -1;
+        RGBtoHSI(r, g, b, h, s, i);
+        ASSERT_TRUE(h >= 0 && h < 360 && s >= 0 && s <= 1 && i >= 0 && i <= 1);
+        if (r != g || g != b) {
+          const double cosine = 0.5 * (2 * r - g - b) /
+                                std::sqrt(double((r - g) * (r - g)) + double((r - b) * (g - b)));
+          const double angle = std::acos(std::clamp(cosine, -1.0, 1.0)) * 180 / std::acos(-1.0);
+          ASSERT_NEAR(h, b > g ? 360 - angle : angle, 1e-5);
+        } else {
+          ASSERT_EQ(h, 0);
+          ASSERT_EQ(s, 0);
+        }
+        int red = -1;
+        int green = -1;
+        int blue = -1;
+        HSItoRGB(h + 720, s, i, red, green, blue);
+        ASSERT_EQ(RGB(red, green, blue), RGB(r, g, b));
+      }
+    }
+  }
+  int r = 0;
+  int g = 0;
+  int b = 0;
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  HSItoRGB(nan, nan, nan, r, g, b);
+  EXPECT_EQ(RGB(r, g, b), 0U);
+}
+
+/// Every pixel another colour, so that an exchange of rows, columns or components shows.
+void paint(TBitmap& picture, int width, int height) {
+  picture.SetSize(width, height);
+  for (int y = 0; y < height; ++y) {
+    for (int x = 0; x < width; ++x) picture.SetPixel(x, y, RGB(7 * x, 200 - 5 * y, x + y));
+  }
+}
+
+void expectSame(const TBitmap& a, const TBitmap& b) {
+  ASSERT_EQ(a.Width(), b.Width());
+  ASSERT_EQ(a.Height(), b.Height());
+  for (int y = 0; y < a.Height(); ++y) {
+    for (int x = 0; x < a.Width(); ++x) ASSERT_EQ(a.Pixels(x, y), b.Pixels(x, y)) << x << "," << y;
+  }
+}
+
+TEST(TBitmap, ReadsZeroOutsideAndIgnoresWrites) {
+  TBitmap picture(3, 2);
+  for (const auto& [x, y] : {std::pair(-1, 0), {3, 0}, {0, -1}, {0, 2}, {INT_MAX, INT_MIN}}) {
+    picture.SetPixel(x, y, 5);
+    EXPECT_EQ(picture.GetPixel(x, y), 0U);
+    EXPECT_TRUE(picture.Row(x == 0 ? y : 9).empty());
+  }
+  picture.SetPixel(2, 1, 5);
+  EXPECT_EQ(picture.Row(1)[2], 5U);
+  EXPECT_EQ(picture.Row(0).size(), 3U);
+  TBitmap copy;
+  copy.Assign(&picture);
+  expectSame(copy, picture);
+  EXPECT_THROW(picture.SetSize(INT_MAX, INT_MAX), EZELError);
+  expectSame(copy, picture);
+  picture.SetSize(3, -1);
+  EXPECT_EQ(picture.Width(), 0);
+}
+
+TEST(TBitmap, KeepsItsPixelsInLosslessFiles) {
+  const TempDir dir;
+  for (const int width : {1, 2, 3, 4, 33}) {  // every padding of a row
+    for (const char* name : {"a.bmp", "a.PNG"}) {
+      TBitmap picture;
+      paint(picture, width, 5);
+      picture.SaveToFile(dir.file(name));
+      TBitmap copy;
+      copy.LoadFromFile(dir.file(name));
+      expectSame(copy, picture);
+    }
+  }
+}
+
+TEST(TBitmap, WritesTheBytesOfTheBmpFormat) {
+  const TempDir dir;
+  TBitmap picture(1, 2);
+  picture.SetPixel(0, 0, RGB(1, 2, 3));
+  picture.SetPixel(0, 1, RGB(4, 5, 6));
+  picture.SaveToFile(dir.file("a.bmp"));
+  const std::string bytes = readBytes(dir.file("a.bmp"));
+  EXPECT_EQ(bytes.substr(0, 30),
+            std::string("BM\x3E\0\0\0\0\0\0\0\x36\0\0\0\x28\0\0\0\1\0\0\0\2\0\0\0\1\0\x18\0", 30));
+  EXPECT_EQ(bytes.substr(54),
+            std::string("\6\5\4\0\3\2\1\0", 8));  // from the bottom up, blue first
+}
+
+TEST(TBitmap, WritesJpegCloseToThePicture) {
+  const TempDir dir;
+  TBitmap picture(64, 48);
+  for (int y = 0; y < 48; ++y) std::ranges::fill(picture.Row(y), RGB(200, 100, 50));
+  picture.SaveToFile(dir.file("a.jpeg"));
+  picture.SaveToFile(dir.file("a.Jpg"));
+  const std::string bytes = readBytes(dir.file("a.jpeg"));
+  EXPECT_EQ(bytes.substr(0, 3), "\xFF\xD8\xFF");
+  EXPECT_EQ(bytes.substr(bytes.size() - 2), "\xFF\xD9");
+  // The frame header holds height and width, high byte first.
+  EXPECT_NE(bytes.find(std::string("\x08\0\x30\0\x40\x03", 6)), std::string::npos);
+  // More than one block of output, with detail that does not compress.
+  TBitmap large(700, 700);
+  unsigned value = 1;
+  for (int y = 0; y < 700; ++y) {
+    for (TColor& c : large.Row(y)) c = (value = value * 1664525 + 1013904223) >> 8;
+  }
+  large.SaveToFile(dir.file("large.jpg"));
+  const std::string much = readBytes(dir.file("large.jpg"));
+  EXPECT_GT(much.size(), 131072U);
+  EXPECT_EQ(much.substr(much.size() - 2), "\xFF\xD9");
+}
+
+TEST(TBitmap, ReportsWhatItCannotWrite) {
+  const TempDir dir;
+  TBitmap picture(2, 2);
+  for (const char* name : {"a.gif", "a", "png", "none/a.png"}) {
+    EXPECT_THROW(picture.SaveToFile(dir.file(name)), EInOutError) << name;
+  }
+  EXPECT_THROW(TBitmap().SaveToFile(dir.file("a.png")), EInOutError);
+  // Wider than the format allows: the encoder's own error path.
+  EXPECT_THROW(TBitmap(70000, 1).SaveToFile(dir.file("a.jpg")), EInOutError);
+  EXPECT_EQ(dir.count(), 0);
+}
+
+TEST(TBitmap, SurvivesDamagedFiles) {
+  const TempDir dir;
+  TBitmap before;
+  paint(before, 9, 4);
+  for (const std::string ending : {".bmp", ".png"}) {
+    before.SaveToFile(dir.file("good" + ending));
+    const std::string bytes = readBytes(dir.file("good" + ending));
+    TBitmap picture;
+    picture.Assign(&before);
+    const auto load = [&](const std::string& damaged) {
+      writeBytes(dir.file("bad" + ending), damaged);
+      picture.LoadFromFile(dir.file("bad" + ending));
+    };
+    for (std::size_t size = 0; size + 12 < bytes.size(); ++size) {
+      EXPECT_THROW(load(bytes.substr(0, size)), EInOutError) << ending << size;
+    }
+    expectSame(picture, before);
+    // Any byte may be wrong: an error or a picture, but neither a crash nor a huge allocation.
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+      std::string damaged = bytes;
+      damaged[i] = static_cast<char>(~damaged[i]);
+      try {
+        load(damaged);
+      } catch (const EInOutError&) {
+      }
+      EXPECT_LT(picture.Width(), 100000);
+    }
+  }
+  TBitmap picture;
+  EXPECT_THROW(picture.LoadFromFile(dir.file("none.png")), EInOutError);
+  EXPECT_THROW(picture.LoadFromFile(dir.file("good.gif")), EInOutError);
+}
+
+}  // namespace
+}  // namespace zel

@@ -1,0 +1,179 @@
+#include "zel/foundation/scaling.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <limits>
+#include <string>
+#include <utility>
+
+#include "zel/base/random.h"
+
+using namespace zel;
+
+namespace {
+
+constexpr int kIntMax = std::numeric_limits<int>::max();
+constexpr double kInf = std::numeric_limits<double>::infinity();
+
+double decimal(const char* mantissa, int k) {
+  return std::strtod((std::string(mantissa) + "e" + std::to_string(k)).c_str(), nullptr);
+}
+double above(double x) { return std::nextafter(x, kInf); }
+double below(double x) { return std::nextafter(x, 0); }
+
+struct Scale {
+  Extended start = -1;
+  Extended step = -1;
+  std::uint16_t subTicks = 99;
+};
+Scale scale(int ticks, Extended x1, Extended x2) {
+  Scale s;
+  CalcScalePars(ticks, x1, x2, s.start, s.step, s.subTicks);
+  return s;
+}
+
+}  // namespace
+
+// Where the mantissa comes from a logarithm or a quotient, some decade puts a limit on the wrong
+// side.
+TEST(Round125, LimitsAreExactInEveryDecade) {
+  for (int k = -307; k <= 307; ++k) {
+    const double one = decimal("1", k);
+    const double two = decimal("2", k);
+    const double five = decimal("5", k);
+    const double ten = decimal("10", k);
+    for (const double sign : {1.0, -1.0}) {
+      for (const double x : {one, two, five}) {
+        EXPECT_EQ(Round125(sign * x), sign * x);
+        EXPECT_EQ(RoundPos125(sign * x), sign * x);
+        EXPECT_EQ(RoundNeg125(sign * x), sign * x);
+      }
+      const auto up = sign > 0 ? RoundPos125 : RoundNeg125;
+      const auto down = sign > 0 ? RoundNeg125 : RoundPos125;
+      EXPECT_EQ(up(sign * above(two)), sign * five);
+      EXPECT_EQ(up(sign * below(two)), sign * two);
+      EXPECT_EQ(up(sign * above(five)), sign * ten);
+      EXPECT_EQ(up(sign * below(five)), sign * five);
+      EXPECT_EQ(down(sign * above(two)), sign * two);
+      EXPECT_EQ(down(sign * below(two)), sign * one);
+      EXPECT_EQ(down(sign * above(five)), sign * five);
+      EXPECT_EQ(down(sign * below(five)), sign * two);
+      EXPECT_EQ(Round125(sign * decimal("1.5", k)), sign * two);
+      EXPECT_EQ(Round125(sign * below(decimal("1.5", k))), sign * one);
+      EXPECT_EQ(Round125(sign * decimal("3", k)), sign * five);
+      EXPECT_EQ(Round125(sign * below(decimal("3", k))), sign * two);
+      EXPECT_EQ(Round125(sign * decimal("8", k)), sign * ten);
+      EXPECT_EQ(Round125(sign * below(decimal("8", k))), sign * five);
+      // Powers of ten have a neighbourhood.
+      for (const double x : {one * (1 - 2e-14), above(one), below(one), one * (1 + 2e-14)}) {
+        EXPECT_EQ(up(sign * x), sign * one) << k;
+        EXPECT_EQ(down(sign * x), sign * one) << k;
+      }
+      EXPECT_EQ(up(sign * one * (1 + 3e-14)), sign * two);
+      EXPECT_EQ(down(sign * one * (1 - 3e-14)), sign * decimal("0.5", k));
+    }
+  }
+}
+
+TEST(Round125, EndsOfTheRange) {
+  const double smallest = std::numeric_limits<double>::denorm_min();
+  for (double x = smallest; x < 1e-321; x += smallest) {
+    EXPECT_TRUE(0 < RoundNeg125(x) && RoundNeg125(x) <= x && x <= RoundPos125(x));
+  }
+  EXPECT_EQ(Round125(1.7e308), kInf);
+  EXPECT_EQ(RoundNeg125(std::numeric_limits<double>::max()), 1e308);
+  EXPECT_EQ(Round125(-kInf), -kInf);
+  EXPECT_TRUE(std::isnan(RoundPos125(std::nan(""))));
+  EXPECT_EQ(Round125(0), 0);
+}
+
+TEST(CalcScalePars, PublishedValues) {
+  Scale s = scale(4, 0, 100);
+  EXPECT_EQ(s.start, 0);
+  EXPECT_EQ(s.step, 20);
+  EXPECT_EQ(s.subTicks, 4);
+  s = scale(4, 100, 0);
+  EXPECT_EQ(s.start, 100);
+  EXPECT_EQ(s.step, -20);
+  s = scale(5, 0, 100);
+  EXPECT_EQ(s.step, 10);
+  EXPECT_EQ(s.subTicks, 5);
+  EXPECT_EQ(scale(5, 0, 1).step, 0.1L);
+  EXPECT_EQ(scale(4, 0, 2e-9L).step, 2e-10L);  // at a class limit, which belongs to the class below
+}
+
+TEST(CalcScalePars, WithoutWishForTicks) {
+  Scale s = scale(0, 2.3, 9);
+  EXPECT_EQ(s.start, 3);
+  EXPECT_EQ(s.step, 1);
+  EXPECT_EQ(s.subTicks, 5);
+  EXPECT_EQ(scale(0, 2.0005, 9).start, 2);  // within a thousandth
+  EXPECT_EQ(scale(0, -2.3, 19).start, -2);
+  EXPECT_EQ(scale(0, -2.3, 19).subTicks, 1);
+  EXPECT_EQ(scale(0, 2.3, -9).start, 1);
+  EXPECT_EQ(scale(0, -2.3, -9).start, -3);
+  EXPECT_EQ(scale(0, 1e30L, 2e30L).start, 1e30L);
+}
+
+TEST(CalcScalePars, StepsAreRoundAndStartIsTheFirstMultiple) {
+  SetRandSeed(3);
+  for (int trial = 0; trial < 20000; ++trial) {
+    const Extended size = std::pow(10.0L, static_cast<Extended>(Random(600) - 300));
+    const Extended x1 = (Random() - 0.5) * size;
+    const Extended x2 = trial % 7 == 0 ? x1 * (1 + 1e-9L * Random()) : (Random() - 0.5) * size;
+    const int ticks = 1 + Random(trial % 2 ? 10 : 1000);
+    const Scale s = scale(ticks, x1, x2);
+    ASSERT_EQ(s.step > 0, x2 > x1);
+    const Extended steps = (x2 - x1) / s.step;
+    ASSERT_GE(steps, ticks * (1 - 1e-9L));
+    ASSERT_LE(steps, 2.5L * ticks * (1 + 1e-9L));
+    const Extended multiple = std::nearbyint(s.start / s.step);
+    ASSERT_EQ(multiple * s.step, s.start);
+    const Extended beyond = multiple - x1 / s.step;  // in steps
+    ASSERT_GE(beyond, -0.001L * (1 + 1e-6L));
+    ASSERT_LT(beyond, 0.999L * (1 + 1e-6L));
+    const auto step = static_cast<double>(std::fabs(s.step));
+    ASSERT_DOUBLE_EQ(Round125(step), step);
+    ASSERT_EQ(s.subTicks, Round125(step * 3.5) < step * 3 ? 4 : 5);  // 4 for 2, whose 7 becomes 5
+  }
+}
+
+TEST(CalcScalePars, DegenerateRangesEnd) {
+  const Extended huge = std::numeric_limits<Extended>::max();
+  const Extended tiny = std::numeric_limits<Extended>::denorm_min();
+  const Extended nan = std::nanl("");
+  for (const int ticks : {0, 3, -3}) {
+    for (const auto& [x1, x2] :
+         {std::pair<Extended, Extended>{4, 4}, {kInf, 1}, {1, -kInf}, {1, nan}}) {
+      const Scale s = scale(ticks, x1, x2);
+      EXPECT_TRUE(s.start == x1 && s.step == 0 && s.subTicks == 1);
+    }
+  }
+  EXPECT_EQ(scale(-3, 2.5, 9).step, 1);
+  EXPECT_EQ(scale(kIntMax, 0, tiny).step, 0);
+  EXPECT_EQ(scale(1, -huge, huge).step, 0);
+  const Scale s = scale(4, -huge, huge);  // the range overflows, the step does not
+  EXPECT_TRUE(s.step > huge / 4 && s.start >= -huge);
+  EXPECT_GT(scale(1, 0, tiny * 100).step, 0);
+  // Steps too small to change the start.
+  EXPECT_EQ(scale(1000, 1e30L, std::nextafter(1e30L, 2e30L)).start, 1e30L);
+}
+
+TEST(HistoBinRef, GridAnchoredAtItsReference) {
+  double offset = -1;
+  EXPECT_EQ(HistoBinRef(-7.25, 1, 2, offset), -9);
+  EXPECT_EQ(offset, 1.75);
+  EXPECT_EQ(HistoBinRef(5, 1, 2, offset), 5);
+  EXPECT_EQ(offset, 0);
+  EXPECT_EQ(HistoBinRef(5.5, 1, 0, offset), 5.5);
+  EXPECT_EQ(offset, 0);
+}
+
+TEST(Squash, SigmoidWithItsSlopeAndLimits) {
+  EXPECT_NEAR(Squash(2 + 1e-10, 2, 3, 4) / 3e-10, 1, 1e-6);  // no cancellation near the centre
+  EXPECT_DOUBLE_EQ(Squash(3, 2, -3, 4), -4 * std::tanh(0.75));
+  EXPECT_EQ(Squash(-1e300, 2, 3, 4), -4);
+  EXPECT_EQ(Squash(2, 2, 3, 0), 0);
+}

@@ -1,0 +1,265 @@
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <climits>
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <limits>
+#include <memory>
+#include <sstream>
+
+#include "zel/vector/Zel_vector.h"
+
+namespace zel {
+namespace {
+
+namespace fs = std::filesystem;
+
+class VectorFiles : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    folder_ = fs::temp_directory_path() /
+              ("zel_vector_files_" + std::to_string(::getpid()) + "_" +
+               ::testing::UnitTest::GetInstance()->current_test_info()->name());
+    fs::create_directories(folder_);
+  }
+  void TearDown() override { fs::remove_all(folder_); }
+
+  [[nodiscard]] std::string path(const std::string& name) const { return (folder_ / name).string(); }
+  [[nodiscard]] std::string file(const std::string& text) const {
+    std::ofstream(path("in"), std::ios::binary) << text;
+    return path("in");
+  }
+  [[nodiscard]] static std::string text(const std::string& name) {
+    std::ifstream in(name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+  }
+
+  fs::path folder_;
+};
+
+template <class V>
+std::vector<typename V::value_type> contents(const V& v) {
+  return {v.begin(), v.end()};
+}
+
+TEST_F(VectorFiles, StreamRecordsRoundTripEveryDouble) {
+  const double inf = std::numeric_limits<double>::infinity();
+  TVector v{1.5, -0.0, 5e-324, 1.7976931348623157e308, -inf, 0.1};
+  std::unique_ptr<TMemoryStream> stream;
+  v.SaveToStream(stream, 0, 0);
+  ASSERT_TRUE(stream);
+  EXPECT_EQ(stream->str().size(), 8 * 10U);
+  v.SaveToStream(stream, 2, 3);
+  TVector w;
+  int events = 0;
+  w.OnChange = [&](TObject*) { ++events; };
+  EXPECT_TRUE(w.LoadFromStream(*stream, true));
+  EXPECT_EQ(w.CRCofData(), v.CRCofData());
+  EXPECT_EQ(events, 1 + 6 + 1) << "resize, each value, the end";
+  EXPECT_TRUE(w.LoadFromStream(stream.get(), true)) << "the record that follows";
+  EXPECT_EQ(w.NrOfElem(), 3) << "HighElem elements, not the number of values";
+  EXPECT_EQ(contents(w), (std::vector<double>{1.5, -0.0, 5e-324}));
+  EXPECT_FALSE(w.LoadFromStream(*stream, true));
+  EXPECT_FALSE(w.LoadFromStream(nullptr, true));
+}
+
+TEST_F(VectorFiles, IntegerRecordsUse32Bits) {
+  TIntVector v{INT_MIN, -1, INT_MAX};
+  TFileStream out(path("record"), 0xFF00);
+  v.SaveToStream(out, 0, 0);
+  out.close();
+  EXPECT_EQ(fs::file_size(path("record")), 20U);
+  TFileStream in(path("record"), 0);
+  TIntVector w;
+  EXPECT_TRUE(w.LoadFromStream(in, true));
+  EXPECT_EQ(contents(w), contents(v));
+}
+
+TEST_F(VectorFiles, TruncatedRecordsKeepWhatCanBeRead) {
+  TVector v{1, 2, 3};
+  std::ostringstream out;
+  v.SaveToStream(out, 0, 0);
+  const std::string bytes = out.str();
+  for (std::size_t cut = 0; cut <= bytes.size(); ++cut) {
+    std::istringstream in(bytes.substr(0, cut));
+    TVector w{9};
+    int events = 0;
+    w.OnChange = [&](TObject*) { ++events; };
+    EXPECT_EQ(w.LoadFromStream(in, true), cut == bytes.size());
+    if (cut < 20) {
+      EXPECT_EQ(contents(w), std::vector<double>{9}) << "no bounds, no change";
+      EXPECT_EQ(events, 0);
+    } else {
+      std::vector<double> expected{9, 0, 0};
+      for (std::size_t k = 0; k < (cut - 20) / 10; ++k) expected[k] = static_cast<double>(k + 1);
+      EXPECT_EQ(contents(w), expected);
+    }
+  }
+}
+
+TEST_F(VectorFiles, RecordsDoNotGrowAVectorUnasked) {
+  TVector longer;
+  longer.Resize(10);
+  std::stringstream stream;
+  longer.SaveToStream(stream, 0, 0);
+  TVector v{1, 2, 3, 4, 5};
+  EXPECT_FALSE(v.LoadFromStream(stream, false));
+  EXPECT_EQ(contents(v), (std::vector<double>{1, 2, 3, 4, 5}));
+  EXPECT_EQ(stream.tellg(), 20) << "no value is read";
+}
+
+TEST_F(VectorFiles, ForgedCountsAllocateNothing) {
+  std::stringstream stream;
+  WriteExtendedToStream(stream, 1);
+  WriteExtendedToStream(stream, 1e18L);
+  WriteExtendedToStream(stream, 5);
+  TVector v{1, 2};
+  EXPECT_FALSE(v.LoadFromStream(stream, true));
+  EXPECT_EQ(contents(v), (std::vector<double>{1, 2}));
+  EXPECT_FALSE(v.LoadFromFile(file("1 2147483647\n5\n6\n"), true));
+  EXPECT_EQ(contents(v), (std::vector<double>{1, 2}));
+  std::string comment;
+  EXPECT_EQ(v.ImportASC(file("c\n1\n2147483647\nFALSE FALSE FALSE FALSE\n5\n6\n"), comment), -6);
+  EXPECT_EQ(contents(v), (std::vector<double>{5, 6, 0}));
+  // A record of a late part of a long vector is no forgery.
+  TVector late;
+  late.Resize(100000);
+  late.SetVal(99999, 7);
+  std::stringstream part;
+  late.SaveToStream(part, 99998, 100000);
+  TVector w;
+  EXPECT_TRUE(w.LoadFromStream(part, true));
+  EXPECT_EQ(w.GetVal(99999), 7);
+}
+
+TEST_F(VectorFiles, NumberFilesFollowThePrecision) {
+  const std::string name = path("numbers");
+  TVector v{1.5, -2, 1.0 / 3};
+  EXPECT_TRUE(v.StoreOnFile(1, 3, -5, name));
+  EXPECT_EQ(text(name), "1 3\n1.50\n-2.00\n0.33\n");
+  EXPECT_TRUE(v.StoreOnFile(3, 1, 25, name));
+  EXPECT_EQ(text(name), "1 3\n1.50000000000000000000\n-2.00000000000000000000\n0.33333333333333331483\n");
+  EXPECT_TRUE(v.StoreOnFile(2, 9, 0, name));
+  EXPECT_EQ(text(name), "2 3\n-2\n0\n");
+  for (const int precision : {-1, -2}) {
+    EXPECT_TRUE(v.StoreOnFile(0, 0, precision, name));
+    std::istringstream lines(text(name));
+    std::string line;
+    std::getline(lines, line);
+    for (int i = 1; i <= 3; ++i) {
+      std::getline(lines, line);
+      EXPECT_EQ(line.size(), precision == -1 ? 13U : 26U);
+      EXPECT_NEAR(std::stod(line), v.GetVal(i), std::fabs(v.GetVal(i)) * (precision == -1 ? 1e-4 : 0));
+    }
+  }
+  TVector w;
+  EXPECT_TRUE(w.LoadFromFile(name, true));
+  EXPECT_EQ(w.CRCofData(), v.CRCofData()) << "26 characters hold a double exactly";
+
+  TIntVector k{4, 5, 6};
+  EXPECT_TRUE(k.StoreOnFile(0, 0, name));
+  EXPECT_EQ(text(name), "1 0\n") << "the integer form does not know (0, 0)";
+  EXPECT_TRUE(k.StoreOnFile(9, -4, name));
+  EXPECT_EQ(text(name), "1 3\n4\n5\n6\n");
+  EXPECT_FALSE(v.StoreOnFile(0, 0, 2, path("no/such/folder")));
+  EXPECT_TRUE(v.StoreOnFile(0, 0, 2, "/dev/full")) << "the file could be created";
+}
+
+TEST_F(VectorFiles, NumberFilesWithBadWords) {
+  TVector v{7, 7, 7, 7};
+  int events = 0;
+  v.OnChange = [&](TObject*) { ++events; };
+  EXPECT_TRUE(v.LoadFromFile(file("2 4\r\n+1.5\r\nabc\r\n3e2"), false));
+  EXPECT_EQ(contents(v), (std::vector<double>{7, 1.5, 7, 300}));
+  EXPECT_EQ(events, 1);
+  EXPECT_TRUE(v.LoadFromFile(file("1 3\n1"), true)) << "missing values leave their elements";
+  EXPECT_EQ(contents(v), (std::vector<double>{1, 1.5, 7}));
+  EXPECT_FALSE(v.LoadFromFile(file("1 4\n1 2 3 4"), false));
+  for (const char* garbage : {"", "x", "1", "1 x", "\n\n"}) {
+    EXPECT_FALSE(v.LoadFromFile(file(garbage), true)) << garbage;
+  }
+  EXPECT_FALSE(v.LoadFromFile(path("missing"), true));
+  EXPECT_FALSE(v.LoadFromFile(folder_.string(), true));
+  EXPECT_EQ(contents(v), (std::vector<double>{1, 1.5, 7}));
+  TIntVector k;
+  EXPECT_TRUE(k.LoadFromFile(file("1 4\n0.5 1.5 -2.5 1e99"), true));
+  EXPECT_EQ(contents(k), (std::vector<int>{0, 2, -2, INT_MAX}));
+}
+
+TEST_F(VectorFiles, MarkedLinesSetTheLength) {
+  TVector v{9};
+  const std::string name = file("1.5 //dig\n\n2.5//dig\nx //dig\n4 //dig first\n");
+  EXPECT_TRUE(v.LoadFromFile(name, true, true));
+  EXPECT_EQ(contents(v), (std::vector<double>{1.5, 2.5, 0, 4}));
+  TVector two{8, 8};
+  EXPECT_TRUE(two.LoadFromFile(name, false, true));
+  EXPECT_EQ(contents(two), (std::vector<double>{1.5, 2.5}));
+  EXPECT_TRUE(two.LoadFromFile(file("no marks 5"), true, true));
+  EXPECT_EQ(two.NrOfElem(), 2) << "no marked line leaves the size";
+  EXPECT_FALSE(two.LoadFromFile(path("missing"), true, true));
+  EXPECT_FALSE(two.LoadFromFile(folder_.string(), true, true));
+  EXPECT_TRUE(two.LoadFromFile(file("1 1\n6\n"), true, false));
+  EXPECT_EQ(contents(two), std::vector<double>{6});
+}
+
+TEST_F(VectorFiles, AscFilesHaveTheirForm) {
+  const std::string name = path("a.asc");
+  TVector v{1.5, -2};
+  EXPECT_EQ(v.ExportAsASC(name, 3, ""), 0);
+  EXPECT_EQ(text(name), "Exported by ZEL TVector component: " + name +
+                            "\n1\t;nr. of columns\n2\t;nr. of rows\nFALSE FALSE FALSE FALSE\t"
+                            ";row attributes, column names, row names, nominal variables\n"
+                            "       1.500\n      -2.000\n");
+  TIntVector k{-7};
+  EXPECT_EQ(k.ExportAsASC(name, "two\nlines"), 0);
+  EXPECT_EQ(text(name), "two lines\n1\t;nr. of columns\n1\t;nr. of rows\nFALSE FALSE FALSE FALSE\t"
+                        ";row attributes, column names, row names, nominal variables\n-7\n");
+  EXPECT_EQ(v.ExportAsASC(path("no/such/folder"), 3, ""), -1);
+  EXPECT_EQ(v.ExportAsASC("/dev/full", 3, ""), -1);
+  std::string comment;
+  TVector w;
+  EXPECT_EQ(w.ImportASC(name, comment), 0);
+  EXPECT_EQ(comment, "two lines");
+  EXPECT_EQ(contents(w), std::vector<double>{-7});
+}
+
+TEST_F(VectorFiles, AscReaderSkipsAttributesAndNames) {
+  std::string comment;
+  TVector v;
+  int events = 0;
+  v.OnChange = [&](TObject*) { ++events; };
+  EXPECT_EQ(v.ImportASC(file("c\r\n1\t;nr. of columns\r\n3\t;nr. of rows\r\nTRUE TRUE TRUE FALSE\r\n"
+                             "\"my \"\"column\"\"\"\r\n"
+                             "3 \"row one\" 1.5e1\r\n4 \"row 2\" NAN\r\n5 bare ###\r\n"),
+                        comment),
+            0);
+  EXPECT_EQ(contents(v), (std::vector<double>{15, 0, 0}));
+  EXPECT_EQ(events, 2) << "the resize and the end";
+  EXPECT_FALSE(v.IsEmpty());
+}
+
+TEST_F(VectorFiles, AscErrorsAreTold) {
+  const std::string head = "c\n1\n4\nFALSE FALSE FALSE FALSE\n";
+  std::string comment;
+  TVector v{7, 8, 9};
+  EXPECT_EQ(v.ImportASC(path("missing"), comment), -8);
+  EXPECT_EQ(v.ImportASC(file("c\n2\n1\nFALSE FALSE FALSE FALSE\n1 2\n"), comment), -7);
+  EXPECT_EQ(v.ImportASC(file("c\n1\nx\nFALSE FALSE FALSE FALSE\n1\n"), comment), 3);
+  EXPECT_EQ(v.ImportASC(file("c\n1\n1\nFALSE MAYBE FALSE FALSE\n1\n"), comment), 4);
+  EXPECT_NE(v.ImportASC(folder_.string(), comment), 0);
+  EXPECT_EQ(contents(v), (std::vector<double>{7, 8, 9}));
+  EXPECT_EQ(v.ImportASC(file(head + "1\n1,5\n3\n4\n"), comment), -6);
+  EXPECT_EQ(contents(v), (std::vector<double>{1, 8})) << "cut to the failing row, which keeps its value";
+  EXPECT_EQ(v.ImportASC(file(head + "1\n2\n3\n"), comment), -6) << "too few rows";
+  EXPECT_EQ(contents(v), (std::vector<double>{1, 2, 3, 0}));
+  EXPECT_EQ(v.ImportASC(file("c\n1\n2\nTRUE FALSE FALSE FALSE\n1 5\nx 6\n"), comment), -5);
+  EXPECT_EQ(contents(v), (std::vector<double>{5, 2}));
+  TIntVector k;
+  EXPECT_EQ(k.ImportASC(file(head + "0.5\n1.5\n-1e10\n+3\n"), comment), 0);
+  EXPECT_EQ(contents(k), (std::vector<int>{0, 2, INT_MIN, 3}));
+}
+
+}  // namespace
+}  // namespace zel

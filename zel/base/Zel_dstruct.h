@@ -1,0 +1,5 @@
+/// @file
+/// Data structures: the bit field.
+#pragma once
+
+#include "zel/base/bitfield.h"

@@ -1,0 +1,7 @@
+/// @file
+/// Streams: memory and file streams, binary items, checksums, the mixed text and binary file.
+#pragma once
+
+#include "zel/base/crc.h"
+#include "zel/base/mixedstream.h"
+#include "zel/base/streams.h"

@@ -1,0 +1,38 @@
+#include "zel/vector/export_asc_impl.h"
+
+#include <string>
+
+#include "zel/base/Zel_filesys.h"
+#include "zel/base/Zel_stringl.h"
+
+namespace zel::detail {
+
+int ExportVectorASC(std::string_view fileName, std::string_view className, std::string_view comment,
+                    int count, const std::function<void(std::ostream&)>& rows) {
+  WholeFileWriter file(fileName);
+  if (!file.IsOpen()) return -1;
+  std::ostream& out = file.Stream();
+  if (comment.empty()) {
+    out << "Exported by ZEL " << className << " component: " << fileName << '\n';
+  } else {
+    out << ReplaceCharInString(comment, '\n', ' ') << '\n';
+  }
+  out << "1\t;nr. of columns\n"
+      << count << "\t;nr. of rows\n"
+      << "FALSE FALSE FALSE FALSE\t;row attributes, column names, row names, nominal variables\n";
+  rows(out);
+  return file.Commit() ? 0 : -1;
+}
+
+bool StoreNumberFile(std::string_view fileName, int first, int last,
+                     const std::function<void(std::ostream&)>& values) {
+  WholeFileWriter file(fileName);
+  if (!file.IsOpen()) return false;
+  file.Stream() << first << ' ' << last << '\n';
+  values(file.Stream());
+  // The file could be created, which is what the result tells; what fails later leaves an old file.
+  static_cast<void>(file.Commit());
+  return true;
+}
+
+}  // namespace zel::detail

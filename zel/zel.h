@@ -1,0 +1,13 @@
+/// @file
+/// The whole library.
+#pragma once
+
+#include "zel/base/Zel_dstruct.h"
+#include "zel/base/Zel_filesys.h"
+#include "zel/base/Zel_streams.h"
+#include "zel/base/Zel_stringl.h"
+#include "zel/base/Zel_univconst.h"
+#include "zel/base/Zel_zelbase.h"
+#include "zel/base/Zel_zelcolors.h"
+#include "zel/foundation/Zel_math1.h"
+#include "zel/vector/Zel_vector.h"
