@@ -1,0 +1,82 @@
+#include "zel/kernels/minmax.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "hwy/targets.h"
+
+namespace zel::kernels {
+namespace {
+
+template <class T>
+MinMax<T> oneByOne(const std::vector<T>& x, MinMaxStart<T> start = {}) {
+  MinMax<T> r{start.minimum, start.maximum};
+  for (std::size_t i = 0; i < x.size(); ++i) {
+    if (x[i] < r.minimum) r.minimum = x[r.minIndex = i];
+    if (x[i] > r.maximum) r.maximum = x[r.maxIndex = i];
+  }
+  return r;
+}
+
+/// Runs every instruction set that the machine has.
+template <class T>
+void expectSame(const std::vector<T>& x, MinMaxStart<T> start = {}) {
+  const MinMax<T> expected = oneByOne(x, start);
+  for (const std::int64_t target : hwy::SupportedAndGeneratedTargets()) {
+    hwy::SetSupportedTargetsForTest(target);
+    const MinMax<T> actual = minMax(x, start);
+    hwy::SetSupportedTargetsForTest(0);
+    ASSERT_EQ(actual.minIndex, expected.minIndex) << hwy::TargetName(target);
+    ASSERT_EQ(actual.maxIndex, expected.maxIndex) << hwy::TargetName(target);
+    ASSERT_EQ(actual.minimum, expected.minimum);
+    ASSERT_EQ(actual.maximum, expected.maximum);
+    ASSERT_EQ(std::signbit(static_cast<double>(actual.minimum)), std::signbit(static_cast<double>(expected.minimum)));
+  }
+}
+
+TEST(MinMax, IsThePlainLoopOnEveryShape) {
+  std::mt19937_64 random(11);
+  const double specials[] = {0.0, -0.0, std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(),
+                             -std::numeric_limits<double>::infinity(), 1.7e308, 1.75e308, -1.75e308, 5e-324};
+  for (std::size_t n = 0; n < 2600; n += n < 70 ? 1 : 211) {
+    for (int kind = 0; kind < 6; ++kind) {
+      SCOPED_TRACE("n=" + std::to_string(n) + " kind=" + std::to_string(kind));
+      std::vector<double> x(n);
+      std::vector<std::int32_t> k(n);
+      for (std::size_t i = 0; i < n; ++i) {
+        switch (kind) {
+          case 0: x[i] = std::ldexp(static_cast<double>(random()), -64); break;
+          case 1: x[i] = static_cast<double>(random() % 3); break;  // ties everywhere
+          case 2: x[i] = specials[random() % 9]; break;
+          case 3: x[i] = random() % 2 == 0 ? 0.0 : -0.0; break;
+          case 4: x[i] = static_cast<double>(n - i); break;
+          default: x[i] = std::numeric_limits<double>::quiet_NaN();
+        }
+        k[i] = kind == 1 ? static_cast<std::int32_t>(random() % 3) : static_cast<std::int32_t>(random());
+      }
+      expectSame(x);
+      expectSame(k);
+    }
+  }
+}
+
+TEST(MinMax, StartValuesAreNotElements) {
+  const MinMax<double> r = minMax(std::vector<double>{1.7e308, 1.79e308});
+  EXPECT_EQ(r.minimum, 1.7e308);
+  EXPECT_EQ(r.minIndex, kNoIndex);
+  EXPECT_EQ(r.maximum, 1.79e308);
+  EXPECT_EQ(r.maxIndex, 1u);
+  const MinMax<std::int32_t> k = minMax(std::vector<std::int32_t>(100, std::numeric_limits<std::int32_t>::min()));
+  EXPECT_EQ(k.maximum, -2147483647);
+  EXPECT_EQ(k.maxIndex, kNoIndex);
+  EXPECT_EQ(k.minIndex, 0u);
+  expectSame<double>({3, 1, 2}, {1.5, 2.5});
+}
+
+}  // namespace
+}  // namespace zel::kernels
