@@ -66,6 +66,7 @@ class IgnoreBrokenPipe {
 int start(const std::vector<std::string>& arguments, const Pipe& in, const Pipe& out,
           const Pipe& err, pid_t& child) {
   std::vector<char*> argv;
+  argv.reserve(arguments.size() + 1);
   for (const auto& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
   argv.push_back(nullptr);
   posix_spawn_file_actions_t actions;
