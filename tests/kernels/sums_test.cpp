@@ -2,19 +2,200 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cmath>
+#include <limits>
+#include <random>
+#include <string>
 #include <vector>
 
+#include "hwy/targets.h"
 #include "tests/support/exact.h"
+#include "tests/support/hostile.h"
+#include "zel/kernels/moments.h"
 
 namespace zel::kernels {
 namespace {
 
-TEST(Sums, Smoke) {
-  for (std::size_t n : {0u, 1u, 5u, 16u, 17u, 70u, 2048u, 5000u}) {
-    std::vector<double> x(n);
-    for (std::size_t i = 0; i < n; ++i) x[i] = std::sin(double(i)) * std::pow(10, double(i % 17));
-    EXPECT_EQ(sum(x).hi, test::ExactPowerSums(x).sum());
-    EXPECT_EQ(sumOfSquares(x).hi, test::ExactPowerSums(x).sumOfSquares());
+using test::BigInt;
+using test::ExactPowerSums;
+
+constexpr double kInf = std::numeric_limits<double>::infinity();
+constexpr double kMax = std::numeric_limits<double>::max();
+
+/// s is the exact sum, given as an integer times 2^-scale, to the promised accuracy, and hi is its rounding.
+void expectAccurate(DoubleDouble s, const BigInt& exact, const BigInt& magnitudes, int scale) {
+  EXPECT_EQ(s.hi, s.hi + s.lo);
+  if (!std::isfinite(s.hi) || std::abs(s.hi) < 1e-270) {  // no room for a low part
+    EXPECT_EQ(s.hi, BigInt::quotient<double>(exact, 1, -scale));
+    return;
+  }
+  const BigInt unit = BigInt(1) << (scale - 1074);
+  const BigInt error = exact - (BigInt::scaled(s.hi) + BigInt::scaled(s.lo)) * unit;
+  EXPECT_LE(std::abs(BigInt::quotient<double>(error, magnitudes)), 0x1p-84);
+}
+
+BigInt magnitudeOf(const BigInt& x) { return x.isNegative() ? -x : x; }
+
+TEST(Sums, MatchExactArithmeticOnHostileData) {
+  for (const std::size_t n : test::kLengths) {
+    for (const auto& [name, x] : test::hostileData(n)) {
+      SCOPED_TRACE(name + " n=" + std::to_string(n));
+      const ExactPowerSums exact(x);
+      BigInt magnitudes;
+      for (const double v : x) magnitudes = magnitudes + magnitudeOf(BigInt::scaled(v));
+      expectAccurate(sum(x), exact.s1, magnitudes, 1074);
+      expectAccurate(sumOfSquares(x), exact.s2, exact.s2, 2148);
+      EXPECT_LE(test::ulpsApart(mean(x), n > 0 ? exact.mean() : 0), name == "cancelling" ? 2 : 0);
+    }
+  }
+}
+
+TEST(Sums, ProductsAndDifferencesEnterExactly) {
+  const auto data = test::hostileData(333);
+  for (const auto& [nameX, x] : data) {
+    for (const auto& [nameY, y] : data) {
+      SCOPED_TRACE(nameX + " with " + nameY);
+      BigInt products, magnitudes, squares;
+      for (std::size_t i = 0; i < x.size(); ++i) {
+        const BigInt p = BigInt::scaled(x[i]) * BigInt::scaled(y[i]);
+        const BigInt d = BigInt::scaled(x[i]) - BigInt::scaled(y[i]);
+        products = products + p;
+        magnitudes = magnitudes + magnitudeOf(p);
+        squares = squares + d * d;
+      }
+      expectAccurate(sumOfProducts(x, y), products, magnitudes, 2148);
+      expectAccurate(sumOfSquaredDifferences(x, y), squares, squares, 2148);
+    }
+  }
+}
+
+TEST(Sums, ShorterSpanDecides) {
+  const std::vector<double> x{1, 2, 3}, y{4, 5};
+  EXPECT_EQ(sumOfProducts(x, y).hi, 14);
+  EXPECT_EQ(euclideanDistance(x, y), std::sqrt(18));
+}
+
+TEST(Sums, NonFiniteElementsActLikeInAPlainLoop) {
+  for (const std::size_t n : {1u, 20u, 3000u}) {
+    std::vector<double> x(n, 1.5);
+    x[n / 2] = -kInf;
+    EXPECT_EQ(sum(x).hi, -kInf);
+    EXPECT_EQ(mean(x), -kInf);
+    EXPECT_EQ(sumOfSquares(x).hi, kInf);
+    EXPECT_EQ(euclideanNorm(x), kInf);
+    EXPECT_EQ(sumOfProducts(x, x).hi, kInf);
+    x.push_back(kInf);
+    EXPECT_TRUE(std::isnan(sum(x).hi));
+    EXPECT_EQ(sumOfSquares(x).hi, kInf);
+    x[0] = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_TRUE(std::isnan(sumOfSquares(x).hi));
+    EXPECT_TRUE(std::isnan(euclideanNorm(x)));
+  }
+}
+
+TEST(Sums, IntermediatesMayLeaveTheDoubleRange) {
+  std::vector<double> x(40, kMax);
+  EXPECT_EQ(sum(x).hi, kInf);
+  EXPECT_EQ(mean(x), kMax);
+  for (int i = 0; i < 39; ++i) x.push_back(-kMax);
+  EXPECT_EQ(sum(x).hi, kMax);
+  x.push_back(-kMax);
+  x.push_back(3e-310);
+  EXPECT_EQ(sum(x).hi, 3e-310);
+  EXPECT_DOUBLE_EQ(euclideanNorm(std::vector<double>{3e200, -4e200}), 5e200);
+  EXPECT_DOUBLE_EQ(euclideanNorm(std::vector<double>{3e-200, 4e-200}), 5e-200);
+  EXPECT_DOUBLE_EQ(euclideanDistance(std::vector<double>{3e300, 0}, std::vector<double>{0, -4e300}), 5e300);
+  EXPECT_EQ(sumOfProducts(std::vector<double>{1e200, 1e200, 2}, std::vector<double>{1e200, -1e200, 3}).hi, 6);
+}
+
+TEST(Sums, IntegersAreExact) {
+  std::mt19937_64 random(7);
+  std::vector<std::int32_t> x(777), y(777);
+  for (auto& v : x) v = static_cast<std::int32_t>(random());
+  for (auto& v : y) v = static_cast<std::int32_t>(random());
+  x[3] = y[3] = std::numeric_limits<std::int32_t>::min();
+  std::int64_t total = 0;
+  for (const auto v : x) total += v;
+  EXPECT_EQ(sum(x).hi, static_cast<double>(total));
+  EXPECT_EQ(integerSum(x), total);
+  BigInt products;
+  for (std::size_t i = 0; i < x.size(); ++i) products = products + BigInt(x[i]) * BigInt(y[i]);
+  EXPECT_EQ(sumOfProducts(x, y).hi, BigInt::quotient<double>(products, 1));
+  EXPECT_EQ(sumOfSquares(x).hi, ExactPowerSums(x).sumOfSquares());
+}
+
+TEST(Sums, ShiftedCrossProducts) {
+  const std::vector<double> x{1, 2, 3}, y{4, 5, 6}, one{7};
+  EXPECT_EQ(shiftedCrossProduct(x, y, 0), 32);
+  EXPECT_EQ(shiftedCrossProduct(x, y, 1), 2 * 4 + 3 * 5);
+  EXPECT_EQ(shiftedCrossProduct(x, y, -1), 1 * 5 + 2 * 6);
+  EXPECT_EQ(shiftedCrossProduct(x, y, 2), 0) << "an overlap of one element counts as none";
+  EXPECT_EQ(shiftedCrossProduct(one, one, 0), 0);
+  const std::vector<std::int32_t> i{1, 2, 3}, j{4, 5, 6};
+  EXPECT_EQ(integerShiftedCrossProduct(i, j, 1), 1 * 5 + 2 * 6);
+  EXPECT_EQ(integerShiftedCrossProduct(i, j, -2), 3 * 4);
+  for (const auto shift : {std::numeric_limits<std::int64_t>::min(), std::numeric_limits<std::int64_t>::max()}) {
+    EXPECT_EQ(shiftedCrossProduct(x, y, shift), 0);
+    EXPECT_EQ(integerShiftedCrossProduct(i, j, shift), 0);
+  }
+}
+
+TEST(Means, GeometricKeepsDigitsAndRange) {
+  EXPECT_EQ(geometricMean(std::vector<double>{1, 2, 4}), 2);
+  EXPECT_EQ(geometricMean(std::vector<std::int32_t>{2, 8, 2, 8}), 4);
+  EXPECT_EQ(geometricMean(std::vector<double>{4, 0, 1}), 0);
+  EXPECT_EQ(geometricMean(std::vector<double>{0, -1}), std::nullopt);
+  EXPECT_EQ(geometricMean(std::vector<double>(1000, 3e-300)), 3e-300);
+  EXPECT_EQ(geometricMean(std::vector<double>(999, kMax)), kMax);
+  EXPECT_EQ(geometricMean(std::vector<double>{1e300, 1e-300}), 1);
+  EXPECT_EQ(geometricMean(std::vector<double>{2, kInf}), kInf);
+  // python3 -c "from mpmath import *; mp.dps=40; print(fprod(range(1,101))**(mpf(1)/100))"
+  std::vector<std::int32_t> upTo100(100);
+  for (int i = 0; i < 100; ++i) upTo100[static_cast<std::size_t>(i)] = i + 1;
+  EXPECT_EQ(geometricMean(upTo100), 37.99268934483429240);
+}
+
+TEST(Means, Harmonic) {
+  EXPECT_EQ(harmonicMean(std::vector<double>{1, 2, 4}), 12.0 / 7);
+  EXPECT_EQ(harmonicMean(std::vector<std::int32_t>{3, 6}), 4);
+  EXPECT_EQ(harmonicMean(std::vector<double>{1, 0}), std::nullopt);
+  EXPECT_EQ(harmonicMean(std::vector<double>{1, -2}), std::nullopt);
+  EXPECT_EQ(harmonicMean(std::vector<double>(5, 4e-320)), 4e-320) << "1 / x is beyond the double range";
+  EXPECT_EQ(harmonicMean(std::vector<double>{kInf, 1}), 2);
+  // python3 -c "from mpmath import *; mp.dps=40; print(10000/fsum(mpf(1)/k for k in range(1,10001)))"
+  std::vector<double> many(10000);
+  for (std::size_t i = 0; i < many.size(); ++i) many[i] = static_cast<double>(i + 1);
+  EXPECT_EQ(harmonicMean(many), 1021.700297618584556);
+}
+
+/// Every result of the reductions, to be compared bit by bit.
+std::array<double, 13> allResults(const std::vector<double>& x, const std::vector<double>& y) {
+  const DoubleDouble a = sum(x), b = sumOfSquares(x), c = sumOfProducts(x, y), d = sumOfSquaredDifferences(x, y);
+  const MeanVariance mv = meanVariance(x);
+  const Shape shapeOfX = shape(x, ShapeForm::population);
+  return {a.hi, a.lo, b.hi, b.lo, c.hi, c.lo, d.hi, d.lo, mv.mean, mv.variance, shapeOfX.skewness, shapeOfX.kurtosis,
+          pearsonCorrelation(x, y)};
+}
+
+TEST(Sums, HaveTheSameBitsOnEveryInstructionSet) {
+  const std::vector<std::int64_t> targets = hwy::SupportedAndGeneratedTargets();
+  for (const std::size_t n : {0u, 1u, 7u, 100u, 2047u, 5003u}) {
+    auto data = test::hostileData(n);
+    for (std::size_t i = 0; i < data.size(); ++i) {
+      const auto& x = data[i].values;
+      const auto& y = data[(i + 1) % data.size()].values;
+      const auto expected = allResults(x, y);
+      for (const std::int64_t target : targets) {
+        SCOPED_TRACE(data[i].name + " n=" + std::to_string(n) + " " + hwy::TargetName(target));
+        hwy::SetSupportedTargetsForTest(target);
+        const auto results = allResults(x, y);
+        hwy::SetSupportedTargetsForTest(0);
+        for (std::size_t k = 0; k < results.size(); ++k) {
+          EXPECT_TRUE(test::sameValue(expected[k], results[k])) << k << ": " << expected[k] << " " << results[k];
+        }
+      }
+    }
   }
 }
 

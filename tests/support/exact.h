@@ -169,13 +169,4 @@ struct ExactPowerSums {
   [[nodiscard]] double variance() const { return BigInt::quotient<double>(spread(), BigInt(n) * BigInt(n - 1), -2148); }
 };
 
-/// Sum of products, exact.
-double exactSumOfProducts(const auto& x, const auto& y) {
-  BigInt s;
-  for (std::size_t i = 0; i < x.size(); ++i) {
-    s = s + BigInt::scaled(static_cast<double>(x[i])) * BigInt::scaled(static_cast<double>(y[i]));
-  }
-  return BigInt::quotient<double>(s, 1, -2148);
-}
-
 }  // namespace zel::test

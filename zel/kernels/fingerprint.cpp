@@ -24,7 +24,7 @@ constexpr std::size_t kWindow = 8 * kStride;    // reduced between two moves of 
 template <class Word, std::size_t kRegisters>
 void step(Word element, std::span<std::uint32_t, kRegisters> registers) {
   for (std::size_t k = 0; k < kRegisters; ++k) {
-    registers[k] = crc32Step(static_cast<std::uint8_t>(element >> (8 * k)), registers[k]);
+    registers[k] = CalcNextCRC32(static_cast<std::uint8_t>(element >> (8 * k)), registers[k]);
   }
 }
 

@@ -1,6 +1,5 @@
 /// @file
-/// CRC-32 (reflected polynomial 0xEDB88320): the byte step, and the fingerprint of arrays, which feeds
-/// byte k of every element to register k.
+/// Fingerprint of arrays by CRC-32: byte k of every element is fed to register k.
 #pragma once
 
 #include <array>
@@ -8,26 +7,9 @@
 #include <span>
 #include <string>
 
+#include "zel/base/crc.h"
+
 namespace zel::kernels {
-
-namespace detail {
-consteval std::array<std::uint32_t, 256> crc32Table() {
-  std::array<std::uint32_t, 256> table{};
-  for (std::uint32_t i = 0; i < 256; ++i) {
-    std::uint32_t r = i;
-    for (int bit = 0; bit < 8; ++bit) r = (r >> 1) ^ ((r & 1u) ? 0xEDB88320u : 0u);
-    table[i] = r;
-  }
-  return table;
-}
-}  // namespace detail
-
-inline constexpr std::array<std::uint32_t, 256> kCrc32Table = detail::crc32Table();
-
-/// The next register of the reflected CRC-32 for one byte (start 0xFFFFFFFF, complement at the end).
-[[nodiscard]] constexpr std::uint32_t crc32Step(std::uint8_t byte, std::uint32_t crc) {
-  return kCrc32Table[(crc ^ byte) & 0xFFu] ^ (crc >> 8);
-}
 
 /// Registers before the first element.
 inline constexpr std::uint32_t kCrc32Start = 0xFFFFFFFFu;

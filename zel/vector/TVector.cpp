@@ -83,9 +83,8 @@ double TVector::MeanCenter() {
 }
 
 void TVector::QNormalize(double RefQuant, double& Median, double& QuantDiff) {
-  TDynArray<double, 1> work = WorkCopy(0, 0);
-  const double quantile = PercentileOf(work, RefQuant);
-  Median = PercentileOf(work, 50);
+  const double quantile = Percentile(RefQuant, 0, 0);
+  Median = Percentile(50, 0, 0);
   QuantDiff = std::fabs(Median - quantile);
   if (QuantDiff > 0) kernels::standardize(Cells(), Median, QuantDiff);
 }

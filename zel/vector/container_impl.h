@@ -234,13 +234,13 @@ double TNumVector<T>::CalcVecLeng() const {
 template <class T>
 int TNumVector<T>::Find(int LowElem, int HighElem, T value) const {
   MakeValidElemRange(LowElem, HighElem);
-  const std::size_t at = kernels::nearestElement(Range(LowElem, HighElem), value);
+  const std::size_t at = kernels::findNearest(Range(LowElem, HighElem), value);
   return at == kernels::npos ? 0 : LowElem + static_cast<int>(at);
 }
 
 template <class T>
 int TNumVector<T>::FindInSortedVector(bool Ascending, T Value) const {
-  return static_cast<int>(kernels::binarySearchNearest(Elements(), Ascending, Value)) + 1;
+  return static_cast<int>(kernels::findInSorted(Elements(), Value, Ascending)) + 1;
 }
 
 }  // namespace zel

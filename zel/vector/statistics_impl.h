@@ -100,15 +100,33 @@ void TNumVector<T>::MinMax(int LowElem, int HighElem, T& Minimum, T& Maximum, in
 template <class T>
 T TNumVector<T>::Mode(int LowElem, int HighElem) const {
   TDynArray<T, 1> work = WorkCopy(LowElem, HighElem);
-  return kernels::mode(std::span<T>(work), [] { ProgressStep(); });
+  return kernels::modeBySort(std::span<T>(work), [] { ProgressStep(); });
+}
+
+template <class T>
+template <class BySort, class BySelection>
+auto TNumVector<T>::OrderStatistic(int LowElem, int HighElem, BySort&& bySort,
+                                   BySelection&& bySelection) const {
+  if (MathFeedBackProc) {
+    TDynArray<T, 1> work = WorkCopy(LowElem, HighElem);
+    return bySort(std::span<T>(work), [] { ProgressStep(); });
+  }
+  try {
+    const auto result = bySelection(Range(LowElem, HighElem));
+    ProgressStep();
+    return result;
+  } catch (const std::bad_alloc&) {
+    Raise<EZELVectorError>("\": not enough memory on heap");
+  }
 }
 
 template <class T>
 bool TNumVector<T>::Quartiles(int LowElem, int HighElem, double& Q1, double& Q2, double& Q3) const {
   Q1 = Q2 = Q3 = 0;
-  TDynArray<T, 1> work = WorkCopy(LowElem, HighElem);
-  const auto q = kernels::quartiles(std::span<T>(work), MathFeedBackProc != nullptr,
-                                    [] { ProgressStep(); });
+  const auto q = OrderStatistic(
+      LowElem, HighElem,
+      [](std::span<T> work, auto pass) { return kernels::quartilesBySort(work, pass); },
+      [](std::span<const T> range) { return kernels::quartilesBySelection(range); });
   Q1 = q.q1;
   Q2 = q.q2;
   Q3 = q.q3;
@@ -116,14 +134,11 @@ bool TNumVector<T>::Quartiles(int LowElem, int HighElem, double& Q1, double& Q2,
 }
 
 template <class T>
-double TNumVector<T>::PercentileOf(std::span<T> work, double prob) {
-  return kernels::percentile(work, prob, MathFeedBackProc != nullptr, [] { ProgressStep(); });
-}
-
-template <class T>
 double TNumVector<T>::Percentile(double prob, int LowElem, int HighElem) const {
-  TDynArray<T, 1> work = WorkCopy(LowElem, HighElem);
-  return PercentileOf(work, prob);
+  return OrderStatistic(
+      LowElem, HighElem,
+      [=](std::span<T> work, auto pass) { return kernels::percentileBySort(work, prob, pass); },
+      [=](std::span<const T> range) { return kernels::percentileBySelection(range, prob); });
 }
 
 template <class T>

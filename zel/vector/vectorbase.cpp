@@ -6,7 +6,7 @@
 
 namespace zel {
 
-template class ZEL_API TNumVector<double>;
-template class ZEL_API TNumVector<int>;
+template class TNumVector<double>;
+template class TNumVector<int>;
 
 }  // namespace zel

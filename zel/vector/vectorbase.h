@@ -246,8 +246,6 @@ class TNumVector : public TComponent {
   void SetElements(std::span<const T> values);
   /// Marks the vector as written.
   void MarkWritten() { FIsEmpty = false; }
-  /// Percentile of a work array, sorted with progress reports if somebody listens.
-  [[nodiscard]] static double PercentileOf(std::span<T> work, double prob);
   /// Raises `: vectors have different dimensions`.
   void RequireSameLength(const TNumVector& OtherVec) const;
   /// What reading a value has come to; bad: this one cannot be read, ended: nor will a later one.
@@ -274,6 +272,10 @@ class TNumVector : public TComponent {
   /// Stores value(k) at the positions first, first + 1, ..., firing OnChange for each.
   template <class Value>
   void StoreEach(std::int64_t first, std::size_t count, Value&& value);
+
+  /// Sorts a copy of the range with progress reports if somebody listens, else selects.
+  template <class BySort, class BySelection>
+  auto OrderStatistic(int LowElem, int HighElem, BySort&& bySort, BySelection&& bySelection) const;
 
   bool FIsEmpty = true;
   TDynArray<T, 1> FVec;

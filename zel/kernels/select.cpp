@@ -1,0 +1,211 @@
+#include "zel/kernels/select.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <memory>
+#include <new>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "zel/kernels/bracket.h"
+#include "zel/kernels/comb_sort.h"
+
+namespace zel::kernels {
+namespace {
+
+// Up to here a copy and a plain selection are faster than a sample and a pass.
+constexpr std::size_t kFewKeys = 1500;
+// A miss has odds below 1e-3, so a third one means that something is odd about the data.
+constexpr int kAttempts = 3;
+
+template <class T>
+bool hasUnordered(std::span<const T> x) {
+  return std::any_of(x.begin(), x.end(), [](T key) { return key != key; });
+}
+
+template <class T>
+std::vector<T> copyOf(std::span<const T> x) {
+  return std::vector<T>(x.begin(), x.end());
+}
+
+// Sorted sample with replacement. A generator of its own, since a selection must not advance the
+// process-wide one (splitmix64: Steele, Lea and Flood, OOPSLA 2014).
+template <class T>
+std::vector<T> sortedSample(std::span<const T> x, std::size_t size, int attempt) {
+  std::uint64_t state = 0x9e3779b97f4a7c15u * static_cast<std::uint64_t>(attempt + 1);
+  std::vector<T> sample(size);
+  for (T& key : sample) {
+    std::uint64_t z = state += 0x9e3779b97f4a7c15u;
+    z = (z ^ (z >> 30)) * 0xbf58476d1ce4e5b9u;
+    z = (z ^ (z >> 27)) * 0x94d049bb133111ebu;
+    const double uniform = static_cast<double>((z ^ (z >> 31)) >> 11) * 0x1p-53;
+    const auto at = static_cast<std::size_t>(uniform * static_cast<double>(x.size()));
+    key = x[std::min(at, x.size() - 1)];
+  }
+  combSortFast(std::span<T>(sample), size, true);
+  return sample;
+}
+
+template <class T>
+T smallestAbove(std::span<const T> x, T bound) {
+  using Limits = std::numeric_limits<T>;
+  T best = Limits::has_infinity ? Limits::infinity() : Limits::max();
+  for (const T key : x) best = key > bound && key < best ? key : best;
+  return best;
+}
+
+enum class Outcome { Found, Missed, Unordered };
+
+template <class T>
+std::optional<SelectedPair<T>> selectOrdered(std::span<const T> x, std::size_t k);
+
+template <class T>
+Outcome selectByBracket(std::span<const T> x, std::size_t k, int attempt, SelectedPair<T>& pair) {
+  using Limits = std::numeric_limits<T>;
+  const auto n = static_cast<double>(x.size());
+  const double root = std::cbrt(n);
+  const double sampleSize = std::min(std::floor(root * root), 32768.0);
+  const auto sample = sortedSample(x, static_cast<std::size_t>(sampleSize), attempt);
+
+  // The position's rank in the sample has this standard deviation at most; four of them on each
+  // side.
+  const double p = static_cast<double>(k) / n;
+  const double margin = 4 * std::sqrt(sampleSize * p * (1 - p)) + 3;
+  const double lowRank = std::floor(p * sampleSize - margin);
+  const double highRank = std::ceil(p * sampleSize + margin);
+  const T lowest = Limits::has_infinity ? -Limits::infinity() : Limits::lowest();
+  const T highest = Limits::has_infinity ? Limits::infinity() : Limits::max();
+  const T low = lowRank < 0 ? lowest : sample[static_cast<std::size_t>(lowRank)];
+  const T high = highRank >= sampleSize ? highest : sample[static_cast<std::size_t>(highRank)];
+
+  const double expected = (highRank - lowRank) / sampleSize * n;
+  const std::size_t room =
+      std::min(x.size(), static_cast<std::size_t>(1.5 * expected)) + kBracketSlack;
+  const std::unique_ptr<T[]> storage(new T[room]);  // not filled
+  const auto counts = placeKeys(x, low, high, std::span<T>(storage.get(), room));
+  if (counts.unordered) return Outcome::Unordered;
+  if (counts.overflow) return Outcome::Missed;
+
+  // Sorted, the keys are: below, at low, inside, at high, above.
+  const std::size_t insideBegin = counts.below + counts.atLow;
+  const std::size_t insideEnd = insideBegin + counts.inside;
+  const std::size_t aboveBegin = insideEnd + counts.atHigh;
+  if (k < counts.below || k >= aboveBegin) return Outcome::Missed;
+  const std::span<const T> inside(storage.get(), counts.inside);
+  if (k < insideBegin) {
+    pair.at = low;
+  } else if (k < insideEnd) {
+    pair = *selectOrdered(inside, k - insideBegin);
+  } else {
+    pair.at = high;
+  }
+  if (k + 1 == x.size()) {
+    pair.next = pair.at;
+  } else if (k + 1 < insideBegin) {
+    pair.next = low;
+  } else if (k + 1 == insideBegin && counts.inside > 0) {
+    pair.next = *std::min_element(inside.begin(), inside.end());
+  } else if (k + 1 >= aboveBegin) {
+    pair.next = smallestAbove(x, high);
+  } else if (k + 1 >= insideEnd) {
+    pair.next = high;
+  }
+  return Outcome::Found;
+}
+
+// x is rearranged and holds no NaN.
+template <class T>
+SelectedPair<T> selectPlainly(std::span<T> x, std::size_t k) {
+  const auto at = x.begin() + static_cast<std::ptrdiff_t>(k);
+  std::nth_element(x.begin(), at, x.end());
+  return {*at, at + 1 == x.end() ? *at : *std::min_element(at + 1, x.end())};
+}
+
+// Nothing if a NaN is in x.
+template <class T>
+std::optional<SelectedPair<T>> selectOrdered(std::span<const T> x, std::size_t k) {
+  if (x.size() > kFewKeys) {
+    for (int attempt = 0; attempt < kAttempts; ++attempt) {
+      SelectedPair<T> pair;
+      const Outcome outcome = selectByBracket(x, k, attempt, pair);
+      if (outcome == Outcome::Found) return pair;
+      if (outcome == Outcome::Unordered) return std::nullopt;
+    }
+  }
+  if (hasUnordered(x)) return std::nullopt;
+  auto work = copyOf(x);
+  return selectPlainly(std::span<T>(work), k);
+}
+
+template <class T>
+SelectedPair<T> selectPairOf(std::span<const T> x, std::size_t k) {
+  if (x.empty()) return {};
+  k = std::min(k, x.size() - 1);
+  if (const auto pair = selectOrdered(x, k)) return *pair;
+  auto work = copyOf(x);
+  combSortFast(std::span<T>(work), work.size(), true);
+  return {work[k], work[std::min(k + 1, work.size() - 1)]};
+}
+
+// Brings all keys that match to the front; returns their number. Has no branch that depends on a
+// key.
+template <class T, class Match>
+std::size_t moveToFront(std::span<T> x, Match match) {
+  std::size_t front = 0;
+  for (std::size_t i = 0; i < x.size(); ++i) {
+    const T key = x[i];
+    x[i] = x[front];
+    x[front] = key;
+    front += match(key);
+  }
+  return front;
+}
+
+template <class T>
+T quickSelectOf(std::span<T> x, std::size_t k) {
+  if (x.empty()) return T{};
+  k = std::min(k, x.size() - 1);
+  const T first = x[0];
+  if (std::all_of(x.begin(), x.end(), [first](T key) { return key == first; })) return first;
+  std::optional<SelectedPair<T>> pair;
+  bool found = false;
+  if (x.size() > kFewKeys) {
+    try {
+      pair = selectOrdered(std::span<const T>(x), k);
+      found = true;
+    } catch (const std::bad_alloc&) {  // then in place
+    }
+  }
+  if (found ? !pair : hasUnordered(std::span<const T>(x))) {
+    combSortFast(x, x.size(), true);
+  } else if (found) {
+    const T value = pair->at;
+    const std::size_t below = moveToFront(x, [value](T key) { return key < value; });
+    moveToFront(x.subspan(below), [value](T key) { return key == value; });
+  } else {
+    selectPlainly(x, k);
+  }
+  return x[k];
+}
+
+}  // namespace
+
+SelectedPair<double> selectPair(std::span<const double> x, std::size_t k) {
+  return selectPairOf(x, k);
+}
+SelectedPair<float> selectPair(std::span<const float> x, std::size_t k) {
+  return selectPairOf(x, k);
+}
+SelectedPair<std::int32_t> selectPair(std::span<const std::int32_t> x, std::size_t k) {
+  return selectPairOf(x, k);
+}
+
+double quickSelect(std::span<double> x, std::size_t k) { return quickSelectOf(x, k); }
+float quickSelect(std::span<float> x, std::size_t k) { return quickSelectOf(x, k); }
+std::int32_t quickSelect(std::span<std::int32_t> x, std::size_t k) { return quickSelectOf(x, k); }
+
+}  // namespace zel::kernels
