@@ -1,0 +1,96 @@
+/// @file
+/// A strict little JSON reader for tests.
+#pragma once
+
+#include <cctype>
+#include <cstdlib>
+#include <map>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace zel_test {
+
+/// The leaves of a JSON text by path, such as "percentiles/0/value": strings without their escapes
+/// for quotation marks and backslashes, everything else as written. Throws for malformed text.
+class JsonFields {
+ public:
+  explicit JsonFields(std::string_view text) : rest_(text) {
+    value("");
+    blanks();
+    if (!rest_.empty()) fail("text after the value");
+  }
+  [[nodiscard]] std::string text(const std::string& path) const {
+    const auto found = leaves_.find(path);
+    return found == leaves_.end() ? "(absent)" : found->second;
+  }
+  [[nodiscard]] double number(const std::string& path) const {
+    return std::strtod(text(path).c_str(), nullptr);
+  }
+
+ private:
+  [[noreturn]] void fail(const std::string& why) const {
+    throw std::runtime_error("JSON: " + why + " before: " + std::string(rest_.substr(0, 40)));
+  }
+  void blanks() {
+    while (!rest_.empty() && (rest_[0] == ' ' || rest_[0] == '\n')) rest_.remove_prefix(1);
+  }
+  bool take(char c) {
+    blanks();
+    if (rest_.empty() || rest_[0] != c) return false;
+    rest_.remove_prefix(1);
+    return true;
+  }
+  std::string string() {
+    if (!take('"')) fail("no string");
+    std::string result;
+    for (; !rest_.empty() && rest_[0] != '"'; rest_.remove_prefix(1)) {
+      if (static_cast<unsigned char>(rest_[0]) < 0x20) fail("control character");
+      if (rest_[0] == '\\') {
+        if (rest_.size() < 2 ||
+            std::string_view("\"\\u").find(rest_[1]) == std::string_view::npos) {
+          fail("escape");
+        }
+        if (rest_[1] == 'u') result += '\\';
+        rest_.remove_prefix(1);
+      }
+      result += rest_[0];
+    }
+    if (!take('"')) fail("open string");
+    return result;
+  }
+  void members(const std::string& path, char end, bool named) {
+    if (take(end)) return;
+    int index = 0;
+    do {
+      std::string key = std::to_string(index++);
+      if (named) {
+        key = string();
+        if (!take(':')) fail("no colon");
+      }
+      value(path.empty() ? key : path + '/' + key);
+    } while (take(','));
+    if (!take(end)) fail("no end");
+  }
+  void value(const std::string& path) {
+    blanks();
+    if (take('{')) return members(path, '}', true);
+    if (take('[')) return members(path, ']', false);
+    if (!rest_.empty() && rest_[0] == '"') {
+      leaves_[path] = string();
+      return;
+    }
+    const std::string word(rest_.substr(0, rest_.find_first_of(",]}\n")));
+    char* end = nullptr;
+    std::strtod(word.c_str(), &end);
+    const bool digits = !word.empty() && (word[0] == '-' || std::isdigit(word[0])) && *end == '\0';
+    if (word != "null" && !digits) fail("no value");
+    leaves_[path] = word;
+    rest_.remove_prefix(word.size());
+  }
+
+  std::string_view rest_;
+  std::map<std::string, std::string> leaves_;
+};
+
+}  // namespace zel_test

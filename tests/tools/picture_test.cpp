@@ -1,0 +1,128 @@
+// Pictures: they are complete, or they are not there.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+#include "tests/tools/run_zel.h"
+
+namespace {
+
+using zel_test::ascText;
+using zel_test::readBytes;
+using zel_test::runZel;
+using zel_test::TempDir;
+using zel_test::writeBytes;
+using zel_test::ZelRun;
+
+const std::string kSunspots = "describe '" ZEL_TEST_DATA "/sunspots.asc' --plot ";
+
+void expectPng(const std::string& bytes) {
+  ASSERT_GT(bytes.size(), 5000U);
+  EXPECT_EQ("\x89PNG\r\n\x1a\n", bytes.substr(0, 8));
+  EXPECT_EQ(std::string("\0\0\x06\x40\0\0\x04\xb0", 8), bytes.substr(16, 8));  // 1600 x 1200
+  EXPECT_EQ("IEND", bytes.substr(bytes.size() - 8, 4));
+}
+
+void expectSvg(const std::string& text, const std::string& label) {
+  EXPECT_TRUE(text.starts_with("<?xml"));
+  EXPECT_NE(std::string::npos, text.find("</svg>"));
+  EXPECT_NE(std::string::npos, text.find(label)) << label;
+}
+
+TEST(Picture, PngAndSvg) {
+  const TempDir folder;
+  const ZelRun run = runZel(folder, kSunspots + "s.png");
+  EXPECT_EQ(0, run.status) << run.errors;
+  EXPECT_TRUE(run.output.ends_with("\n  Picture: s.png\n"));
+  expectPng(readBytes(folder.file("s.png")));
+  EXPECT_EQ(0, runZel(folder, kSunspots + "S.SVG --json").status);
+  expectSvg(readBytes(folder.file("S.SVG")), "upper quartile 68.95");
+  EXPECT_EQ(2, folder.count());
+}
+
+TEST(Picture, AwkwardData) {
+  const TempDir folder;
+  std::string many;
+  for (int i = 0; i < 50000; ++i) many += i % 1000 < 3 ? "NAN\n" : std::to_string(i % 777) + '\n';
+  for (const std::string& values :
+       {std::string("5\n"), std::string("NAN\n0.1\n0.1\n"), std::string("1e300\n-1e300\n"),
+        std::string("1e-310\n3e-310\n"), std::string("1000000001\n1000000002\n"), many}) {
+    writeBytes(folder.file("x.asc"), ascText(values));
+    const ZelRun run = runZel(folder, "describe x.asc --plot x.png");
+    EXPECT_EQ(0, run.status) << run.errors;
+    expectPng(readBytes(folder.file("x.png")));
+    std::filesystem::remove(folder.file("x.png"));
+  }
+  // A line cannot show more than its stretches; the script must not grow with the data.
+  EXPECT_EQ(0, runZel(folder, "describe x.asc --plot x.svg").status);
+  EXPECT_LT(readBytes(folder.file("x.svg")).size(), 200000U);
+}
+
+// Texts of the file are shown, never run.
+TEST(Picture, TextsAreNoCommands) {
+  const TempDir folder;
+  const std::string evil = "it's `touch a` '; system('touch b'); # {/Bold x}_y";
+  writeBytes(folder.file("x.asc"),
+             evil + "\n1\n2\nFALSE TRUE FALSE\n\"`touch c` $'\\n'; !touch d\"\n1\n2\n");
+  const ZelRun run = runZel(folder, "describe x.asc --plot x.svg");
+  EXPECT_EQ(0, run.status) << run.errors;
+  EXPECT_EQ(2, folder.count());
+  expectSvg(readBytes(folder.file("x.svg")), evil);
+}
+
+TEST(Picture, FailuresLeaveNothing) {
+  const TempDir folder;
+  writeBytes(folder.file("old.png"), "the old picture");
+  std::filesystem::create_directory(folder.file("d.png"));
+  std::filesystem::create_directory(folder.file("fake"));
+  std::filesystem::create_symlink("/dev/full", folder.file("full.png"));
+  writeBytes(folder.file("none.asc"), ascText("NAN\n"));
+  const auto expectFailure = [&](const std::string& arguments, const std::string& before,
+                                 const std::string& sentence) {
+    const ZelRun run = runZel(folder, arguments, before);
+    EXPECT_EQ(2, run.status);
+    EXPECT_EQ("zel: the picture " + sentence + '\n', run.errors);
+    EXPECT_EQ("", run.output);
+    EXPECT_EQ("the old picture", readBytes(folder.file("old.png")));
+    EXPECT_EQ(5, folder.count());
+  };
+  const std::string old = "old.png was not written: ";
+  expectFailure(kSunspots + "x.gif", "", "x.gif must have a name that ends in .png or .svg");
+  expectFailure(kSunspots + "none/x.png", "",
+                "none/x.png was not written: No such file or directory");
+  expectFailure(kSunspots + "d.png", "", "d.png was not written: Is a directory");
+  expectFailure(kSunspots + "full.png", "", "full.png was not written: No space left on device");
+  expectFailure(kSunspots + "old.png", "ulimit -f 8;", old + "File too large");
+  expectFailure("describe none.asc --plot old.png", "", old + "there are no values to draw");
+  expectFailure(
+      kSunspots + "old.png", "PATH=/nonexistent;",
+      old + "the program gnuplot, which draws it, cannot be started (No such file or directory)");
+
+  const auto fakeGnuplot = [&](const std::string& script) {
+    writeBytes(folder.file("fake/gnuplot"), "#!/bin/sh\n" + script + '\n');
+    std::filesystem::permissions(folder.file("fake/gnuplot"), std::filesystem::perms::owner_all);
+  };
+  const std::string usingFake = "PATH=\"$PWD/fake:$PATH\";";
+  fakeGnuplot("echo 'line 7: no such terminal' >&2; exit 3");
+  expectFailure(kSunspots + "old.png", usingFake,
+                old + "gnuplot ended with status 3 saying: line 7: no such terminal");
+  fakeGnuplot("kill -9 $$");
+  expectFailure(kSunspots + "old.png", usingFake,
+                old + "gnuplot ended with status 137 without a message");
+  fakeGnuplot("cat >/dev/null; printf '\\211PNG\\r\\n\\032\\n half'");
+  expectFailure(kSunspots + "old.png", usingFake,
+                old + "gnuplot ended with status 0 without a message");
+}
+
+TEST(Picture, DoesNotReplaceItsData) {
+  const TempDir folder;
+  writeBytes(folder.file("x.asc"), ascText("1\n2\n"));
+  std::filesystem::create_symlink("x.asc", folder.file("x.png"));
+  const ZelRun run = runZel(folder, "describe x.asc --plot x.png");
+  EXPECT_EQ(2, run.status);
+  EXPECT_EQ("zel: the picture x.png would replace the data file\n", run.errors);
+  EXPECT_EQ(ascText("1\n2\n"), readBytes(folder.file("x.asc")));
+}
+
+}  // namespace

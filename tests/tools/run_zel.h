@@ -1,0 +1,43 @@
+/// @file
+/// Runs the program zel as a user does.
+#pragma once
+
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <string>
+
+#include "tests/base/temp_dir.h"
+
+namespace zel_test {
+
+/// What a run of the program did.
+struct ZelRun {
+  int status = 0;
+  std::string output;
+  std::string errors;
+};
+
+/// Runs zel in a folder through the shell.
+/// @param arguments  shell words; redirections overrule those to the result
+/// @param before     shell commands that prepare the run: "PATH=fake; ulimit -f 8;"
+inline ZelRun runZel(const TempDir& folder, const std::string& arguments,
+                     const std::string& before = "") {
+  const TempDir results;
+  const std::string command = "cd '" + folder.file("") + "' && { " + before +
+                              " '" ZEL_PROGRAM "' " + "<&0 >'" + results.file("out") + "' 2>'" +
+                              results.file("err") + "' " + arguments + "; }";
+  const int status = std::system(command.c_str());
+  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, readBytes(results.file("out")),
+          readBytes(results.file("err"))};
+}
+
+/// An ASC file of one column without names.
+inline std::string ascText(const std::string& values) {
+  return "test data\n1\t;nr. of columns\n" +
+         std::to_string(std::count(values.begin(), values.end(), '\n')) +
+         "\t;nr. of rows\nFALSE FALSE FALSE FALSE\t;flags\n" + values;
+}
+
+}  // namespace zel_test

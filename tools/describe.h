@@ -1,0 +1,32 @@
+/// @file
+/// The command zel describe.
+#pragma once
+
+#include <string>
+
+namespace CLI {
+class App;
+}
+
+namespace tool {
+
+/// What the command line asks for.
+struct DescribeOptions {
+  std::string file;
+  std::string percentiles = "5,10,90,95";
+  int bins = 0;  // 0: as suits the data
+  bool noHistogram = false;
+  std::string picture;  // empty: none
+  bool json = false;
+  bool ascii = false;
+};
+
+/// Adds the command with its options and help; parsing fills the options.
+CLI::App* addDescribe(CLI::App& program, DescribeOptions& options);
+
+/// Does what the options ask for.
+/// @return what belongs on standard output
+/// @throws Failure  nothing was written then
+std::string describe(const DescribeOptions& options);
+
+}  // namespace tool

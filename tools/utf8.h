@@ -1,0 +1,32 @@
+/// @file
+/// UTF-8 text from files, made safe for terminals and for JSON.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace tool {
+
+/// One character at the start of a text.
+struct Character {
+  char32_t code = 0;
+  std::size_t bytes = 1;
+  bool valid = false;  // false: one byte that is not part of well-formed UTF-8
+};
+
+/// Decodes the first character of a text that is not empty.
+Character firstCharacter(std::string_view text);
+
+/// Number of characters, each byte of malformed text counting as one.
+std::size_t characterCount(std::string_view text);
+
+/// The text on one line, with control characters, text direction marks and malformed bytes written
+/// as \x1b, \u202e and so on, so that a file can't steer the terminal that it is shown on.
+/// @param limit  more characters than this are cut, and "..." says so
+std::string printable(std::string_view text, std::size_t limit = 200);
+
+/// The printable text in quotation marks, for a message.
+std::string inQuotes(std::string_view text);
+
+}  // namespace tool
