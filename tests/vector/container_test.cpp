@@ -262,7 +262,7 @@ TYPED_TEST(Vectors, HandlersMayResizeThrowAndClearThemselves) {
   TypeParam source{1, 2, 3, 4};
   w.OnChange = [&](TObject*) { source.Resize(1); };
   w.Clone(&source);
-  EXPECT_EQ(contents(w), (Values<TypeParam>{0, 0, 0, 0}));
+  EXPECT_EQ(contents(w), (Values<TypeParam>{1, 0, 0, 0})) << "the resize already shrinks the source";
 }
 
 TYPED_TEST(Vectors, CopiesDropWhatFallsOutside) {
