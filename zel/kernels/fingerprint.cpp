@@ -7,19 +7,21 @@
 
 namespace zel::kernels {
 
-static_assert(std::endian::native == std::endian::little, "byte k of an element is its k-th lowest byte");
+static_assert(std::endian::native == std::endian::little,
+              "byte k of an element is its k-th lowest byte");
 
 namespace {
 
 // x^300 + x^155 + x^117 + x^89 + 1 is a multiple of the CRC polynomial, and so is its eighth power,
-// where the exponents are whole bytes (squaring is linear over GF(2)). A byte therefore may be removed
-// from the message if it is added, without carries, at these distances behind it; this is true in
-// every register, so it is done to whole elements. Of all such multiples with five terms and a degree
-// below 900 this one has the lowest degree; its shortest distance leaves room for long vector loops.
+// where the exponents are whole bytes (squaring is linear over GF(2)). A byte therefore may be
+// removed from the message if it is added, without carries, at these distances behind it; this is
+// true in every register, so it is done to whole elements. Of all such multiples with five terms
+// and a degree below 900 this one has the lowest degree; its shortest distance leaves room for long
+// vector loops.
 constexpr std::size_t kDistances[] = {145, 183, 211, 300};
 constexpr std::size_t kReach = 300;
-constexpr std::size_t kStride = 144;            // elements that do not depend on each other
-constexpr std::size_t kWindow = 8 * kStride;    // reduced between two moves of the history
+constexpr std::size_t kStride = 144;          // elements that do not depend on each other
+constexpr std::size_t kWindow = 8 * kStride;  // reduced between two moves of the history
 
 template <class Word, std::size_t kRegisters>
 void step(Word element, std::span<std::uint32_t, kRegisters> registers) {
@@ -34,7 +36,8 @@ template <class Word, std::size_t kRegisters>
 void moveIntoMessage(std::span<std::uint32_t, kRegisters> registers, Word* message) {
   for (std::size_t k = 0; k < kRegisters; ++k) {
     for (std::size_t i = 0; i < 4; ++i) {
-      message[i] ^= static_cast<Word>(static_cast<Word>((registers[k] >> (8 * i)) & 0xFFu) << (8 * k));
+      message[i] ^=
+          static_cast<Word>(static_cast<Word>((registers[k] >> (8 * i)) & 0xFFu) << (8 * k));
     }
     registers[k] = 0;
   }
@@ -53,7 +56,8 @@ void feed(std::span<const T> x, std::span<std::uint32_t, kRegisters> registers) 
     bool isFirst = true;
     while (x.size() - next >= kReach + kStride) {
       std::size_t filled = kReach;
-      for (; filled + kStride <= kReach + kWindow && x.size() - next >= kReach + kStride; filled += kStride) {
+      for (; filled + kStride <= kReach + kWindow && x.size() - next >= kReach + kStride;
+           filled += kStride) {
         std::memcpy(input, x.data() + next, sizeof input);
         if (isFirst) moveIntoMessage<Word>(registers, input);
         isFirst = false;

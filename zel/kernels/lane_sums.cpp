@@ -10,8 +10,8 @@
 #define HWY_DISABLED_TARGETS (HWY_SVE | HWY_SVE2 | HWY_SVE_256 | HWY_SVE2_128 | HWY_RVV)
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "zel/kernels/lane_sums.cpp"
-#include "hwy/foreach_target.h"  // IWYU pragma: keep
 #include "hwy/cache_control.h"
+#include "hwy/foreach_target.h"  // IWYU pragma: keep
 #include "hwy/highway.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -26,8 +26,8 @@ namespace hn = hwy::HWY_NAMESPACE;
 // Sixteen lanes whatever the width of a vector: lane i takes the elements with index i modulo 16.
 constexpr std::size_t kSumLanes = 16;
 // After this many elements per lane the two running sums are folded into a double-double, which
-// bounds the error that the plain sums of rounding errors pick up: 128^2 * 2^-106 relative to the sum
-// of magnitudes. The run also stays in the first-level cache when it is read more than once.
+// bounds the error that the plain sums of rounding errors pick up: 128^2 * 2^-106 relative to the
+// sum of magnitudes. The run also stays in the first-level cache when it is read more than once.
 constexpr std::size_t kRunSteps = 128;
 constexpr std::size_t kPrefetchElements = 256;
 
@@ -74,8 +74,8 @@ HWY_INLINE void sumRun(const T* HWY_RESTRICT x, const T* HWY_RESTRICT y, std::si
                        const PaddedStep* tail, const Centre<double>& centre, double one,
                        LaneSums<Terms::kSums>& out) {
   const LaneTag d;
-  // As many vectors side by side as leave their sums in sixteen registers and hide the latency of the
-  // additions; what does not fit takes another walk over the run.
+  // As many vectors side by side as leave their sums in sixteen registers and hide the latency of
+  // the additions; what does not fit takes another walk over the run.
   constexpr std::size_t kWidth = HWY_MAX(std::size_t{1}, HWY_MIN(kVecsPerStep, 4 / Terms::kSums));
   const OnMultiplier unit{hn::Set(d, one)};
   const Centre<LaneVec> c{hn::Set(d, centre.x), hn::Set(d, centre.y)};
@@ -138,7 +138,8 @@ HWY_INLINE void addLanes(LaneSums<kSums>& total, double* out) {
     }
     for (; width >= 1; width /= 2) {
       for (std::size_t at = 0; at < width; ++at) {
-        const Twofold<double> sum = add(Twofold<double>{hi[at], lo[at]}, Twofold<double>{hi[at + width], lo[at + width]});
+        const Twofold<double> sum =
+            add(Twofold<double>{hi[at], lo[at]}, Twofold<double>{hi[at + width], lo[at + width]});
         hi[at] = sum.hi;
         lo[at] = sum.lo;
       }
@@ -149,10 +150,11 @@ HWY_INLINE void addLanes(LaneSums<kSums>& total, double* out) {
 }
 
 /// All sums of the terms over n elements; y may be x where the terms use one array only. Padding is
-/// centre.x and centre.y, whose contribution is 0 for every kind of terms (plain sums have centre 0).
+/// centre.x and centre.y, whose contribution is 0 for every kind of terms (plain sums have centre
+/// 0).
 template <class Terms, class T>
-void sumLanes(const T* HWY_RESTRICT x, const T* HWY_RESTRICT y, std::size_t n, const Centre<double>& centre,
-              double one, double* out) {
+void sumLanes(const T* HWY_RESTRICT x, const T* HWY_RESTRICT y, std::size_t n,
+              const Centre<double>& centre, double one, double* out) {
   constexpr std::size_t kRunElements = kRunSteps * kSumLanes;
   LaneSums<Terms::kSums> total;
   LaneSums<Terms::kSums> run;
@@ -172,28 +174,36 @@ void sumLanes(const T* HWY_RESTRICT x, const T* HWY_RESTRICT y, std::size_t n, c
 }
 
 template <class T>
-void sumsOfKind(SumKind kind, const T* x, const T* y, std::size_t n, double centreX, double centreY, double one,
-                double* out) {
+void sumsOfKind(SumKind kind, const T* x, const T* y, std::size_t n, double centreX, double centreY,
+                double one, double* out) {
   const Centre<double> c{centreX, centreY};
   switch (kind) {
-    case SumKind::sum: return sumLanes<SumTerms>(x, y, n, c, one, out);
-    case SumKind::squares: return sumLanes<SquareTerms>(x, y, n, c, one, out);
-    case SumKind::products: return sumLanes<ProductTerms>(x, y, n, c, one, out);
-    case SumKind::squaredDifferences: return sumLanes<SquaredDifferenceTerms>(x, y, n, c, one, out);
-    case SumKind::rawMoments: return sumLanes<RawMomentTerms>(x, y, n, c, one, out);
-    case SumKind::centredMoments: return sumLanes<CentredMomentTerms>(x, y, n, c, one, out);
-    case SumKind::centredPowers: return sumLanes<CentredPowerTerms>(x, y, n, c, one, out);
-    case SumKind::centredProducts: return sumLanes<CentredProductTerms>(x, y, n, c, one, out);
+    case SumKind::sum:
+      return sumLanes<SumTerms>(x, y, n, c, one, out);
+    case SumKind::squares:
+      return sumLanes<SquareTerms>(x, y, n, c, one, out);
+    case SumKind::products:
+      return sumLanes<ProductTerms>(x, y, n, c, one, out);
+    case SumKind::squaredDifferences:
+      return sumLanes<SquaredDifferenceTerms>(x, y, n, c, one, out);
+    case SumKind::rawMoments:
+      return sumLanes<RawMomentTerms>(x, y, n, c, one, out);
+    case SumKind::centredMoments:
+      return sumLanes<CentredMomentTerms>(x, y, n, c, one, out);
+    case SumKind::centredPowers:
+      return sumLanes<CentredPowerTerms>(x, y, n, c, one, out);
+    case SumKind::centredProducts:
+      return sumLanes<CentredProductTerms>(x, y, n, c, one, out);
   }
 }
 
-void sumsOfDoubles(SumKind kind, const double* x, const double* y, std::size_t n, double centreX, double centreY,
-                   double one, double* out) {
+void sumsOfDoubles(SumKind kind, const double* x, const double* y, std::size_t n, double centreX,
+                   double centreY, double one, double* out) {
   sumsOfKind(kind, x, y, n, centreX, centreY, one, out);
 }
 
-void sumsOfIntegers(SumKind kind, const std::int32_t* x, const std::int32_t* y, std::size_t n, double centreX,
-                    double centreY, double one, double* out) {
+void sumsOfIntegers(SumKind kind, const std::int32_t* x, const std::int32_t* y, std::size_t n,
+                    double centreX, double centreY, double one, double* out) {
   sumsOfKind(kind, x, y, n, centreX, centreY, one, out);
 }
 
@@ -212,13 +222,13 @@ namespace {
 volatile double gOne = 1;
 }  // namespace
 
-void laneSums(SumKind kind, const double* x, const double* y, std::size_t n, const Centre<double>& centre,
-              double* out) {
+void laneSums(SumKind kind, const double* x, const double* y, std::size_t n,
+              const Centre<double>& centre, double* out) {
   HWY_DYNAMIC_DISPATCH(sumsOfDoubles)(kind, x, y, n, centre.x, centre.y, gOne, out);
 }
 
-void laneSums(SumKind kind, const std::int32_t* x, const std::int32_t* y, std::size_t n, const Centre<double>& centre,
-              double* out) {
+void laneSums(SumKind kind, const std::int32_t* x, const std::int32_t* y, std::size_t n,
+              const Centre<double>& centre, double* out) {
   HWY_DYNAMIC_DISPATCH(sumsOfIntegers)(kind, x, y, n, centre.x, centre.y, gOne, out);
 }
 

@@ -39,8 +39,10 @@ MeanVariance extendedMeanVariance(std::span<const T> x) {
   const Extended mean = extendedMean(x);
   const auto s = sumsOf<CentredMomentTerms, Extended>(x, x, {mean, 0});
   const auto n = static_cast<Extended>(x.size());
-  if (!isFinite(s[0]) || !isFinite(s[1])) return {static_cast<double>(mean), static_cast<double>(s[1].hi / n)};
-  return {static_cast<double>(mean), static_cast<double>((spread(s[0], s[1], {n, 0}) / (n - 1)).hi)};
+  if (!isFinite(s[0]) || !isFinite(s[1]))
+    return {static_cast<double>(mean), static_cast<double>(s[1].hi / n)};
+  return {static_cast<double>(mean),
+          static_cast<double>((spread(s[0], s[1], {n, 0}) / (n - 1)).hi)};
 }
 
 template <class T>
@@ -49,22 +51,24 @@ MeanVariance meanVarianceOf(std::span<const T> x) {
   const auto n = twofoldOf<double>(x.size());
   const auto raw = sumsOf<RawMomentTerms, double>(x, x);
   const auto [sum, squares] = raw;
-  if (!allFinite(raw) || (squares.hi < kSmallSquares && !isConstant(x))) return extendedMeanVariance(x);
+  if (!allFinite(raw) || (squares.hi < kSmallSquares && !isConstant(x)))
+    return extendedMeanVariance(x);
   const DoubleDouble mean = sum / n;
   DoubleDouble s = spread(sum, squares, n);
-  // Not enough digits left beside the mean: once more about the mean. Without this step an offset of
-  // 1e9 and unit spread would lose half of the digits (test MeanVariance.OffsetKeepsDigits).
+  // Not enough digits left beside the mean: once more about the mean. Without this step an offset
+  // of 1e9 and unit spread would lose half of the digits (test MeanVariance.OffsetKeepsDigits).
   if (s.hi * 0x1p-55 < squares.hi * fastSumError(x.size())) {
     const auto centred = sumsOf<CentredMomentTerms, double>(x, x, {mean.hi, 0});
-    if (!allFinite(centred) || (centred[1].hi < kSmallSquares && !isConstant(x))) return extendedMeanVariance(x);
+    if (!allFinite(centred) || (centred[1].hi < kSmallSquares && !isConstant(x)))
+      return extendedMeanVariance(x);
     s = spread(centred[0], centred[1], n);
   }
   return {mean.hi, (s / static_cast<double>(x.size() - 1)).hi};
 }
 
-/// Population skewness and kurtosis + 3 from the power sums about c; nothing if a step left the range
-/// of T. The mean is mu = c + s1 / n; moving the moments there costs a few operations and makes the
-/// result independent of how the centre was rounded.
+/// Population skewness and kurtosis + 3 from the power sums about c; nothing if a step left the
+/// range of T. The mean is mu = c + s1 / n; moving the moments there costs a few operations and
+/// makes the result independent of how the centre was rounded.
 template <class T>
 struct StandardMoments {
   Twofold<T> skewness{0, 0};
@@ -88,15 +92,17 @@ template <class T>
 Shape shapeFrom(const StandardMoments<T>& moments, std::size_t count, ShapeForm form) {
   const Twofold<T> three{3, 0};
   if (form == ShapeForm::population) {
-    return {static_cast<double>(moments.skewness.hi), static_cast<double>((moments.kurtosis - three).hi)};
+    return {static_cast<double>(moments.skewness.hi),
+            static_cast<double>((moments.kurtosis - three).hi)};
   }
   const auto n = twofoldOf<T>(count);
   const auto minus1 = twofoldOf<T>(count - 1);
   const auto minus2 = twofoldOf<T>(count - 2);
   const auto minus3 = twofoldOf<T>(count - 3);
   const Twofold<T> skewness = moments.skewness * n * n / (minus1 * minus2);
-  const Twofold<T> kurtosis = moments.kurtosis * n * n * (n + Twofold<T>{1, 0}) / (minus1 * minus2 * minus3) -
-                              minus1 * minus1 * T(3) / (minus2 * minus3);
+  const Twofold<T> kurtosis =
+      moments.kurtosis * n * n * (n + Twofold<T>{1, 0}) / (minus1 * minus2 * minus3) -
+      minus1 * minus1 * T(3) / (minus2 * minus3);
   return {static_cast<double>(skewness.hi), static_cast<double>(kurtosis.hi)};
 }
 
@@ -109,7 +115,8 @@ Shape shapeOf(std::span<const T> x, ShapeForm form) {
   const auto s = sumsOf<CentredPowerTerms, double>(x, x, {mean(x), 0});
   if (allFinite(s) && (s[3].hi >= kSmallFourthPowers || isConstant(x))) {
     const auto moments = standardMoments<double>(s, x.size());
-    if (isFinite(moments.skewness) && isFinite(moments.kurtosis)) return shapeFrom(moments, x.size(), form);
+    if (isFinite(moments.skewness) && isFinite(moments.kurtosis))
+      return shapeFrom(moments, x.size(), form);
   }
   const auto wide = sumsOf<CentredPowerTerms, Extended>(x, x, {extendedMean(x), 0});
   if (!allFinite(wide)) {
@@ -154,7 +161,8 @@ double pearson(std::span<const T> x, std::span<const T> y) {
   if (x.size() != y.size() || x.size() < 2) return 0;
   const CentredProducts c = centredProductsOf(x, y);
   const bool isInRange = isFinite(c.xx) && isFinite(c.yy) && isFinite(c.xy);
-  if (isInRange && (c.xx.hi >= kSmallSquares || isConstant(x)) && (c.yy.hi >= kSmallSquares || isConstant(y))) {
+  if (isInRange && (c.xx.hi >= kSmallSquares || isConstant(x)) &&
+      (c.yy.hi >= kSmallSquares || isConstant(y))) {
     return correlation(c.xx, c.yy, c.xy);
   }
   auto wide = sumsOf<CentredProductTerms, Extended>(x, y, {extendedMean(x), extendedMean(y)});
@@ -178,7 +186,11 @@ CentredProducts centredProducts(std::span<const std::int32_t> x, std::span<const
   return centredProductsOf(x, y);
 }
 
-double pearsonCorrelation(std::span<const double> x, std::span<const double> y) { return pearson(x, y); }
-double pearsonCorrelation(std::span<const std::int32_t> x, std::span<const std::int32_t> y) { return pearson(x, y); }
+double pearsonCorrelation(std::span<const double> x, std::span<const double> y) {
+  return pearson(x, y);
+}
+double pearsonCorrelation(std::span<const std::int32_t> x, std::span<const std::int32_t> y) {
+  return pearson(x, y);
+}
 
 }  // namespace zel::kernels
