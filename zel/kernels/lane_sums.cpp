@@ -23,44 +23,7 @@ namespace hn = hwy::HWY_NAMESPACE;
 #include "zel/kernels/double_double-inl.h"
 #include "zel/kernels/sum_terms-inl.h"
 
-// Sixteen lanes whatever the width of a vector: lane i takes the elements with index i modulo 16.
-constexpr std::size_t kSumLanes = 16;
-// After this many elements per lane the two running sums are folded into a double-double, which
-// bounds the error that the plain sums of rounding errors pick up: 128^2 * 2^-106 relative to the
-// sum of magnitudes. The run also stays in the first-level cache when it is read more than once.
-constexpr std::size_t kRunSteps = 128;
-constexpr std::size_t kPrefetchElements = 256;
-
-using LaneTag = hn::CappedTag<double, kSumLanes>;
-using LaneVec = hn::Vec<LaneTag>;
-constexpr std::size_t kVecLanes = hn::MaxLanes(LaneTag());
-constexpr std::size_t kVecsPerStep = kSumLanes / kVecLanes;
-
-/// Adds through the fused multiply-add units: a + b = 1 * a + b with one rounding, so the bits are
-/// those of an addition, but on machines with as many multipliers as adders a reduction that is all
-/// additions runs nearly twice as fast when they share the work. `one` comes from the caller at run
-/// time, since a compiler that knew it would turn the multiplication back into an addition.
-struct OnMultiplier {
-  LaneVec one;
-#if HWY_NATIVE_FMA
-  HWY_INLINE LaneVec add(LaneVec a, LaneVec b) const { return hn::MulAdd(one, a, b); }
-  HWY_INLINE LaneVec sub(LaneVec a, LaneVec b) const { return hn::NegMulAdd(one, b, a); }
-#else
-  HWY_INLINE LaneVec add(LaneVec a, LaneVec b) const { return hn::Add(a, b); }
-  HWY_INLINE LaneVec sub(LaneVec a, LaneVec b) const { return hn::Sub(a, b); }
-#endif
-};
-
-HWY_INLINE LaneVec loadLanes(LaneTag d, const double* x) { return hn::LoadU(d, x); }
-HWY_INLINE LaneVec loadLanes(LaneTag d, const std::int32_t* x) {
-  return hn::PromoteTo(d, hn::LoadU(hn::Rebind<std::int32_t, LaneTag>(), x));
-}
-
-template <std::size_t kSums>
-struct LaneSums {
-  alignas(64) double hi[kSums][kSumLanes];
-  alignas(64) double lo[kSums][kSumLanes];
-};
+#include "zel/kernels/lanes-inl.h"
 
 /// The elements after the last whole step, filled up with values that contribute exactly 0.
 struct PaddedStep {
@@ -105,47 +68,14 @@ HWY_INLINE void sumRun(const T* HWY_RESTRICT x, const T* HWY_RESTRICT y, std::si
   }
 }
 
-/// total = total + run in every lane; the first run only needs to be normalised.
+/// Adds the run to every lane of the total.
 template <std::size_t kSums>
 HWY_INLINE void foldRun(const LaneSums<kSums>& run, bool isFirst, LaneSums<kSums>& total) {
   const LaneTag d;
   for (std::size_t k = 0; k < kSums; ++k) {
     for (std::size_t at = 0; at < kSumLanes; at += kVecLanes) {
-      Twofold<LaneVec> sum = twoSum(hn::Load(d, run.hi[k] + at), hn::Load(d, run.lo[k] + at));
-      if (!isFirst) sum = add({hn::Load(d, total.hi[k] + at), hn::Load(d, total.lo[k] + at)}, sum);
-      hn::Store(sum.hi, d, total.hi[k] + at);
-      hn::Store(sum.lo, d, total.lo[k] + at);
+      foldInto(hn::Load(d, run.hi[k] + at), hn::Load(d, run.lo[k] + at), isFirst, total.hi[k] + at, total.lo[k] + at);
     }
-  }
-}
-
-/// Lane i takes lane i + width, for the widths 8, 4, 2, 1.
-template <std::size_t kSums>
-HWY_INLINE void addLanes(LaneSums<kSums>& total, double* out) {
-  const LaneTag d;
-  for (std::size_t k = 0; k < kSums; ++k) {
-    double* hi = total.hi[k];
-    double* lo = total.lo[k];
-    std::size_t width = kSumLanes / 2;
-    for (; width >= kVecLanes; width /= 2) {
-      for (std::size_t at = 0; at < width; at += kVecLanes) {
-        const Twofold<LaneVec> sum =
-            add(Twofold<LaneVec>{hn::Load(d, hi + at), hn::Load(d, lo + at)},
-                Twofold<LaneVec>{hn::Load(d, hi + at + width), hn::Load(d, lo + at + width)});
-        hn::Store(sum.hi, d, hi + at);
-        hn::Store(sum.lo, d, lo + at);
-      }
-    }
-    for (; width >= 1; width /= 2) {
-      for (std::size_t at = 0; at < width; ++at) {
-        const Twofold<double> sum =
-            add(Twofold<double>{hi[at], lo[at]}, Twofold<double>{hi[at + width], lo[at + width]});
-        hi[at] = sum.hi;
-        lo[at] = sum.lo;
-      }
-    }
-    out[2 * k] = hi[0];
-    out[2 * k + 1] = lo[0];
   }
 }
 
@@ -155,7 +85,6 @@ HWY_INLINE void addLanes(LaneSums<kSums>& total, double* out) {
 template <class Terms, class T>
 void sumLanes(const T* HWY_RESTRICT x, const T* HWY_RESTRICT y, std::size_t n,
               const Centre<double>& centre, double one, double* out) {
-  constexpr std::size_t kRunElements = kRunSteps * kSumLanes;
   LaneSums<Terms::kSums> total;
   LaneSums<Terms::kSums> run;
   PaddedStep tail;

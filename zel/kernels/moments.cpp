@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "zel/kernels/lane_sums.h"
+#include "zel/kernels/split_sums.h"
 #include "zel/kernels/sums.h"
 
 namespace zel::kernels {
@@ -45,25 +46,66 @@ MeanVariance extendedMeanVariance(std::span<const T> x) {
           static_cast<double>((spread(s[0], s[1], {n, 0}) / (n - 1)).hi)};
 }
 
+/// Mean and variance from error-free sums.
 template <class T>
-MeanVariance meanVarianceOf(std::span<const T> x) {
-  if (x.size() < 3) return {mean(x), 1};
+MeanVariance accurateMeanVariance(std::span<const T> x) {
   const auto n = twofoldOf<double>(x.size());
   const auto raw = sumsOf<RawMomentTerms, double>(x, x);
   const auto [sum, squares] = raw;
-  if (!allFinite(raw) || (squares.hi < kSmallSquares && !isConstant(x)))
-    return extendedMeanVariance(x);
+  if (!allFinite(raw) || (squares.hi < kSmallSquares && !isConstant(x))) return extendedMeanVariance(x);
   const DoubleDouble mean = sum / n;
   DoubleDouble s = spread(sum, squares, n);
-  // Not enough digits left beside the mean: once more about the mean. Without this step an offset
-  // of 1e9 and unit spread would lose half of the digits (test MeanVariance.OffsetKeepsDigits).
+  // Not enough digits left beside the mean: once more about the mean. Without this step an offset of
+  // 1e9 and unit spread would lose half of the digits (test MeanVariance.OffsetKeepsDigits).
   if (s.hi * 0x1p-55 < squares.hi * fastSumError(x.size())) {
     const auto centred = sumsOf<CentredMomentTerms, double>(x, x, {mean.hi, 0});
-    if (!allFinite(centred) || (centred[1].hi < kSmallSquares && !isConstant(x)))
-      return extendedMeanVariance(x);
+    if (!allFinite(centred) || (centred[1].hi < kSmallSquares && !isConstant(x))) return extendedMeanVariance(x);
     s = spread(centred[0], centred[1], n);
   }
   return {mean.hi, (s / static_cast<double>(x.size() - 1)).hi};
+}
+
+/// A centre for the fast sums, guessed from the first elements: 0 unless they lie far from it.
+template <class T>
+double guessedCentre(std::span<const T> x) {
+  const auto [low, high] = std::minmax_element(x.begin(), x.begin() + 16);
+  const double half = (static_cast<double>(*high) - static_cast<double>(*low)) / 2;
+  const double middle = static_cast<double>(*low) + half;
+  return std::abs(middle) <= 8 * half || !std::isfinite(middle) ? 0 : middle;
+}
+
+/// sum of d^2 about the mean where the fast sums give it to an ulp or two, else a negative number.
+/// Deviations from a centre other than 0 are rounded; as long as the centre is within two standard
+/// deviations of the mean, that changes the result by 2^-51 of itself at most, usually far less.
+DoubleDouble fastSpread(const SplitMoments& m, DoubleDouble n, double centre) {
+  const DoubleDouble s = spread(m.sum.value, m.squares.value, n);
+  const double error = m.squares.error + 2 * std::abs(m.sum.value.hi) / n.hi * m.sum.error;
+  const bool isGood = error <= 0x1p-55 * s.hi && (centre == 0 || m.squares.value.hi <= 4 * s.hi);
+  return isGood ? s : DoubleDouble{-1, 0};
+}
+
+// From this length the fast sums beat the setting up of their unit.
+constexpr std::size_t kLongSample = 128;
+
+template <class T>
+MeanVariance meanVarianceOf(std::span<const T> x) {
+  if (x.size() < 3) return {mean(x), 1};
+  if (x.size() < kLongSample) return accurateMeanVariance(x);
+  const auto n = twofoldOf<double>(x.size());
+  const double centre = guessedCentre(x);
+  const SplitMoments m = splitMoments(x.data(), x.size(), centre);
+  DoubleDouble average = DoubleDouble{centre, 0} + m.sum.value / n;
+  const double roundings = centre == 0 ? 0 : 0x1p-53 * std::sqrt(m.squares.value.hi / n.hi);
+  const double meanError = m.sum.error / n.hi + roundings;
+  if (!(meanError <= 0x1p-55 * std::abs(average.hi))) {
+    average = sum(x) / n;  // close to 0 beside the spread
+    if (!isFinite(average)) return accurateMeanVariance(x);
+  }
+  if (m.squares.value.hi == 0 && isConstant(x)) return {average.hi, 0};
+  DoubleDouble s = fastSpread(m, n, centre);
+  if (s.hi < 0) s = fastSpread(splitMoments(x.data(), x.size(), average.hi), n, average.hi);
+  if (s.hi < 0) return accurateMeanVariance(x);
+  return {average.hi, (s / static_cast<double>(x.size() - 1)).hi};
 }
 
 /// Population skewness and kurtosis + 3 from the power sums about c; nothing if a step left the

@@ -5,6 +5,7 @@
 #include <cstddef>
 
 #include "zel/kernels/lane_sums.h"
+#include "zel/kernels/split_sums.h"
 
 namespace zel::kernels {
 
@@ -34,6 +35,20 @@ bool isReliable(DoubleDouble fast, std::span<const T> x, std::span<const T> y) {
   }
 }
 
+// From this length the fast sum beats the setting up of its unit.
+constexpr std::size_t kLongSum = 128;
+
+template <class Terms, class T>
+DoubleDouble fastSum(std::span<const T> x, std::span<const T> y) {
+  if constexpr (std::is_same_v<Terms, SumTerms>) {
+    if (x.size() >= kLongSum) {
+      const BoundedSum split = splitSum(x.data(), x.size());
+      if (split.error <= 0x1p-57 * std::abs(split.value.hi)) return split.value;
+    }
+  }
+  return sumsOf<Terms, double>(x, y)[0];
+}
+
 template <class Terms, class T>
 Twofold<Extended> extended(std::span<const T> x, std::span<const T> y) {
   return sumsOf<Terms, Extended>(x, y)[0];
@@ -48,13 +63,13 @@ DoubleDouble narrowed(Twofold<Extended> a) {
 
 template <class Terms, class T>
 DoubleDouble one(std::span<const T> x, std::span<const T> y) {
-  const DoubleDouble fast = sumsOf<Terms, double>(x, y)[0];
+  const DoubleDouble fast = fastSum<Terms>(x, y);
   return isReliable<Terms>(fast, x, y) ? fast : narrowed(extended<Terms>(x, y));
 }
 
 template <class Terms, class T>
 double root(std::span<const T> x, std::span<const T> y) {
-  const DoubleDouble fast = sumsOf<Terms, double>(x, y)[0];
+  const DoubleDouble fast = fastSum<Terms>(x, y);
   if (isReliable<Terms>(fast, x, y)) return sqrt(fast).hi;
   const Twofold<Extended> slow = extended<Terms>(x, y);
   return static_cast<double>(std::isfinite(slow.hi) ? sqrt(slow).hi : std::sqrt(slow.hi));
@@ -63,7 +78,7 @@ double root(std::span<const T> x, std::span<const T> y) {
 template <class T>
 double meanOf(std::span<const T> x) {
   if (x.empty()) return 0;
-  const DoubleDouble fast = sumsOf<SumTerms, double>(x, x)[0];
+  const DoubleDouble fast = fastSum<SumTerms>(x, x);
   if (isFinite(fast)) return (fast / twofoldOf<double>(x.size())).hi;
   const Twofold<Extended> slow = extended<SumTerms>(x, x);
   const auto n = static_cast<Extended>(x.size());
