@@ -48,7 +48,8 @@ std::vector<T> randomElements(std::size_t n) {
 TYPED_TEST(Fingerprint, IsTheByteLoopAtEveryLength) {
   for (std::size_t n = 0; n < 6000; n += n < 1400 ? 7 : 331) {
     const auto x = randomElements<TypeParam>(n);
-    ASSERT_EQ(fingerprintText(std::span<const TypeParam>(x)), fingerprintText(slowRegisters(x))) << n;
+    ASSERT_EQ(fingerprintText(std::span<const TypeParam>(x)), fingerprintText(slowRegisters(x)))
+        << n;
   }
 }
 
@@ -71,8 +72,10 @@ TEST(FingerprintText, KnownValues) {
   EXPECT_EQ(fingerprintText(std::array{crc}), "CBF43926");
   EXPECT_EQ(fingerprintText(std::array{~0x0000000Au}), "0000000A");
   EXPECT_EQ(fingerprintText(std::vector<double>{}), std::string(64, '0'));
-  // python3 -c "import zlib,struct; d=[struct.pack('<d',v) for v in (1.5,-2.25)]; print(''.join('%08X'%zlib.crc32(bytes(e[k] for e in d)) for k in range(8)))"
-  EXPECT_EQ(fingerprintText(std::vector<double>{1.5, -2.25}), "41D912FF41D912FF41D912FF41D912FF41D912FF41D912FF73B218668263FA73");
+  // python3 -c "import zlib,struct; d=[struct.pack('<d',v) for v in (1.5,-2.25)];
+  // print(''.join('%08X'%zlib.crc32(bytes(e[k] for e in d)) for k in range(8)))"
+  EXPECT_EQ(fingerprintText(std::vector<double>{1.5, -2.25}),
+            "41D912FF41D912FF41D912FF41D912FF41D912FF41D912FF73B218668263FA73");
 }
 
 }  // namespace

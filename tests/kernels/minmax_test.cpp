@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "hwy/targets.h"
+#include "tests/support/simd_targets.h"
 
 namespace zel::kernels {
 namespace {
@@ -27,22 +27,28 @@ MinMax<T> oneByOne(const std::vector<T>& x, MinMaxStart<T> start = {}) {
 template <class T>
 void expectSame(const std::vector<T>& x, MinMaxStart<T> start = {}) {
   const MinMax<T> expected = oneByOne(x, start);
-  for (const std::int64_t target : hwy::SupportedAndGeneratedTargets()) {
-    hwy::SetSupportedTargetsForTest(target);
+  test::forEachTarget([&] {
     const MinMax<T> actual = minMax(x, start);
-    hwy::SetSupportedTargetsForTest(0);
-    ASSERT_EQ(actual.minIndex, expected.minIndex) << hwy::TargetName(target);
-    ASSERT_EQ(actual.maxIndex, expected.maxIndex) << hwy::TargetName(target);
-    ASSERT_EQ(actual.minimum, expected.minimum);
-    ASSERT_EQ(actual.maximum, expected.maximum);
-    ASSERT_EQ(std::signbit(static_cast<double>(actual.minimum)), std::signbit(static_cast<double>(expected.minimum)));
-  }
+    EXPECT_EQ(actual.minIndex, expected.minIndex);
+    EXPECT_EQ(actual.maxIndex, expected.maxIndex);
+    EXPECT_EQ(actual.minimum, expected.minimum);
+    EXPECT_EQ(actual.maximum, expected.maximum);
+    EXPECT_EQ(std::signbit(static_cast<double>(actual.minimum)),
+              std::signbit(static_cast<double>(expected.minimum)));
+  });
 }
 
 TEST(MinMax, IsThePlainLoopOnEveryShape) {
   std::mt19937_64 random(11);
-  const double specials[] = {0.0, -0.0, std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(),
-                             -std::numeric_limits<double>::infinity(), 1.7e308, 1.75e308, -1.75e308, 5e-324};
+  const double specials[] = {0.0,
+                             -0.0,
+                             std::numeric_limits<double>::quiet_NaN(),
+                             std::numeric_limits<double>::infinity(),
+                             -std::numeric_limits<double>::infinity(),
+                             1.7e308,
+                             1.75e308,
+                             -1.75e308,
+                             5e-324};
   for (std::size_t n = 0; n < 2600; n += n < 70 ? 1 : 211) {
     for (int kind = 0; kind < 6; ++kind) {
       SCOPED_TRACE("n=" + std::to_string(n) + " kind=" + std::to_string(kind));
@@ -50,14 +56,26 @@ TEST(MinMax, IsThePlainLoopOnEveryShape) {
       std::vector<std::int32_t> k(n);
       for (std::size_t i = 0; i < n; ++i) {
         switch (kind) {
-          case 0: x[i] = std::ldexp(static_cast<double>(random()), -64); break;
-          case 1: x[i] = static_cast<double>(random() % 3); break;  // ties everywhere
-          case 2: x[i] = specials[random() % 9]; break;
-          case 3: x[i] = random() % 2 == 0 ? 0.0 : -0.0; break;
-          case 4: x[i] = static_cast<double>(n - i); break;
-          default: x[i] = std::numeric_limits<double>::quiet_NaN();
+          case 0:
+            x[i] = std::ldexp(static_cast<double>(random()), -64);
+            break;
+          case 1:
+            x[i] = static_cast<double>(random() % 3);
+            break;  // ties everywhere
+          case 2:
+            x[i] = specials[random() % 9];
+            break;
+          case 3:
+            x[i] = random() % 2 == 0 ? 0.0 : -0.0;
+            break;
+          case 4:
+            x[i] = static_cast<double>(n - i);
+            break;
+          default:
+            x[i] = std::numeric_limits<double>::quiet_NaN();
         }
-        k[i] = kind == 1 ? static_cast<std::int32_t>(random() % 3) : static_cast<std::int32_t>(random());
+        k[i] = kind == 1 ? static_cast<std::int32_t>(random() % 3)
+                         : static_cast<std::int32_t>(random());
       }
       expectSame(x);
       expectSame(k);
@@ -71,7 +89,8 @@ TEST(MinMax, StartValuesAreNotElements) {
   EXPECT_EQ(r.minIndex, kNoIndex);
   EXPECT_EQ(r.maximum, 1.79e308);
   EXPECT_EQ(r.maxIndex, 1u);
-  const MinMax<std::int32_t> k = minMax(std::vector<std::int32_t>(100, std::numeric_limits<std::int32_t>::min()));
+  const MinMax<std::int32_t> k =
+      minMax(std::vector<std::int32_t>(100, std::numeric_limits<std::int32_t>::min()));
   EXPECT_EQ(k.maximum, -2147483647);
   EXPECT_EQ(k.maxIndex, kNoIndex);
   EXPECT_EQ(k.minIndex, 0u);

@@ -61,7 +61,8 @@ TEST(MeanVariance, SmallAndConstantData) {
   EXPECT_EQ(meanVariance(std::vector<double>{5}).mean, 5);
   EXPECT_EQ(meanVariance(std::vector<double>{2, 4}).variance, 1);
   EXPECT_EQ(meanVariance(std::vector<double>{2, 4, 6}).variance, 4);
-  EXPECT_EQ(meanVariance(std::vector<std::int32_t>{2147483647, -2147483647, 0}).variance, 2147483647.0 * 2147483647.0);
+  EXPECT_EQ(meanVariance(std::vector<std::int32_t>{2147483647, -2147483647, 0}).variance,
+            2147483647.0 * 2147483647.0);
   for (const double c : {0.1, 1e9 + 0.1, 1e-200, -1.7e308, 5e-324}) {
     for (const std::size_t n : {3u, 1000u, 5000u}) {
       const MeanVariance mv = meanVariance(std::vector<double>(n, c));
@@ -73,7 +74,8 @@ TEST(MeanVariance, SmallAndConstantData) {
 
 TEST(MeanVariance, RangeAndNonFiniteValues) {
   EXPECT_EQ(meanVariance(std::vector<double>{1e200, -1e200, 0}).variance, kInf);
-  EXPECT_EQ(meanVariance(std::vector<double>{1.7e308, 1.7e308, 1.6e308}).mean, (1.7e308 / 3 + 1.7e308 / 3) + 1.6e308 / 3);
+  EXPECT_EQ(meanVariance(std::vector<double>{1.7e308, 1.7e308, 1.6e308}).mean,
+            (1.7e308 / 3 + 1.7e308 / 3) + 1.6e308 / 3);
   std::vector<double> x(100, 1);
   x[60] = kInf;
   EXPECT_EQ(meanVariance(x).mean, kInf);
@@ -89,8 +91,8 @@ Shape exactShape(const std::vector<double>& x) {
   // n^(k-1) times the k-th central sum, integers scaled by 2^(1074 k).
   const BigInt m2 = n * s.s2 - s.s1 * s.s1;
   const BigInt m3 = n * n * s.s3 - BigInt(3) * n * s.s1 * s.s2 + BigInt(2) * s.s1 * s.s1 * s.s1;
-  const BigInt m4 = n * n * n * s.s4 - BigInt(4) * n * n * s.s1 * s.s3 + BigInt(6) * n * s.s1 * s.s1 * s.s2 -
-                    BigInt(3) * s.s1 * s.s1 * s.s1 * s.s1;
+  const BigInt m4 = n * n * n * s.s4 - BigInt(4) * n * n * s.s1 * s.s3 +
+                    BigInt(6) * n * s.s1 * s.s1 * s.s2 - BigInt(3) * s.s1 * s.s1 * s.s1 * s.s1;
   if (m2.isZero()) return {0, 0};
   // Ratios that do not depend on the unit: m3^2 / m2^3 and m4 / m2^2.
   const long double count = static_cast<long double>(s.n);
@@ -118,7 +120,8 @@ TEST(Shape, PublishedFormulas) {
   EXPECT_EQ(shape(std::vector<double>{1, 2, 3}, ShapeForm::population).kurtosis, 0);
   // python3 -c "
   // from mpmath import *; mp.dps=30; x=[mpf(v) for v in (1,2,3,10)]; n=mpf(4); m=fsum(x)/n
-  // sd=sqrt(fsum((v-m)**2 for v in x)/(n-1)); S=fsum((v-m)**3 for v in x)/n/sd**3; K=fsum((v-m)**4 for v in x)/n/sd**4-3
+  // sd=sqrt(fsum((v-m)**2 for v in x)/(n-1)); S=fsum((v-m)**3 for v in x)/n/sd**3; K=fsum((v-m)**4
+  // for v in x)/n/sd**4-3
   // print(S,K,S*n*n/((n-1)*(n-2)),(K+3)*n*n*(n+1)/((n-1)*(n-2)*(n-3))-3*(n-1)**2/((n-2)*(n-3)))"
   const std::vector<std::int32_t> x{1, 2, 3, 10};
   const Shape population = shape(x, ShapeForm::population);
@@ -130,7 +133,8 @@ TEST(Shape, PublishedFormulas) {
   const std::vector<double> constant(10, 0.3);
   EXPECT_EQ(shape(constant, ShapeForm::population).skewness, 0);
   EXPECT_EQ(shape(constant, ShapeForm::population).kurtosis, 0);
-  EXPECT_EQ(shape(std::vector<double>{1, 2, 3, 4, kInf}, ShapeForm::sample).kurtosis * 0 == 0, false);
+  EXPECT_EQ(shape(std::vector<double>{1, 2, 3, 4, kInf}, ShapeForm::sample).kurtosis * 0 == 0,
+            false);
 }
 
 /// Correlation in long double from exact sums.
@@ -157,7 +161,8 @@ TEST(Correlation, MatchesExactArithmeticOnHostileData) {
 }
 
 TEST(Correlation, Rules) {
-  const std::vector<double> x{1, 2, 3}, rising{1e9 + 2, 1e9 + 4, 1e9 + 6}, falling{3e200, 2e200, 1e200}, constant(3, 0.7);
+  const std::vector<double> x{1, 2, 3}, rising{1e9 + 2, 1e9 + 4, 1e9 + 6},
+      falling{3e200, 2e200, 1e200}, constant(3, 0.7);
   EXPECT_EQ(pearsonCorrelation(x, rising), 1);
   EXPECT_EQ(pearsonCorrelation(x, falling), -1);
   EXPECT_EQ(pearsonCorrelation(x, constant), 0);

@@ -9,9 +9,9 @@
 #include <string>
 #include <vector>
 
-#include "hwy/targets.h"
 #include "tests/support/exact.h"
 #include "tests/support/hostile.h"
+#include "tests/support/simd_targets.h"
 #include "zel/kernels/moments.h"
 
 namespace zel::kernels {
@@ -23,7 +23,8 @@ using test::ExactPowerSums;
 constexpr double kInf = std::numeric_limits<double>::infinity();
 constexpr double kMax = std::numeric_limits<double>::max();
 
-/// s is the exact sum, given as an integer times 2^-scale, to the promised accuracy, and hi is its rounding.
+/// s is the exact sum, given as an integer times 2^-scale, to the promised accuracy, and hi is its
+/// rounding.
 void expectAccurate(DoubleDouble s, const BigInt& exact, const BigInt& magnitudes, int scale) {
   EXPECT_EQ(s.hi, s.hi + s.lo);
   if (!std::isfinite(s.hi) || std::abs(s.hi) < 1e-270) {  // no room for a low part
@@ -105,8 +106,11 @@ TEST(Sums, IntermediatesMayLeaveTheDoubleRange) {
   EXPECT_EQ(sum(x).hi, 3e-310);
   EXPECT_DOUBLE_EQ(euclideanNorm(std::vector<double>{3e200, -4e200}), 5e200);
   EXPECT_DOUBLE_EQ(euclideanNorm(std::vector<double>{3e-200, 4e-200}), 5e-200);
-  EXPECT_DOUBLE_EQ(euclideanDistance(std::vector<double>{3e300, 0}, std::vector<double>{0, -4e300}), 5e300);
-  EXPECT_EQ(sumOfProducts(std::vector<double>{1e200, 1e200, 2}, std::vector<double>{1e200, -1e200, 3}).hi, 6);
+  EXPECT_DOUBLE_EQ(euclideanDistance(std::vector<double>{3e300, 0}, std::vector<double>{0, -4e300}),
+                   5e300);
+  EXPECT_EQ(
+      sumOfProducts(std::vector<double>{1e200, 1e200, 2}, std::vector<double>{1e200, -1e200, 3}).hi,
+      6);
 }
 
 TEST(Sums, IntegersAreExact) {
@@ -135,7 +139,8 @@ TEST(Sums, ShiftedCrossProducts) {
   const std::vector<std::int32_t> i{1, 2, 3}, j{4, 5, 6};
   EXPECT_EQ(integerShiftedCrossProduct(i, j, 1), 1 * 5 + 2 * 6);
   EXPECT_EQ(integerShiftedCrossProduct(i, j, -2), 3 * 4);
-  for (const auto shift : {std::numeric_limits<std::int64_t>::min(), std::numeric_limits<std::int64_t>::max()}) {
+  for (const auto shift :
+       {std::numeric_limits<std::int64_t>::min(), std::numeric_limits<std::int64_t>::max()}) {
     EXPECT_EQ(shiftedCrossProduct(x, y, shift), 0);
     EXPECT_EQ(integerShiftedCrossProduct(i, j, shift), 0);
   }
@@ -161,9 +166,11 @@ TEST(Means, Harmonic) {
   EXPECT_EQ(harmonicMean(std::vector<std::int32_t>{3, 6}), 4);
   EXPECT_EQ(harmonicMean(std::vector<double>{1, 0}), std::nullopt);
   EXPECT_EQ(harmonicMean(std::vector<double>{1, -2}), std::nullopt);
-  EXPECT_EQ(harmonicMean(std::vector<double>(5, 4e-320)), 4e-320) << "1 / x is beyond the double range";
+  EXPECT_EQ(harmonicMean(std::vector<double>(5, 4e-320)), 4e-320)
+      << "1 / x is beyond the double range";
   EXPECT_EQ(harmonicMean(std::vector<double>{kInf, 1}), 2);
-  // python3 -c "from mpmath import *; mp.dps=40; print(10000/fsum(mpf(1)/k for k in range(1,10001)))"
+  // python3 -c "from mpmath import *; mp.dps=40; print(10000/fsum(mpf(1)/k for k in
+  // range(1,10001)))"
   std::vector<double> many(10000);
   for (std::size_t i = 0; i < many.size(); ++i) many[i] = static_cast<double>(i + 1);
   EXPECT_EQ(harmonicMean(many), 1021.700297618584556);
@@ -171,30 +178,40 @@ TEST(Means, Harmonic) {
 
 /// Every result of the reductions, to be compared bit by bit.
 std::array<double, 13> allResults(const std::vector<double>& x, const std::vector<double>& y) {
-  const DoubleDouble a = sum(x), b = sumOfSquares(x), c = sumOfProducts(x, y), d = sumOfSquaredDifferences(x, y);
+  const DoubleDouble a = sum(x), b = sumOfSquares(x), c = sumOfProducts(x, y),
+                     d = sumOfSquaredDifferences(x, y);
   const MeanVariance mv = meanVariance(x);
   const Shape shapeOfX = shape(x, ShapeForm::population);
-  return {a.hi, a.lo, b.hi, b.lo, c.hi, c.lo, d.hi, d.lo, mv.mean, mv.variance, shapeOfX.skewness, shapeOfX.kurtosis,
+  return {a.hi,
+          a.lo,
+          b.hi,
+          b.lo,
+          c.hi,
+          c.lo,
+          d.hi,
+          d.lo,
+          mv.mean,
+          mv.variance,
+          shapeOfX.skewness,
+          shapeOfX.kurtosis,
           pearsonCorrelation(x, y)};
 }
 
 TEST(Sums, HaveTheSameBitsOnEveryInstructionSet) {
-  const std::vector<std::int64_t> targets = hwy::SupportedAndGeneratedTargets();
   for (const std::size_t n : {0u, 1u, 7u, 100u, 2047u, 5003u}) {
-    auto data = test::hostileData(n);
+    const auto data = test::hostileData(n);
     for (std::size_t i = 0; i < data.size(); ++i) {
+      SCOPED_TRACE(data[i].name + " n=" + std::to_string(n));
       const auto& x = data[i].values;
       const auto& y = data[(i + 1) % data.size()].values;
       const auto expected = allResults(x, y);
-      for (const std::int64_t target : targets) {
-        SCOPED_TRACE(data[i].name + " n=" + std::to_string(n) + " " + hwy::TargetName(target));
-        hwy::SetSupportedTargetsForTest(target);
+      test::forEachTarget([&] {
         const auto results = allResults(x, y);
-        hwy::SetSupportedTargetsForTest(0);
         for (std::size_t k = 0; k < results.size(); ++k) {
-          EXPECT_TRUE(test::sameValue(expected[k], results[k])) << k << ": " << expected[k] << " " << results[k];
+          EXPECT_TRUE(test::sameValue(expected[k], results[k]))
+              << k << ": " << expected[k] << " " << results[k];
         }
-      }
+      });
     }
   }
 }

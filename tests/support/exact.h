@@ -1,6 +1,6 @@
 /// @file
-/// Exact arithmetic for checking sums: integers of any size, doubles as multiples of 2^-1074, and the
-/// correctly rounded quotient of two integers. Slow and simple.
+/// Exact arithmetic for checking sums: integers of any size, doubles as multiples of 2^-1074, and
+/// the correctly rounded quotient of two integers. Slow and simple.
 #pragma once
 
 #include <algorithm>
@@ -14,7 +14,9 @@ namespace zel::test {
 class BigInt {
  public:
   BigInt(std::int64_t v = 0) : FNegative(v < 0) {
-    for (std::uint64_t m = v < 0 ? 0 - static_cast<std::uint64_t>(v) : static_cast<std::uint64_t>(v); m != 0; m >>= 32) {
+    for (std::uint64_t m = v < 0 ? 0 - static_cast<std::uint64_t>(v)
+                                 : static_cast<std::uint64_t>(v);
+         m != 0; m >>= 32) {
       FLimbs.push_back(static_cast<std::uint32_t>(m));
     }
   }
@@ -90,7 +92,8 @@ class BigInt {
     constexpr int kDigits = std::numeric_limits<T>::digits;
     // The unit in the last place of the result, or half of that.
     const int magnitude = a.bitLength() - b.bitLength() + scale;
-    for (int unit = std::max(magnitude - kDigits, std::numeric_limits<T>::min_exponent - kDigits);; ++unit) {
+    for (int unit = std::max(magnitude - kDigits, std::numeric_limits<T>::min_exponent - kDigits);;
+         ++unit) {
       const int shift = scale - unit;
       BigInt remainder = shift >= 0 ? a << shift : a;
       BigInt divisor = shift >= 0 ? b : b << -shift;
@@ -166,7 +169,9 @@ struct ExactPowerSums {
   [[nodiscard]] double mean() const { return BigInt::quotient<double>(s1, n, -1074); }
   /// n sum of d^2, exact and scaled by 2^2148.
   [[nodiscard]] BigInt spread() const { return BigInt(n) * s2 - s1 * s1; }
-  [[nodiscard]] double variance() const { return BigInt::quotient<double>(spread(), BigInt(n) * BigInt(n - 1), -2148); }
+  [[nodiscard]] double variance() const {
+    return BigInt::quotient<double>(spread(), BigInt(n) * BigInt(n - 1), -2148);
+  }
 };
 
 }  // namespace zel::test

@@ -20,7 +20,8 @@ struct NamedData {
 inline const std::vector<std::size_t> kLengths = [] {
   std::vector<std::size_t> lengths;
   for (std::size_t n = 0; n <= 70; ++n) lengths.push_back(n);
-  for (const std::size_t n : {255, 1000, 2047, 2048, 2049, 2064, 4095, 4113, 6150}) lengths.push_back(n);
+  for (const std::size_t n : {255, 1000, 2047, 2048, 2049, 2064, 4095, 4113, 6150})
+    lengths.push_back(n);
   return lengths;
 }();
 
@@ -43,26 +44,34 @@ inline std::vector<NamedData> hostileData(std::size_t n) {
   make("cancelling", [](std::size_t i) { return i % 3 == 0 ? 1e16 : i % 3 == 1 ? 1.0 : -1e16; });
   make("constant", [](std::size_t) { return 0.1; });
   make("zero", [](std::size_t) { return 0.0; });
-  make("zero, then not", [n](std::size_t i) { return i < n / 2 ? 0.0 : 0.3 + static_cast<double>(i); });
+  make("zero, then not",
+       [n](std::size_t i) { return i < n / 2 ? 0.0 : 0.3 + static_cast<double>(i); });
   make("outlier first", [&](std::size_t i) { return i == 0 ? 1e12 : normal(random); });
   make("outlier last", [&](std::size_t i) { return i + 1 == n ? 1e25 : normal(random); });
-  make("growing", [&](std::size_t i) { return std::pow(1.01, static_cast<double>(i)) * normal(random); });
-  make("shrinking", [&](std::size_t i) { return std::pow(1.02, -static_cast<double>(i)) * normal(random); });
-  make("sorted", [n](std::size_t i) { return 100 + static_cast<double>(i) / static_cast<double>(n); });
+  make("growing",
+       [&](std::size_t i) { return std::pow(1.01, static_cast<double>(i)) * normal(random); });
+  make("shrinking",
+       [&](std::size_t i) { return std::pow(1.02, -static_cast<double>(i)) * normal(random); });
+  make("sorted",
+       [n](std::size_t i) { return 100 + static_cast<double>(i) / static_cast<double>(n); });
   make("denormal", [&](std::size_t) { return unit(random) * 1e-310; });
   make("tiny", [&](std::size_t) { return normal(random) * 1e-158; });
   make("around the square root of the range", [&](std::size_t) { return normal(random) * 1e154; });
   make("huge", [&](std::size_t) { return normal(random) * 2e307; });
-  make("all magnitudes", [&](std::size_t) { return std::ldexp(normal(random), static_cast<int>(random() % 400) - 200); });
+  make("all magnitudes", [&](std::size_t) {
+    return std::ldexp(normal(random), static_cast<int>(random() % 400) - 200);
+  });
   return all;
 }
 
 /// Equal bits, or both not-a-number.
 inline bool sameValue(double a, double b) {
-  return (std::isnan(a) && std::isnan(b)) || std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b);
+  return (std::isnan(a) && std::isnan(b)) ||
+         std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b);
 }
 
-/// Distance in units in the last place; 0 for equal values, huge for different signs or not-a-number.
+/// Distance in units in the last place; 0 for equal values, huge for different signs or
+/// not-a-number.
 inline double ulpsApart(double a, double b) {
   if (a == b) return 0;
   if (!std::isfinite(a) || !std::isfinite(b)) return 1e300;

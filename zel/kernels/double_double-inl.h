@@ -1,12 +1,13 @@
 // Error-free transformations and double-double arithmetic, written once for a number (double, long
-// double) and for a vector of numbers. No guard and no namespace on purpose: double_double.h includes
-// this text for numbers; a SIMD source includes it once per instruction set, inside that set's
-// namespace, because a template from outside cannot inline code of the instruction set.
+// double) and for a vector of numbers. No guard and no namespace on purpose: double_double.h
+// includes this text for numbers; a SIMD source includes it once per instruction set, inside that
+// set's namespace, because a template from outside cannot inline code of the instruction set.
 
 template <class V>
 inline constexpr bool kIsNumber = std::is_floating_point_v<V>;
 
-/// The value hi + lo, not evaluated; lo is at most half a unit in the last place of hi once normalised.
+/// The value hi + lo, not evaluated; lo is at most half a unit in the last place of hi once
+/// normalised.
 template <class V>
 struct Twofold {
   V hi;
@@ -89,7 +90,8 @@ template <class V>
   return {s, minus(b, minus(s, a))};
 }
 
-/// a * b - product by splitting the factors (Veltkamp, Dekker); exact if nothing over- or underflows.
+/// a * b - product by splitting the factors (Veltkamp, Dekker); exact if nothing over- or
+/// underflows.
 template <class V>
 [[gnu::always_inline]] inline V splitProductError(V a, V b, V product, V splitter) {
   const V aScaled = times(splitter, a);
@@ -117,7 +119,8 @@ template <class V>
   if constexpr (kIsNumber<V>) {
     constexpr V kSplitter = V(1) + V(1ULL << ((std::numeric_limits<V>::digits + 1) / 2));
     if constexpr (std::numeric_limits<V>::max_exponent <= 1024) {
-      const bool splits = std::abs(p) >= kSplitProduct && std::abs(a) < kSplitLimit && std::abs(b) < kSplitLimit;
+      const bool splits =
+          std::abs(p) >= kSplitProduct && std::abs(a) < kSplitLimit && std::abs(b) < kSplitLimit;
       if (!splits) return {p, std::fma(a, b, -p)};
     }
     return {p, splitProductError(a, b, p, kSplitter)};
@@ -128,7 +131,8 @@ template <class V>
     const hn::DFromV<V> d;
     const auto zero = Zero(d);
     const auto limit = Set(d, kSplitLimit);
-    const auto splits = And(Ge(Abs(p), Set(d, kSplitProduct)), And(Lt(Abs(a), limit), Lt(Abs(b), limit)));
+    const auto splits =
+        And(Ge(Abs(p), Set(d, kSplitProduct)), And(Lt(Abs(a), limit), Lt(Abs(b), limit)));
     const auto isZero = Or(Eq(a, zero), Eq(b, zero));
     V error = splitProductError(a, b, p, Set(d, 134217729.0));
     if (!AllTrue(d, Or(splits, isZero))) {
@@ -138,7 +142,8 @@ template <class V>
       Store(a, d, factorA);
       Store(b, d, factorB);
       Store(p, d, product);
-      for (std::size_t i = 0; i < Lanes(d); ++i) product[i] = std::fma(factorA[i], factorB[i], -product[i]);
+      for (std::size_t i = 0; i < Lanes(d); ++i)
+        product[i] = std::fma(factorA[i], factorB[i], -product[i]);
       error = Load(d, product);
     }
     return {p, error};

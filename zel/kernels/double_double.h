@@ -1,10 +1,10 @@
 /// @file
-/// Arithmetic with unevaluated sums of two numbers: about 106 bits from doubles, 128 from the 80-bit
-/// format. Methods: Dekker, Numer. Math. 18 (1971) 224; Ogita, Rump and Oishi, SIAM J. Sci. Comput.
-/// 26 (2005) 1955; Joldes, Muller and Popescu, ACM TOMS 44 (2017) 15.
+/// Arithmetic with unevaluated sums of two numbers: about 106 bits from doubles, 128 from the
+/// 80-bit format. Methods: Dekker, Numer. Math. 18 (1971) 224; Ogita, Rump and Oishi, SIAM J. Sci.
+/// Comput. 26 (2005) 1955; Joldes, Muller and Popescu, ACM TOMS 44 (2017) 15.
 ///
-/// Nothing here repairs a value beyond the range of the number type: infinities and overflows end as
-/// not-a-number in a low part, and the callers test for it.
+/// Nothing here repairs a value beyond the range of the number type: infinities and overflows end
+/// as not-a-number in a low part, and the callers test for it.
 #pragma once
 
 #include <cmath>

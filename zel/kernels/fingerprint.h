@@ -14,8 +14,8 @@ namespace zel::kernels {
 /// Registers before the first element.
 inline constexpr std::uint32_t kCrc32Start = 0xFFFFFFFFu;
 
-/// Feeds byte k (in memory order) of each element to register k. Pieces of one container can be fed one
-/// after the other with the same registers. Reads the elements once, whatever their size.
+/// Feeds byte k (in memory order) of each element to register k. Pieces of one container can be fed
+/// one after the other with the same registers. Reads the elements once, whatever their size.
 /// Method: the message is reduced by exclusive ors at the exponents of a sparse multiple of the
 /// polynomial (Russell, "Chorba", 2024), which works on whole elements, all registers at once.
 void fingerprint(std::span<const double> x, std::span<std::uint32_t, 8> registers);

@@ -24,8 +24,8 @@ enum class IntegrationRule : std::uint8_t {
 
 namespace detail {
 
-/// The rules in one arithmetic: pairs of doubles, where every weight enters as an undivided quotient of
-/// small integers and the result is rounded once, or plain long double.
+/// The rules in one arithmetic: pairs of doubles, where every weight enters as an undivided
+/// quotient of small integers and the result is rounded once, or plain long double.
 template <class Value, class T>
 class Integrator {
  public:
@@ -41,7 +41,8 @@ class Integrator {
     const std::int64_t inside = hi - lo + 1;
     const Value width = difference(b, a);
     if (rule == IntegrationRule::mean) {
-      const Value mean = inside > 0 ? sum(lo, hi) / static_cast<Number>(inside) : (y(lo - 1) + y(lo)) / 2;
+      const Value mean =
+          inside > 0 ? sum(lo, hi) / static_cast<Number>(inside) : (y(lo - 1) + y(lo)) / 2;
       return rounded(mean * width);
     }
     if (inside == 0) return rounded((line(a) + line(b)) / 2 * width);
@@ -50,7 +51,8 @@ class Integrator {
     const auto right = static_cast<Number>(b - static_cast<double>(hi));
     if (left > 0) ends = ends + (line(a) + y(lo)) / 2 * left;
     if (right > 0) ends = ends + (y(hi) + line(b)) / 2 * right;
-    return rounded(ends + (rule == IntegrationRule::trapezoidal ? trapezoids(lo, hi) : simpson(lo, hi)));
+    return rounded(ends +
+                   (rule == IntegrationRule::trapezoidal ? trapezoids(lo, hi) : simpson(lo, hi)));
   }
 
  private:
@@ -79,7 +81,8 @@ class Integrator {
     }
   }
 
-  /// Value of the straight line at a position; at a sample the sample itself, whatever its neighbour is.
+  /// Value of the straight line at a position; at a sample the sample itself, whatever its
+  /// neighbour is.
   [[nodiscard]] Value line(double position) const {
     const double below = std::floor(position);
     const auto i = static_cast<std::int64_t>(below);
@@ -89,7 +92,8 @@ class Integrator {
 
   [[nodiscard]] Value sum(std::int64_t from, std::int64_t to) const {
     if (to < from) return {};
-    const auto part = FSamples.subspan(static_cast<std::size_t>(from - 1), static_cast<std::size_t>(to - from + 1));
+    const auto part = FSamples.subspan(static_cast<std::size_t>(from - 1),
+                                       static_cast<std::size_t>(to - from + 1));
     const auto total = sumsOf<SumTerms, Number>(part, part)[0];
     if constexpr (kIsPair) {
       return total;
@@ -106,13 +110,17 @@ class Integrator {
   [[nodiscard]] Value simpson(std::int64_t lo, std::int64_t hi) const {
     switch (hi - lo + 1) {
       case 1:
-      case 2: return trapezoids(lo, hi);
-      case 3: return (y(lo) + y(lo + 1) * 4 + y(lo + 2)) / 3;
-      case 4: return (y(lo) + (y(lo + 1) + y(lo + 2)) * 3 + y(lo + 3)) * 3 / 8;
+      case 2:
+        return trapezoids(lo, hi);
+      case 3:
+        return (y(lo) + y(lo + 1) * 4 + y(lo + 2)) / 3;
+      case 4:
+        return (y(lo) + (y(lo + 1) + y(lo + 2)) * 3 + y(lo + 3)) * 3 / 8;
       case 5:
         return ((y(lo) + y(lo + 4)) * 7 + (y(lo + 1) + y(lo + 3)) * 32 + y(lo + 2) * 12) * 2 / 45;
       default:
-        return ((y(lo) + y(hi)) * 9 + (y(lo + 1) + y(hi - 1)) * 28 + (y(lo + 2) + y(hi - 2)) * 23) / 24 +
+        return ((y(lo) + y(hi)) * 9 + (y(lo + 1) + y(hi - 1)) * 28 + (y(lo + 2) + y(hi - 2)) * 23) /
+                   24 +
                sum(lo + 3, hi - 3);
     }
   }
@@ -122,13 +130,14 @@ class Integrator {
 
 }  // namespace detail
 
-/// Integral from a to b. Bounds are limited to 1..n and put in order; 0 for no samples or an interval of
-/// width 0, not-a-number for a bound that is not a number. The samples inside [a, b] enter by the rule,
-/// the rest of the interval up to a and b under the straight lines; with fewer than three samples inside
-/// simpson is trapezoidal, with none the mean rule takes the two samples that enclose the interval.
-/// Repeated in long double if a step leaves the double range.
+/// Integral from a to b. Bounds are limited to 1..n and put in order; 0 for no samples or an
+/// interval of width 0, not-a-number for a bound that is not a number. The samples inside [a, b]
+/// enter by the rule, the rest of the interval up to a and b under the straight lines; with fewer
+/// than three samples inside simpson is trapezoidal, with none the mean rule takes the two samples
+/// that enclose the interval. Repeated in long double if a step leaves the double range.
 template <class T>
-[[nodiscard]] double integrate(std::span<const T> samples, double a, double b, IntegrationRule rule) {
+[[nodiscard]] double integrate(std::span<const T> samples, double a, double b,
+                               IntegrationRule rule) {
   if (std::isnan(a) || std::isnan(b)) return std::numeric_limits<double>::quiet_NaN();
   const auto n = static_cast<double>(samples.size());
   if (n == 0) return 0;

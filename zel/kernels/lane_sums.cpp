@@ -10,8 +10,8 @@
 #define HWY_DISABLED_TARGETS (HWY_SVE | HWY_SVE2 | HWY_SVE_256 | HWY_SVE2_128 | HWY_RVV)
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "zel/kernels/lane_sums.cpp"
-#include "hwy/foreach_target.h"  // IWYU pragma: keep
 #include "hwy/cache_control.h"
+#include "hwy/foreach_target.h"  // IWYU pragma: keep
 #include "hwy/highway.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -23,44 +23,7 @@ namespace hn = hwy::HWY_NAMESPACE;
 #include "zel/kernels/double_double-inl.h"
 #include "zel/kernels/sum_terms-inl.h"
 
-// Sixteen lanes whatever the width of a vector: lane i takes the elements with index i modulo 16.
-constexpr std::size_t kSumLanes = 16;
-// After this many elements per lane the two running sums are folded into a double-double, which
-// bounds the error that the plain sums of rounding errors pick up: 128^2 * 2^-106 relative to the sum
-// of magnitudes. The run also stays in the first-level cache when it is read more than once.
-constexpr std::size_t kRunSteps = 128;
-constexpr std::size_t kPrefetchElements = 256;
-
-using LaneTag = hn::CappedTag<double, kSumLanes>;
-using LaneVec = hn::Vec<LaneTag>;
-constexpr std::size_t kVecLanes = hn::MaxLanes(LaneTag());
-constexpr std::size_t kVecsPerStep = kSumLanes / kVecLanes;
-
-/// Adds through the fused multiply-add units: a + b = 1 * a + b with one rounding, so the bits are
-/// those of an addition, but on machines with as many multipliers as adders a reduction that is all
-/// additions runs nearly twice as fast when they share the work. `one` comes from the caller at run
-/// time, since a compiler that knew it would turn the multiplication back into an addition.
-struct OnMultiplier {
-  LaneVec one;
-#if HWY_NATIVE_FMA
-  HWY_INLINE LaneVec add(LaneVec a, LaneVec b) const { return hn::MulAdd(one, a, b); }
-  HWY_INLINE LaneVec sub(LaneVec a, LaneVec b) const { return hn::NegMulAdd(one, b, a); }
-#else
-  HWY_INLINE LaneVec add(LaneVec a, LaneVec b) const { return hn::Add(a, b); }
-  HWY_INLINE LaneVec sub(LaneVec a, LaneVec b) const { return hn::Sub(a, b); }
-#endif
-};
-
-HWY_INLINE LaneVec loadLanes(LaneTag d, const double* x) { return hn::LoadU(d, x); }
-HWY_INLINE LaneVec loadLanes(LaneTag d, const std::int32_t* x) {
-  return hn::PromoteTo(d, hn::LoadU(hn::Rebind<std::int32_t, LaneTag>(), x));
-}
-
-template <std::size_t kSums>
-struct LaneSums {
-  alignas(64) double hi[kSums][kSumLanes];
-  alignas(64) double lo[kSums][kSumLanes];
-};
+#include "zel/kernels/lanes-inl.h"
 
 /// The elements after the last whole step, filled up with values that contribute exactly 0.
 struct PaddedStep {
@@ -74,8 +37,8 @@ HWY_INLINE void sumRun(const T* HWY_RESTRICT x, const T* HWY_RESTRICT y, std::si
                        const PaddedStep* tail, const Centre<double>& centre, double one,
                        LaneSums<Terms::kSums>& out) {
   const LaneTag d;
-  // As many vectors side by side as leave their sums in sixteen registers and hide the latency of the
-  // additions; what does not fit takes another walk over the run.
+  // As many vectors side by side as leave their sums in sixteen registers and hide the latency of
+  // the additions; what does not fit takes another walk over the run.
   constexpr std::size_t kWidth = HWY_MAX(std::size_t{1}, HWY_MIN(kVecsPerStep, 4 / Terms::kSums));
   const OnMultiplier unit{hn::Set(d, one)};
   const Centre<LaneVec> c{hn::Set(d, centre.x), hn::Set(d, centre.y)};
@@ -105,55 +68,23 @@ HWY_INLINE void sumRun(const T* HWY_RESTRICT x, const T* HWY_RESTRICT y, std::si
   }
 }
 
-/// total = total + run in every lane; the first run only needs to be normalised.
+/// Adds the run to every lane of the total.
 template <std::size_t kSums>
 HWY_INLINE void foldRun(const LaneSums<kSums>& run, bool isFirst, LaneSums<kSums>& total) {
   const LaneTag d;
   for (std::size_t k = 0; k < kSums; ++k) {
     for (std::size_t at = 0; at < kSumLanes; at += kVecLanes) {
-      Twofold<LaneVec> sum = twoSum(hn::Load(d, run.hi[k] + at), hn::Load(d, run.lo[k] + at));
-      if (!isFirst) sum = add({hn::Load(d, total.hi[k] + at), hn::Load(d, total.lo[k] + at)}, sum);
-      hn::Store(sum.hi, d, total.hi[k] + at);
-      hn::Store(sum.lo, d, total.lo[k] + at);
+      foldInto(hn::Load(d, run.hi[k] + at), hn::Load(d, run.lo[k] + at), isFirst, total.hi[k] + at, total.lo[k] + at);
     }
-  }
-}
-
-/// Lane i takes lane i + width, for the widths 8, 4, 2, 1.
-template <std::size_t kSums>
-HWY_INLINE void addLanes(LaneSums<kSums>& total, double* out) {
-  const LaneTag d;
-  for (std::size_t k = 0; k < kSums; ++k) {
-    double* hi = total.hi[k];
-    double* lo = total.lo[k];
-    std::size_t width = kSumLanes / 2;
-    for (; width >= kVecLanes; width /= 2) {
-      for (std::size_t at = 0; at < width; at += kVecLanes) {
-        const Twofold<LaneVec> sum =
-            add(Twofold<LaneVec>{hn::Load(d, hi + at), hn::Load(d, lo + at)},
-                Twofold<LaneVec>{hn::Load(d, hi + at + width), hn::Load(d, lo + at + width)});
-        hn::Store(sum.hi, d, hi + at);
-        hn::Store(sum.lo, d, lo + at);
-      }
-    }
-    for (; width >= 1; width /= 2) {
-      for (std::size_t at = 0; at < width; ++at) {
-        const Twofold<double> sum = add(Twofold<double>{hi[at], lo[at]}, Twofold<double>{hi[at + width], lo[at + width]});
-        hi[at] = sum.hi;
-        lo[at] = sum.lo;
-      }
-    }
-    out[2 * k] = hi[0];
-    out[2 * k + 1] = lo[0];
   }
 }
 
 /// All sums of the terms over n elements; y may be x where the terms use one array only. Padding is
-/// centre.x and centre.y, whose contribution is 0 for every kind of terms (plain sums have centre 0).
+/// centre.x and centre.y, whose contribution is 0 for every kind of terms (plain sums have centre
+/// 0).
 template <class Terms, class T>
-void sumLanes(const T* HWY_RESTRICT x, const T* HWY_RESTRICT y, std::size_t n, const Centre<double>& centre,
-              double one, double* out) {
-  constexpr std::size_t kRunElements = kRunSteps * kSumLanes;
+void sumLanes(const T* HWY_RESTRICT x, const T* HWY_RESTRICT y, std::size_t n,
+              const Centre<double>& centre, double one, double* out) {
   LaneSums<Terms::kSums> total;
   LaneSums<Terms::kSums> run;
   PaddedStep tail;
@@ -172,28 +103,36 @@ void sumLanes(const T* HWY_RESTRICT x, const T* HWY_RESTRICT y, std::size_t n, c
 }
 
 template <class T>
-void sumsOfKind(SumKind kind, const T* x, const T* y, std::size_t n, double centreX, double centreY, double one,
-                double* out) {
+void sumsOfKind(SumKind kind, const T* x, const T* y, std::size_t n, double centreX, double centreY,
+                double one, double* out) {
   const Centre<double> c{centreX, centreY};
   switch (kind) {
-    case SumKind::sum: return sumLanes<SumTerms>(x, y, n, c, one, out);
-    case SumKind::squares: return sumLanes<SquareTerms>(x, y, n, c, one, out);
-    case SumKind::products: return sumLanes<ProductTerms>(x, y, n, c, one, out);
-    case SumKind::squaredDifferences: return sumLanes<SquaredDifferenceTerms>(x, y, n, c, one, out);
-    case SumKind::rawMoments: return sumLanes<RawMomentTerms>(x, y, n, c, one, out);
-    case SumKind::centredMoments: return sumLanes<CentredMomentTerms>(x, y, n, c, one, out);
-    case SumKind::centredPowers: return sumLanes<CentredPowerTerms>(x, y, n, c, one, out);
-    case SumKind::centredProducts: return sumLanes<CentredProductTerms>(x, y, n, c, one, out);
+    case SumKind::sum:
+      return sumLanes<SumTerms>(x, y, n, c, one, out);
+    case SumKind::squares:
+      return sumLanes<SquareTerms>(x, y, n, c, one, out);
+    case SumKind::products:
+      return sumLanes<ProductTerms>(x, y, n, c, one, out);
+    case SumKind::squaredDifferences:
+      return sumLanes<SquaredDifferenceTerms>(x, y, n, c, one, out);
+    case SumKind::rawMoments:
+      return sumLanes<RawMomentTerms>(x, y, n, c, one, out);
+    case SumKind::centredMoments:
+      return sumLanes<CentredMomentTerms>(x, y, n, c, one, out);
+    case SumKind::centredPowers:
+      return sumLanes<CentredPowerTerms>(x, y, n, c, one, out);
+    case SumKind::centredProducts:
+      return sumLanes<CentredProductTerms>(x, y, n, c, one, out);
   }
 }
 
-void sumsOfDoubles(SumKind kind, const double* x, const double* y, std::size_t n, double centreX, double centreY,
-                   double one, double* out) {
+void sumsOfDoubles(SumKind kind, const double* x, const double* y, std::size_t n, double centreX,
+                   double centreY, double one, double* out) {
   sumsOfKind(kind, x, y, n, centreX, centreY, one, out);
 }
 
-void sumsOfIntegers(SumKind kind, const std::int32_t* x, const std::int32_t* y, std::size_t n, double centreX,
-                    double centreY, double one, double* out) {
+void sumsOfIntegers(SumKind kind, const std::int32_t* x, const std::int32_t* y, std::size_t n,
+                    double centreX, double centreY, double one, double* out) {
   sumsOfKind(kind, x, y, n, centreX, centreY, one, out);
 }
 
@@ -212,13 +151,13 @@ namespace {
 volatile double gOne = 1;
 }  // namespace
 
-void laneSums(SumKind kind, const double* x, const double* y, std::size_t n, const Centre<double>& centre,
-              double* out) {
+void laneSums(SumKind kind, const double* x, const double* y, std::size_t n,
+              const Centre<double>& centre, double* out) {
   HWY_DYNAMIC_DISPATCH(sumsOfDoubles)(kind, x, y, n, centre.x, centre.y, gOne, out);
 }
 
-void laneSums(SumKind kind, const std::int32_t* x, const std::int32_t* y, std::size_t n, const Centre<double>& centre,
-              double* out) {
+void laneSums(SumKind kind, const std::int32_t* x, const std::int32_t* y, std::size_t n,
+              const Centre<double>& centre, double* out) {
   HWY_DYNAMIC_DISPATCH(sumsOfIntegers)(kind, x, y, n, centre.x, centre.y, gOne, out);
 }
 

@@ -1,6 +1,6 @@
 /// @file
-/// The engine of the double-double reductions: which sums there are, the fast path over sixteen lanes
-/// and the slow path in long double. sums.h and moments.h are what callers want.
+/// The engine of the double-double reductions: which sums there are, the fast path over sixteen
+/// lanes and the slow path in long double. sums.h and moments.h are what callers want.
 #pragma once
 
 #include <array>
@@ -27,12 +27,12 @@ enum class SumKind : std::uint8_t {
 
 #include "zel/kernels/sum_terms-inl.h"
 
-/// Writes the sums of the kind as pairs hi, lo. A part is not finite if an element is not finite or a
-/// step left the double range.
-void laneSums(SumKind kind, const double* x, const double* y, std::size_t n, const Centre<double>& centre,
-              double* out);
-void laneSums(SumKind kind, const std::int32_t* x, const std::int32_t* y, std::size_t n, const Centre<double>& centre,
-              double* out);
+/// Writes the sums of the kind as pairs hi, lo. A part is not finite if an element is not finite or
+/// a step left the double range.
+void laneSums(SumKind kind, const double* x, const double* y, std::size_t n,
+              const Centre<double>& centre, double* out);
+void laneSums(SumKind kind, const std::int32_t* x, const std::int32_t* y, std::size_t n,
+              const Centre<double>& centre, double* out);
 
 /// Sums in one number type: double is the fast path, long double the slow one with the wide range.
 template <class Terms, class Number>
@@ -51,7 +51,8 @@ template <class Terms, class Number, class T>
     std::array<Number, Terms::kSums> s{};
     std::array<Number, Terms::kSums> e{};
     for (std::size_t i = 0; i < x.size(); ++i) {
-      Terms::add(static_cast<Number>(x[i]), static_cast<Number>(y[i]), centre, s.data(), e.data(), OnAdder{});
+      Terms::add(static_cast<Number>(x[i]), static_cast<Number>(y[i]), centre, s.data(), e.data(),
+                 OnAdder{});
     }
     // Nothing overflows here, so a sum that is not finite is what a plain loop gives.
     for (std::size_t k = 0; k < Terms::kSums; ++k) {

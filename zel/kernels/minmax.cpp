@@ -46,7 +46,8 @@ void findMinMax(const T* x, std::size_t n, MinMax<T>& result) {
     for (; i + 2 * lanes <= to; i += 2 * lanes) {
       const auto a = hn::LoadU(d, x + i);
       const auto b = hn::LoadU(d, x + i + lanes);
-      // Comparisons and not Min and Max, which treat not-a-number differently on different machines.
+      // Comparisons and not Min and Max, which treat not-a-number differently on different
+      // machines.
       low0 = hn::IfThenElse(hn::Lt(a, low0), a, low0);
       low1 = hn::IfThenElse(hn::Lt(b, low1), b, low1);
       high0 = hn::IfThenElse(hn::Gt(a, high0), a, high0);
@@ -80,8 +81,12 @@ void findMinMax(const T* x, std::size_t n, MinMax<T>& result) {
   }
 }
 
-void findMinMaxDouble(const double* x, std::size_t n, MinMax<double>& result) { findMinMax(x, n, result); }
-void findMinMaxInt(const std::int32_t* x, std::size_t n, MinMax<std::int32_t>& result) { findMinMax(x, n, result); }
+void findMinMaxDouble(const double* x, std::size_t n, MinMax<double>& result) {
+  findMinMax(x, n, result);
+}
+void findMinMaxInt(const std::int32_t* x, std::size_t n, MinMax<std::int32_t>& result) {
+  findMinMax(x, n, result);
+}
 
 }  // namespace
 }  // namespace zel::kernels::HWY_NAMESPACE

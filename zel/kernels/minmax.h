@@ -34,10 +34,11 @@ struct MinMaxStart<std::int32_t> {
   std::int32_t maximum = -2147483647;
 };
 
-/// An element strictly below the minimum so far (strictly above the maximum) replaces it, so the first
-/// of equal elements wins (-0 and 0 are equal) and not-a-number never does. One pass; a second look at
-/// one block finds each position.
+/// An element strictly below the minimum so far (strictly above the maximum) replaces it, so the
+/// first of equal elements wins (-0 and 0 are equal) and not-a-number never does. One pass; a
+/// second look at one block finds each position.
 [[nodiscard]] MinMax<double> minMax(std::span<const double> x, MinMaxStart<double> start = {});
-[[nodiscard]] MinMax<std::int32_t> minMax(std::span<const std::int32_t> x, MinMaxStart<std::int32_t> start = {});
+[[nodiscard]] MinMax<std::int32_t> minMax(std::span<const std::int32_t> x,
+                                          MinMaxStart<std::int32_t> start = {});
 
 }  // namespace zel::kernels

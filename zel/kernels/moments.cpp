@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "zel/kernels/lane_sums.h"
+#include "zel/kernels/split_sums.h"
 #include "zel/kernels/sums.h"
 
 namespace zel::kernels {
@@ -39,13 +40,15 @@ MeanVariance extendedMeanVariance(std::span<const T> x) {
   const Extended mean = extendedMean(x);
   const auto s = sumsOf<CentredMomentTerms, Extended>(x, x, {mean, 0});
   const auto n = static_cast<Extended>(x.size());
-  if (!isFinite(s[0]) || !isFinite(s[1])) return {static_cast<double>(mean), static_cast<double>(s[1].hi / n)};
-  return {static_cast<double>(mean), static_cast<double>((spread(s[0], s[1], {n, 0}) / (n - 1)).hi)};
+  if (!isFinite(s[0]) || !isFinite(s[1]))
+    return {static_cast<double>(mean), static_cast<double>(s[1].hi / n)};
+  return {static_cast<double>(mean),
+          static_cast<double>((spread(s[0], s[1], {n, 0}) / (n - 1)).hi)};
 }
 
+/// Mean and variance from error-free sums.
 template <class T>
-MeanVariance meanVarianceOf(std::span<const T> x) {
-  if (x.size() < 3) return {mean(x), 1};
+MeanVariance accurateMeanVariance(std::span<const T> x) {
   const auto n = twofoldOf<double>(x.size());
   const auto raw = sumsOf<RawMomentTerms, double>(x, x);
   const auto [sum, squares] = raw;
@@ -62,9 +65,52 @@ MeanVariance meanVarianceOf(std::span<const T> x) {
   return {mean.hi, (s / static_cast<double>(x.size() - 1)).hi};
 }
 
-/// Population skewness and kurtosis + 3 from the power sums about c; nothing if a step left the range
-/// of T. The mean is mu = c + s1 / n; moving the moments there costs a few operations and makes the
-/// result independent of how the centre was rounded.
+/// A centre for the fast sums, guessed from the first elements: 0 unless they lie far from it.
+template <class T>
+double guessedCentre(std::span<const T> x) {
+  const auto [low, high] = std::minmax_element(x.begin(), x.begin() + 16);
+  const double half = (static_cast<double>(*high) - static_cast<double>(*low)) / 2;
+  const double middle = static_cast<double>(*low) + half;
+  return std::abs(middle) <= 8 * half || !std::isfinite(middle) ? 0 : middle;
+}
+
+/// sum of d^2 about the mean where the fast sums give it to an ulp or two, else a negative number.
+/// Deviations from a centre other than 0 are rounded; as long as the centre is within two standard
+/// deviations of the mean, that changes the result by 2^-51 of itself at most, usually far less.
+DoubleDouble fastSpread(const SplitMoments& m, DoubleDouble n, double centre) {
+  const DoubleDouble s = spread(m.sum.value, m.squares.value, n);
+  const double error = m.squares.error + 2 * std::abs(m.sum.value.hi) / n.hi * m.sum.error;
+  const bool isGood = error <= 0x1p-55 * s.hi && (centre == 0 || m.squares.value.hi <= 4 * s.hi);
+  return isGood ? s : DoubleDouble{-1, 0};
+}
+
+// From this length the fast sums beat the setting up of their unit.
+constexpr std::size_t kLongSample = 128;
+
+template <class T>
+MeanVariance meanVarianceOf(std::span<const T> x) {
+  if (x.size() < 3) return {mean(x), 1};
+  if (x.size() < kLongSample) return accurateMeanVariance(x);
+  const auto n = twofoldOf<double>(x.size());
+  const double centre = guessedCentre(x);
+  const SplitMoments m = splitMoments(x.data(), x.size(), centre);
+  DoubleDouble average = DoubleDouble{centre, 0} + m.sum.value / n;
+  const double roundings = centre == 0 ? 0 : 0x1p-53 * std::sqrt(m.squares.value.hi / n.hi);
+  const double meanError = m.sum.error / n.hi + roundings;
+  if (!(meanError <= 0x1p-55 * std::abs(average.hi))) {
+    average = sum(x) / n;  // close to 0 beside the spread
+    if (!isFinite(average)) return accurateMeanVariance(x);
+  }
+  if (m.squares.value.hi == 0 && isConstant(x)) return {average.hi, 0};
+  DoubleDouble s = fastSpread(m, n, centre);
+  if (s.hi < 0) s = fastSpread(splitMoments(x.data(), x.size(), average.hi), n, average.hi);
+  if (s.hi < 0) return accurateMeanVariance(x);
+  return {average.hi, (s / static_cast<double>(x.size() - 1)).hi};
+}
+
+/// Population skewness and kurtosis + 3 from the power sums about c; nothing if a step left the
+/// range of T. The mean is mu = c + s1 / n; moving the moments there costs a few operations and
+/// makes the result independent of how the centre was rounded.
 template <class T>
 struct StandardMoments {
   Twofold<T> skewness{0, 0};
@@ -88,15 +134,17 @@ template <class T>
 Shape shapeFrom(const StandardMoments<T>& moments, std::size_t count, ShapeForm form) {
   const Twofold<T> three{3, 0};
   if (form == ShapeForm::population) {
-    return {static_cast<double>(moments.skewness.hi), static_cast<double>((moments.kurtosis - three).hi)};
+    return {static_cast<double>(moments.skewness.hi),
+            static_cast<double>((moments.kurtosis - three).hi)};
   }
   const auto n = twofoldOf<T>(count);
   const auto minus1 = twofoldOf<T>(count - 1);
   const auto minus2 = twofoldOf<T>(count - 2);
   const auto minus3 = twofoldOf<T>(count - 3);
   const Twofold<T> skewness = moments.skewness * n * n / (minus1 * minus2);
-  const Twofold<T> kurtosis = moments.kurtosis * n * n * (n + Twofold<T>{1, 0}) / (minus1 * minus2 * minus3) -
-                              minus1 * minus1 * T(3) / (minus2 * minus3);
+  const Twofold<T> kurtosis =
+      moments.kurtosis * n * n * (n + Twofold<T>{1, 0}) / (minus1 * minus2 * minus3) -
+      minus1 * minus1 * T(3) / (minus2 * minus3);
   return {static_cast<double>(skewness.hi), static_cast<double>(kurtosis.hi)};
 }
 
@@ -109,7 +157,8 @@ Shape shapeOf(std::span<const T> x, ShapeForm form) {
   const auto s = sumsOf<CentredPowerTerms, double>(x, x, {mean(x), 0});
   if (allFinite(s) && (s[3].hi >= kSmallFourthPowers || isConstant(x))) {
     const auto moments = standardMoments<double>(s, x.size());
-    if (isFinite(moments.skewness) && isFinite(moments.kurtosis)) return shapeFrom(moments, x.size(), form);
+    if (isFinite(moments.skewness) && isFinite(moments.kurtosis))
+      return shapeFrom(moments, x.size(), form);
   }
   const auto wide = sumsOf<CentredPowerTerms, Extended>(x, x, {extendedMean(x), 0});
   if (!allFinite(wide)) {
@@ -154,7 +203,8 @@ double pearson(std::span<const T> x, std::span<const T> y) {
   if (x.size() != y.size() || x.size() < 2) return 0;
   const CentredProducts c = centredProductsOf(x, y);
   const bool isInRange = isFinite(c.xx) && isFinite(c.yy) && isFinite(c.xy);
-  if (isInRange && (c.xx.hi >= kSmallSquares || isConstant(x)) && (c.yy.hi >= kSmallSquares || isConstant(y))) {
+  if (isInRange && (c.xx.hi >= kSmallSquares || isConstant(x)) &&
+      (c.yy.hi >= kSmallSquares || isConstant(y))) {
     return correlation(c.xx, c.yy, c.xy);
   }
   auto wide = sumsOf<CentredProductTerms, Extended>(x, y, {extendedMean(x), extendedMean(y)});
@@ -178,7 +228,11 @@ CentredProducts centredProducts(std::span<const std::int32_t> x, std::span<const
   return centredProductsOf(x, y);
 }
 
-double pearsonCorrelation(std::span<const double> x, std::span<const double> y) { return pearson(x, y); }
-double pearsonCorrelation(std::span<const std::int32_t> x, std::span<const std::int32_t> y) { return pearson(x, y); }
+double pearsonCorrelation(std::span<const double> x, std::span<const double> y) {
+  return pearson(x, y);
+}
+double pearsonCorrelation(std::span<const std::int32_t> x, std::span<const std::int32_t> y) {
+  return pearson(x, y);
+}
 
 }  // namespace zel::kernels

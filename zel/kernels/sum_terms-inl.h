@@ -2,8 +2,8 @@
 // double_double-inl.h, which must come first, this is included for numbers and once per instruction
 // set: the same text feeds sixteen lanes of doubles and the slow path in long double.
 //
-// Each kernel keeps kSums running sums s[k] with plain running sums e[k] of everything that rounding
-// split off. s[k] alone is what a plain loop computes.
+// Each kernel keeps kSums running sums s[k] with plain running sums e[k] of everything that
+// rounding split off. s[k] alone is what a plain loop computes.
 
 /// Adds term + correction to the sum (s, e); the correction is small beside the term.
 template <class V, class Unit>
@@ -121,7 +121,8 @@ struct CentredProductTerms {
   static constexpr SumKind kKind = SumKind::centredProducts;
   static constexpr std::size_t kSums = 5;
   template <class V, class Unit>
-  [[gnu::always_inline]] static void add(V x, V y, const Centre<V>& c, V* s, V* e, const Unit& unit) {
+  [[gnu::always_inline]] static void add(V x, V y, const Centre<V>& c, V* s, V* e,
+                                         const Unit& unit) {
     const Twofold<V> dx = twoDiff(x, c.x);
     const Twofold<V> dy = twoDiff(y, c.y);
     const Twofold<V> p = twoProduct(dx.hi, dy.hi);

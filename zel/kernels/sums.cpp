@@ -5,6 +5,7 @@
 #include <cstddef>
 
 #include "zel/kernels/lane_sums.h"
+#include "zel/kernels/split_sums.h"
 
 namespace zel::kernels {
 
@@ -15,7 +16,8 @@ template <class T>
 bool hasTinyProduct(std::span<const T> x, std::span<const T> y) {
   for (std::size_t i = 0; i < x.size(); ++i) {
     if (x[i] == 0 || y[i] == 0) continue;
-    if (std::abs(static_cast<double>(x[i]) * static_cast<double>(y[i])) < kSmallSquares) return true;
+    if (std::abs(static_cast<double>(x[i]) * static_cast<double>(y[i])) < kSmallSquares)
+      return true;
   }
   return false;
 }
@@ -33,6 +35,20 @@ bool isReliable(DoubleDouble fast, std::span<const T> x, std::span<const T> y) {
   }
 }
 
+// From this length the fast sum beats the setting up of its unit.
+constexpr std::size_t kLongSum = 128;
+
+template <class Terms, class T>
+DoubleDouble fastSum(std::span<const T> x, std::span<const T> y) {
+  if constexpr (std::is_same_v<Terms, SumTerms>) {
+    if (x.size() >= kLongSum) {
+      const BoundedSum split = splitSum(x.data(), x.size());
+      if (split.error <= 0x1p-57 * std::abs(split.value.hi)) return split.value;
+    }
+  }
+  return sumsOf<Terms, double>(x, y)[0];
+}
+
 template <class Terms, class T>
 Twofold<Extended> extended(std::span<const T> x, std::span<const T> y) {
   return sumsOf<Terms, Extended>(x, y)[0];
@@ -47,13 +63,13 @@ DoubleDouble narrowed(Twofold<Extended> a) {
 
 template <class Terms, class T>
 DoubleDouble one(std::span<const T> x, std::span<const T> y) {
-  const DoubleDouble fast = sumsOf<Terms, double>(x, y)[0];
+  const DoubleDouble fast = fastSum<Terms>(x, y);
   return isReliable<Terms>(fast, x, y) ? fast : narrowed(extended<Terms>(x, y));
 }
 
 template <class Terms, class T>
 double root(std::span<const T> x, std::span<const T> y) {
-  const DoubleDouble fast = sumsOf<Terms, double>(x, y)[0];
+  const DoubleDouble fast = fastSum<Terms>(x, y);
   if (isReliable<Terms>(fast, x, y)) return sqrt(fast).hi;
   const Twofold<Extended> slow = extended<Terms>(x, y);
   return static_cast<double>(std::isfinite(slow.hi) ? sqrt(slow).hi : std::sqrt(slow.hi));
@@ -62,7 +78,7 @@ double root(std::span<const T> x, std::span<const T> y) {
 template <class T>
 double meanOf(std::span<const T> x) {
   if (x.empty()) return 0;
-  const DoubleDouble fast = sumsOf<SumTerms, double>(x, x)[0];
+  const DoubleDouble fast = fastSum<SumTerms>(x, x);
   if (isFinite(fast)) return (fast / twofoldOf<double>(x.size())).hi;
   const Twofold<Extended> slow = extended<SumTerms>(x, x);
   const auto n = static_cast<Extended>(x.size());
@@ -81,7 +97,8 @@ void cut(std::span<const T>& x, std::span<const T>& y) {
 template <class T>
 void overlap(std::span<const T>& x, std::span<const T>& y, std::int64_t shift) {
   // In unsigned arithmetic, so that no shift overflows.
-  const auto magnitude = shift < 0 ? 0 - static_cast<std::uint64_t>(shift) : static_cast<std::uint64_t>(shift);
+  const auto magnitude =
+      shift < 0 ? 0 - static_cast<std::uint64_t>(shift) : static_cast<std::uint64_t>(shift);
   std::span<const T>& moved = shift < 0 ? y : x;
   moved = moved.subspan(static_cast<std::size_t>(std::min<std::uint64_t>(magnitude, moved.size())));
   cut(x, y);
@@ -133,14 +150,16 @@ std::optional<double> geometricMeanOf(std::span<const T> x) {
     }
   }
   if (special != 0) return special;
-  // 2^(exponent / n) is split into a whole power of two, which is exact, and a rest within half a bit.
+  // 2^(exponent / n) is split into a whole power of two, which is exact, and a rest within half a
+  // bit.
   const auto n = static_cast<std::int64_t>(x.size());
   const std::int64_t whole = (exponent >= 0 ? exponent + n / 2 : exponent - n / 2) / n;
   const std::int64_t rest = exponent - whole * n;
   constexpr Extended kLn2 = 0.693147180559945309417232121458176568L;
-  const Extended logarithm = std::log(static_cast<Extended>(significand.hi)) +
-                             static_cast<Extended>(significand.lo) / static_cast<Extended>(significand.hi) +
-                             static_cast<Extended>(rest) * kLn2;
+  const Extended logarithm =
+      std::log(static_cast<Extended>(significand.hi)) +
+      static_cast<Extended>(significand.lo) / static_cast<Extended>(significand.hi) +
+      static_cast<Extended>(rest) * kLn2;
   const Extended root = std::exp(logarithm / static_cast<Extended>(n));
   return static_cast<double>(std::ldexp(root, static_cast<int>(whole)));
 }
@@ -166,7 +185,8 @@ DoubleDouble sumOfSquaredDifferences(std::span<const double> x, std::span<const 
   cut(x, y);
   return one<SquaredDifferenceTerms>(x, y);
 }
-DoubleDouble sumOfSquaredDifferences(std::span<const std::int32_t> x, std::span<const std::int32_t> y) {
+DoubleDouble sumOfSquaredDifferences(std::span<const std::int32_t> x,
+                                     std::span<const std::int32_t> y) {
   cut(x, y);
   return one<SquaredDifferenceTerms>(x, y);
 }
@@ -186,7 +206,8 @@ double euclideanDistance(std::span<const std::int32_t> x, std::span<const std::i
   return root<SquaredDifferenceTerms>(x, y);
 }
 
-double shiftedCrossProduct(std::span<const double> x, std::span<const double> y, std::int64_t shift) {
+double shiftedCrossProduct(std::span<const double> x, std::span<const double> y,
+                           std::int64_t shift) {
   overlap(x, y, shift);
   return x.size() < 2 ? 0 : sumOfProducts(x, y).hi;
 }
@@ -197,7 +218,8 @@ std::int64_t integerSum(std::span<const std::int32_t> x) {
   return static_cast<std::int64_t>(total);
 }
 
-std::int64_t integerSumOfProducts(std::span<const std::int32_t> x, std::span<const std::int32_t> y) {
+std::int64_t integerSumOfProducts(std::span<const std::int32_t> x,
+                                  std::span<const std::int32_t> y) {
   cut(x, y);
   std::uint64_t total = 0;
   for (std::size_t i = 0; i < x.size(); ++i) {
@@ -206,8 +228,8 @@ std::int64_t integerSumOfProducts(std::span<const std::int32_t> x, std::span<con
   return static_cast<std::int64_t>(total);
 }
 
-std::int64_t integerShiftedCrossProduct(std::span<const std::int32_t> x, std::span<const std::int32_t> y,
-                                        std::int64_t shift) {
+std::int64_t integerShiftedCrossProduct(std::span<const std::int32_t> x,
+                                        std::span<const std::int32_t> y, std::int64_t shift) {
   overlap(y, x, shift);
   return integerSumOfProducts(x, y);
 }
