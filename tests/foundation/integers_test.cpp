@@ -123,10 +123,8 @@ TEST(Bits, PowersAndTheirIndices) {
     ASSERT_EQ(EncodeLong(DecodeLong(ix)), ix);
     ASSERT_EQ(DecodeBit(ix), ix < 8 ? 1 << ix : 0);
   }
-  EXPECT_EQ(DecodeLong(31), kIntMin);
   EXPECT_EQ(DecodeLong(32) + DecodeLong(-1) + DecodeBit(-1), 0);
   EXPECT_EQ(EncodeLong(0), 31);
-  EXPECT_EQ(EncodeLong(96), 5);
 }
 
 template <class T>

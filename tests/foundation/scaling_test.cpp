@@ -27,6 +27,7 @@ struct Scale {
   Extended start = -1;
   Extended step = -1;
   std::uint16_t subTicks = 99;
+  bool operator==(const Scale&) const = default;
 };
 Scale scale(int ticks, Extended x1, Extended x2) {
   Scale s;
@@ -89,32 +90,21 @@ TEST(Round125, EndsOfTheRange) {
   EXPECT_EQ(Round125(0), 0);
 }
 
-TEST(CalcScalePars, PublishedValues) {
-  Scale s = scale(4, 0, 100);
-  EXPECT_EQ(s.start, 0);
-  EXPECT_EQ(s.step, 20);
-  EXPECT_EQ(s.subTicks, 4);
-  s = scale(4, 100, 0);
-  EXPECT_EQ(s.start, 100);
-  EXPECT_EQ(s.step, -20);
-  s = scale(5, 0, 100);
-  EXPECT_EQ(s.step, 10);
-  EXPECT_EQ(s.subTicks, 5);
-  EXPECT_EQ(scale(5, 0, 1).step, 0.1L);
-  EXPECT_EQ(scale(4, 0, 2e-9L).step, 2e-10L);  // at a class limit, which belongs to the class below
+TEST(CalcScalePars, ClassLimitsAndDirections) {
+  EXPECT_EQ(scale(4, 0, 100), (Scale{0, 20, 4}));
+  EXPECT_EQ(scale(4, 100, 0), (Scale{100, -20, 4}));
+  EXPECT_EQ(scale(5, 0, 100), (Scale{0, 10, 5}));  // a limit belongs to the class below
+  EXPECT_EQ(scale(4, 0, 2e-9L), (Scale{0, 2e-10L, 4}));
+  EXPECT_EQ(scale(5, 0, 1), (Scale{0, 0.1L, 5}));
 }
 
 TEST(CalcScalePars, WithoutWishForTicks) {
-  Scale s = scale(0, 2.3, 9);
-  EXPECT_EQ(s.start, 3);
-  EXPECT_EQ(s.step, 1);
-  EXPECT_EQ(s.subTicks, 5);
-  EXPECT_EQ(scale(0, 2.0005, 9).start, 2);  // within a thousandth
-  EXPECT_EQ(scale(0, -2.3, 19).start, -2);
-  EXPECT_EQ(scale(0, -2.3, 19).subTicks, 1);
-  EXPECT_EQ(scale(0, 2.3, -9).start, 1);
-  EXPECT_EQ(scale(0, -2.3, -9).start, -3);
-  EXPECT_EQ(scale(0, 1e30L, 2e30L).start, 1e30L);
+  EXPECT_EQ(scale(0, 2.3, 9), (Scale{3, 1, 5}));
+  EXPECT_EQ(scale(0, 2.0005, 9), (Scale{2, 1, 5}));  // within a thousandth
+  EXPECT_EQ(scale(0, -2.3, 19), (Scale{-2, 1, 1}));
+  EXPECT_EQ(scale(0, 2.3, -9), (Scale{1, 1, 1}));
+  EXPECT_EQ(scale(-3, -2.3, -9), (Scale{-3, 1, 5}));
+  EXPECT_EQ(scale(0, 1e30L, 2e30L), (Scale{1e30L, 1, 1}));
 }
 
 TEST(CalcScalePars, StepsAreRoundAndStartIsTheFirstMultiple) {
@@ -147,11 +137,9 @@ TEST(CalcScalePars, DegenerateRangesEnd) {
   for (const int ticks : {0, 3, -3}) {
     for (const auto& [x1, x2] :
          {std::pair<Extended, Extended>{4, 4}, {kInf, 1}, {1, -kInf}, {1, nan}}) {
-      const Scale s = scale(ticks, x1, x2);
-      EXPECT_TRUE(s.start == x1 && s.step == 0 && s.subTicks == 1);
+      EXPECT_EQ(scale(ticks, x1, x2), (Scale{x1, 0, 1}));
     }
   }
-  EXPECT_EQ(scale(-3, 2.5, 9).step, 1);
   EXPECT_EQ(scale(kIntMax, 0, tiny).step, 0);
   EXPECT_EQ(scale(1, -huge, huge).step, 0);
   const Scale s = scale(4, -huge, huge);  // the range overflows, the step does not

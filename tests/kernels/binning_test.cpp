@@ -5,9 +5,9 @@
 #include <random>
 #include <vector>
 
+#include "zel/kernels/elementwise.h"
 #include "zel/kernels/histogram.h"
 #include "zel/kernels/integrate.h"
-#include "zel/kernels/transforms.h"
 
 namespace zel::kernels {
 namespace {
@@ -18,52 +18,53 @@ constexpr std::int32_t kIntMin = std::numeric_limits<std::int32_t>::min();
 constexpr std::int32_t kIntMax = std::numeric_limits<std::int32_t>::max();
 
 TEST(Binning, NumberOfBins) {
-  EXPECT_EQ(binCount(0.0, 2.0, 1.0), 3);
-  EXPECT_EQ(binCount(2.0, 0.0, 1.0), 3);
-  EXPECT_EQ(binCount(0.0, 2.5, 1.0), 3) << "halves go to the even number";
-  EXPECT_EQ(binCount(0.0, 499.4, 1.0), 500);
-  EXPECT_EQ(binCount(0.0, 499.5, 1.0), std::nullopt) << "499.5 rounds to 500, one bin too many";
-  for (const double width : {0.0, -1.0, kNan, 1e-320}) EXPECT_EQ(binCount(0.0, 2.0, width), std::nullopt) << width;
-  EXPECT_EQ(binCount(-kInf, 2.0, 1.0), std::nullopt);
-  EXPECT_EQ(binCount(-1e308, 1e308, 1e300), std::nullopt);
-  EXPECT_EQ(binCount(0, 1000, 1), std::nullopt);
-  EXPECT_EQ(binCount(0, 999, 2), 500);
-  EXPECT_EQ(binCount(5, 0, -7), 6) << "a width below 1 is 1";
-  EXPECT_EQ(binCount(kIntMin, kIntMax, kIntMax), 3);
+  EXPECT_EQ(numberOfBins(0.0, 2.0, 1.0), 3);
+  EXPECT_EQ(numberOfBins(2.0, 0.0, 1.0), 3);
+  EXPECT_EQ(numberOfBins(0.0, 2.5, 1.0), 3) << "halves go to the even number";
+  EXPECT_EQ(numberOfBins(0.0, 3.5, 1.0), 5);
+  for (const double width : {0.0, -1.0, kNan, 1e-320}) EXPECT_EQ(numberOfBins(0.0, 2.0, width), 0) << width;
+  EXPECT_EQ(numberOfBins(-kInf, 2.0, 1.0), 0);
+  EXPECT_EQ(numberOfBins(-1e308, 1e308, 1e300), 0) << "the range leaves the doubles";
+  EXPECT_EQ(numberOfBins(0.0, 1e300, 1.0), kIntMax);
+  EXPECT_EQ(numberOfBins(0, 999, 2), 500);
+  EXPECT_EQ(numberOfBins(5, 0, 0), 0);
+  EXPECT_EQ(numberOfBins(kIntMin, kIntMax, kIntMax), 3);
+  EXPECT_EQ(numberOfBins(kIntMin, kIntMax, 1), kIntMax);
+}
+
+/// What a counter makes of some values.
+template <class T>
+struct Counted {
+  std::vector<int> bins;
+  int underflow, overflow, most;
+  bool operator==(const Counted&) const = default;
+};
+
+template <class T>
+Counted<T> counted(T first, T last, T width, int bins, const std::vector<T>& values) {
+  std::vector<int> counts(static_cast<std::size_t>(bins));
+  HistogramCounter counter(first, last, width, bins, [&](int bin, std::int64_t times) {
+    growCount(counts.at(static_cast<std::size_t>(bin)), times);
+    return counts[static_cast<std::size_t>(bin)];
+  });
+  for (const T x : values) counter.add(x);
+  return {counts, counter.underflow(), counter.overflow(), counter.maxCount()};
 }
 
 TEST(Binning, CountsRealValues) {
-  std::vector<std::int32_t> counts(3, 99);
-  Binning<double> bins(0, 2, 1, counts);
-  for (const double x : {0.5, 1.5, 2.5, 9.0, -1e-300, 0.0, 3.0, kNan, kInf, -kInf}) bins.Add(x);
-  EXPECT_EQ(counts, (std::vector<std::int32_t>{2, 1, 1}));
-  EXPECT_EQ(bins.underflow, 2);
-  EXPECT_EQ(bins.overflow, 3);
-  EXPECT_EQ(bins.maxCount, 2);
-}
-
-// 0..2.4 in steps of 1 is rounded to three bins but reaches to 3.4: what lies beyond the third is dropped.
-TEST(Binning, BinsBeyondTheLastAreDropped) {
-  std::vector<std::int32_t> counts(3);
-  Binning<double> bins(0, 2.4, 1, counts);
-  for (int i = 0; i < 5; ++i) bins.Add(3.2);
-  bins.Add(1.0);
-  EXPECT_EQ(counts, (std::vector<std::int32_t>{0, 1, 0}));
-  EXPECT_EQ(bins.maxCount, 1);
-  EXPECT_EQ(bins.overflow + bins.underflow, 0);
+  EXPECT_EQ(counted<double>(0, 2, 1, 3, {0.5, 1.5, 2.5, 9.0, -1e-300, 0.0, 3.0, kNan, kInf, -kInf}),
+            (Counted<double>{{2, 1, 1}, 2, 3, 2}));
+  // 0..2.4 in steps of 1 is rounded to three bins but reaches to 3.4: what lies beyond is dropped.
+  EXPECT_EQ(counted<double>(0, 2.4, 1, 3, {3.2, 3.2, 3.2, 1.0}), (Counted<double>{{0, 1, 0}, 0, 0, 1}));
 }
 
 TEST(Binning, IntegersDoNotOverflow) {
-  std::vector<std::int32_t> counts(3);
-  Binning<std::int32_t> bins(kIntMin, kIntMax, kIntMax, counts);
-  for (const std::int32_t x : {kIntMin, -2, -1, kIntMax - 1, kIntMax}) bins.Add(x);
-  EXPECT_EQ(counts, (std::vector<std::int32_t>{2, 1, 2}));
-  std::vector<std::int32_t> few(2);
-  Binning<std::int32_t> small(10, 11, 0, few);
-  for (const std::int32_t x : {9, 10, 11, 12, kIntMin}) small.Add(x);
-  EXPECT_EQ(few, (std::vector<std::int32_t>{1, 1}));
-  EXPECT_EQ(small.underflow, 2);
-  EXPECT_EQ(small.overflow, 1);
+  EXPECT_EQ(counted<int>(kIntMin, kIntMax, kIntMax, 3, {kIntMin, -2, -1, kIntMax - 1, kIntMax}),
+            (Counted<int>{{2, 1, 2}, 0, 0, 2}));
+  EXPECT_EQ(counted<int>(10, 11, 1, 2, {9, 10, 11, 12, kIntMin}), (Counted<int>{{1, 1}, 2, 1, 1}));
+  int count = kIntMax - 1;
+  growCount(count, std::int64_t{1} << 40);
+  EXPECT_EQ(count, kIntMax);
 }
 
 double at(const std::vector<double>& y, double p) {
@@ -130,13 +131,15 @@ TEST(Integration, ConstantsAndLimits) {
 }
 
 TEST(Elementwise, IntegersWrap) {
-  std::vector<std::int32_t> x{kIntMax, 1, 65536};
-  const std::vector<std::int32_t> y{1, 2, 3};
-  addTo<std::int32_t>(x, y);
-  EXPECT_EQ(x, (std::vector<std::int32_t>{kIntMin, 3, 65539}));
-  subtractFrom<std::int32_t>(x, y);
-  scale<std::int32_t>(x, 65536);
-  EXPECT_EQ(x, (std::vector<std::int32_t>{-65536, 65536, 0}));
+  std::vector<int> x{kIntMax, 1, 65536};
+  const std::vector<int> y{1, 2, 3};
+  add<int>(x, y);
+  EXPECT_EQ(x, (std::vector<int>{kIntMin, 3, 65539}));
+  absolute<int>(x);
+  EXPECT_EQ(x[0], kIntMin);
+  subtract<int>(x, y);
+  scale<int>(x, 65536);
+  EXPECT_EQ(x, (std::vector<int>{-65536, 65536, 0}));
 }
 
 }  // namespace

@@ -223,8 +223,10 @@ class TDynArray {
     requires(Rank == 1)
   {
     const T kept = value;
-    Reshape({size() + 1});
-    back() = kept;
+    const std::size_t old = size();
+    if (old >= CheckedRoom()) throw std::length_error("TDynArray: extents too large");
+    Reshape({old + 1});
+    FData[old] = kept;
   }
   void pop_back()
     requires(Rank == 1)
