@@ -11,6 +11,8 @@
 namespace zel_fuzz {
 namespace {
 
+void PrintTo(const Target& target, std::ostream* out) { *out << target.name; }
+
 class Replay : public testing::TestWithParam<Target> {};
 
 TEST_P(Replay, EverySeed) {
