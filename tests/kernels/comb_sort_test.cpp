@@ -207,6 +207,19 @@ TYPED_TEST(CombSortFast, CountsThePassesThatItSkips) {
   }
 }
 
+// With gap 1 from the start the sort is a bubble sort, with as many passes as keys.
+TYPED_TEST(CombSortFast, CountsThePassesOfABubbleSort) {
+  for (const std::size_t n : {200u, 2000u}) {
+    for (const auto& [name, keys] : keyShapes<TypeParam>(n, 7)) {
+      SCOPED_TRACE(name + ", n = " + std::to_string(n));
+      for (const bool ascending : {true, false}) {
+        this->check(keys, 1, ascending);
+        if (this->HasFatalFailure()) return;
+      }
+    }
+  }
+}
+
 TYPED_TEST(CombSortFast, EveryReportFindsAPermutationOfTheKeys) {
   for (const bool ascending : {true, false}) {
     auto x = keyShapes<TypeParam>(400000, 6).front().keys;

@@ -40,14 +40,6 @@ std::vector<T> sortedSample(std::span<const T> x, std::size_t size, int attempt)
   return sample;
 }
 
-template <class T>
-T smallestAbove(std::span<const T> x, T bound) {
-  using Limits = std::numeric_limits<T>;
-  T best = Limits::has_infinity ? Limits::infinity() : Limits::max();
-  for (const T key : x) best = key > bound && key < best ? key : best;
-  return best;
-}
-
 enum class Outcome { Found, Missed, Unordered };
 
 template <class T>
@@ -84,7 +76,8 @@ Outcome selectByBracket(std::span<const T> x, std::size_t k, int attempt, Select
   const std::size_t insideBegin = counts.below + counts.atLow;
   const std::size_t insideEnd = insideBegin + counts.inside;
   const std::size_t aboveBegin = insideEnd + counts.atHigh;
-  if (k < counts.below || k >= aboveBegin) return Outcome::Missed;
+  const std::size_t next = std::min(k + 1, x.size() - 1);
+  if (k < counts.below || next >= aboveBegin) return Outcome::Missed;
   const std::span<const T> inside(storage.get(), counts.inside);
   if (k < insideBegin) {
     pair.at = low;
@@ -93,16 +86,14 @@ Outcome selectByBracket(std::span<const T> x, std::size_t k, int attempt, Select
   } else {
     pair.at = high;
   }
-  if (k + 1 == x.size()) {
+  if (next == k) {
     pair.next = pair.at;
-  } else if (k + 1 < insideBegin) {
+  } else if (next < insideBegin) {
     pair.next = low;
-  } else if (k + 1 == insideBegin && counts.inside > 0) {
-    pair.next = *std::min_element(inside.begin(), inside.end());
-  } else if (k + 1 >= aboveBegin) {
-    pair.next = smallestAbove(x, high);
-  } else if (k + 1 >= insideEnd) {
+  } else if (next >= insideEnd) {
     pair.next = high;
+  } else if (next == insideBegin) {
+    pair.next = *std::min_element(inside.begin(), inside.end());
   }
   return Outcome::Found;
 }
