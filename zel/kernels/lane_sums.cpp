@@ -74,7 +74,8 @@ HWY_INLINE void foldRun(const LaneSums<kSums>& run, bool isFirst, LaneSums<kSums
   const LaneTag d;
   for (std::size_t k = 0; k < kSums; ++k) {
     for (std::size_t at = 0; at < kSumLanes; at += kVecLanes) {
-      foldInto(hn::Load(d, run.hi[k] + at), hn::Load(d, run.lo[k] + at), isFirst, total.hi[k] + at, total.lo[k] + at);
+      foldInto(hn::Load(d, run.hi[k] + at), hn::Load(d, run.lo[k] + at), isFirst, total.hi[k] + at,
+               total.lo[k] + at);
     }
   }
 }

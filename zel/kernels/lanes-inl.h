@@ -1,11 +1,11 @@
-// Sixteen lanes of doubles over vectors of any width, for the sources of the sums. Included once per
-// instruction set inside its namespace, after double_double-inl.h.
+// Sixteen lanes of doubles over vectors of any width, for the sources of the sums. Included once
+// per instruction set inside its namespace, after double_double-inl.h.
 
 // Sixteen lanes whatever the width of a vector: lane i takes the elements with index i modulo 16.
 constexpr std::size_t kSumLanes = 16;
-// After this many elements per lane the running sums are folded into a double-double, which bounds the
-// error that plain sums of small parts pick up. A run also stays in the first-level cache when it is
-// read more than once.
+// After this many elements per lane the running sums are folded into a double-double, which bounds
+// the error that plain sums of small parts pick up. A run also stays in the first-level cache when
+// it is read more than once.
 constexpr std::size_t kRunSteps = 128;
 constexpr std::size_t kRunElements = kRunSteps * kSumLanes;
 // Far enough to hide the latency of memory, near enough to stay in the first-level cache.
@@ -43,8 +43,8 @@ struct LaneSums {
   alignas(64) double lo[kSums][kSumLanes];
 };
 
-/// Adds the running sums s + e of one vector to its lanes of the total; the first run replaces them.
-/// The absolute error is below 2^-103 of both sums and 2^-52 of e.
+/// Adds the running sums s + e of one vector to its lanes of the total; the first run replaces
+/// them. The absolute error is below 2^-103 of both sums and 2^-52 of e.
 HWY_INLINE void foldInto(LaneVec s, LaneVec e, bool isFirst, double* hi, double* lo) {
   const LaneTag d;
   Twofold<LaneVec> sum = {s, e};

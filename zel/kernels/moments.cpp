@@ -52,14 +52,16 @@ MeanVariance accurateMeanVariance(std::span<const T> x) {
   const auto n = twofoldOf<double>(x.size());
   const auto raw = sumsOf<RawMomentTerms, double>(x, x);
   const auto [sum, squares] = raw;
-  if (!allFinite(raw) || (squares.hi < kSmallSquares && !isConstant(x))) return extendedMeanVariance(x);
+  if (!allFinite(raw) || (squares.hi < kSmallSquares && !isConstant(x)))
+    return extendedMeanVariance(x);
   const DoubleDouble mean = sum / n;
   DoubleDouble s = spread(sum, squares, n);
-  // Not enough digits left beside the mean: once more about the mean. Without this step an offset of
-  // 1e9 and unit spread would lose half of the digits (test MeanVariance.OffsetKeepsDigits).
+  // Not enough digits left beside the mean: once more about the mean. Without this step an offset
+  // of 1e9 and unit spread would lose half of the digits (test MeanVariance.OffsetKeepsDigits).
   if (s.hi * 0x1p-55 < squares.hi * fastSumError(x.size())) {
     const auto centred = sumsOf<CentredMomentTerms, double>(x, x, {mean.hi, 0});
-    if (!allFinite(centred) || (centred[1].hi < kSmallSquares && !isConstant(x))) return extendedMeanVariance(x);
+    if (!allFinite(centred) || (centred[1].hi < kSmallSquares && !isConstant(x)))
+      return extendedMeanVariance(x);
     s = spread(centred[0], centred[1], n);
   }
   return {mean.hi, (s / static_cast<double>(x.size() - 1)).hi};

@@ -1,6 +1,7 @@
 #include "zel/kernels/split_sums.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -11,8 +12,8 @@
 #define HWY_DISABLED_TARGETS (HWY_SVE | HWY_SVE2 | HWY_SVE_256 | HWY_SVE2_128 | HWY_RVV)
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "zel/kernels/split_sums.cpp"
-#include "hwy/foreach_target.h"  // IWYU pragma: keep
 #include "hwy/cache_control.h"
+#include "hwy/foreach_target.h"  // IWYU pragma: keep
 #include "hwy/highway.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -28,17 +29,36 @@ namespace hn = hwy::HWY_NAMESPACE;
 constexpr int kLowestExponent = -400;
 constexpr int kHighestExponent = 450;
 
-double powerOfTwo(int exponent) { return std::ldexp(1.0, exponent); }
+/// 2^exponent, in the normal range. By its bits: the library function costs as much as a part of a run.
+double powerOfTwo(int exponent) { return std::bit_cast<double>(static_cast<std::uint64_t>(exponent + 1023) << 52); }
 
-/// e with 2^e <= m < 2^(e + 1), not below kLowestExponent; above kHighestExponent for anything that is
-/// too large or not a number.
+/// e with 2^e <= m < 2^(e + 1), for positive normal m.
+int binaryExponent(double m) { return static_cast<int>(std::bit_cast<std::uint64_t>(m) >> 52) - 1023; }
+
+/// e with 2^e <= m < 2^(e + 1), not below kLowestExponent; above kHighestExponent for anything that
+/// is too large or not a number.
 int exponentOf(double m) {
   if (!(m < 0x1p450)) return kHighestExponent + 1;
-  return m < 0x1p-400 ? kLowestExponent : std::ilogb(m);
+  return m < 0x1p-400 ? kLowestExponent : binaryExponent(m);
 }
 
-/// x. The unit is 2^-43 of a limit of the magnitudes, which a running maximum checks: 129 elements
-/// then move the accumulator by less than 2^51 units.
+/// Largest |x - centre|; infinite if one is not a number.
+template <class T>
+double magnitude(const T* x, std::size_t n, double centre) {
+  double largest = 0;
+  bool isNumber = true;
+  for (std::size_t i = 0; i < n; ++i) {
+    const double m = std::abs(static_cast<double>(x[i]) - centre);
+    largest = m > largest ? m : largest;
+    isNumber = isNumber && m == m;
+  }
+  return isNumber ? largest : std::numeric_limits<double>::infinity();
+}
+
+/// x. The unit is 2^-43 of the largest magnitude allowed: 129 elements then move the accumulator by
+/// less than 2^51 units. The running check is a sum of squares, one operation where a maximum takes
+/// two. Fused or not it is rounded differently, so it only says that the magnitudes are certainly
+/// right; otherwise they are looked at, and the decision is the same on every machine.
 struct SplitSumTerms {
   static constexpr std::size_t kSums = 1;
   static constexpr std::size_t kWidth = HWY_MIN(kVecsPerStep, std::size_t{4});
@@ -46,32 +66,44 @@ struct SplitSumTerms {
   struct State {
     LaneVec s, e, check;
   };
-  static HWY_INLINE State begin(LaneVec start) { return {start, hn::Zero(LaneTag()), hn::Zero(LaneTag())}; }
+  static HWY_INLINE State begin(LaneVec start) {
+    return {start, hn::Zero(LaneTag()), hn::Zero(LaneTag())};
+  }
   static HWY_INLINE void add(LaneVec x, LaneVec, State& r, const OnMultiplier& unit) {
     const LaneVec sum = hn::Add(r.s, x);
     const LaneVec cut = hn::Sub(sum, r.s);
     r.e = unit.add(r.e, hn::Sub(x, cut));
-    r.check = hn::Max(r.check, hn::Abs(x));
+    r.check = hn::MulAdd(x, x, r.check);
     r.s = sum;
   }
-  static HWY_INLINE void fold(const State& r, LaneVec start, bool isFirst, LaneSums<kSums>& total, std::size_t at) {
+  static HWY_INLINE void fold(const State& r, LaneVec start, bool isFirst, LaneSums<kSums>& total,
+                              std::size_t at) {
     foldInto(hn::Sub(r.s, start), r.e, isFirst, total.hi[0] + at, total.lo[0] + at);
   }
 
-  /// Two bits above the magnitudes seen so far.
-  static double unitFor(int exponent) { return powerOfTwo(exponent + 3 - 43); }
-  static double limitOf(double u) { return u * 0x1p43; }
-  /// Magnitudes of the next run: those of this one if they became much smaller.
-  static int nextExponent(double check, int exponent) {
-    return check > 0 && check < powerOfTwo(exponent - 4) ? exponentOf(check) : exponent;
+  /// For magnitudes below 2^(exponent + 1); the sum of squares of a run usually stays within the
+  /// check.
+  static double unitFor(int exponent) { return powerOfTwo(exponent + 5 - 43); }
+  static double largestFor(double u) { return u * 0x1p43; }
+  static double limitOf(double u) { return largestFor(u) * largestFor(u) * (1 - 0x1p-20); }
+  template <class T>
+  static bool hasPassed(const T* x, std::size_t n, double, double u) {
+    return magnitude(x, n, 0) <= largestFor(u);
+  }
+  /// Follows magnitudes that became 2^6 times smaller; a larger check rules that out.
+  template <class T>
+  static int nextExponent(const T* x, std::size_t n, double check, int exponent) {
+    if (check > powerOfTwo(2 * exponent - 4)) return exponent;
+    const double m = magnitude(x, n, 0);
+    return m > 0 && m < powerOfTwo(exponent - 6) ? exponentOf(m) : exponent;
   }
   /// Of sixteen lanes: e grows by half a unit in each of 129 additions, which are rounded.
   static void addErrors(double u, double, double* errors) { errors[0] += 0x1p-35 * u; }
 };
 
-/// d = x - centre and d^2. The unit leaves 22 bits for d, so that the squares of the cut values are summed
-/// without error as well while they stay below 2^53 squared units; since squares only grow, their sum is
-/// the check. The rest of the square is (d + cut)(d - cut).
+/// d = x - centre and d^2. The unit leaves 22 bits for d, so that the squares of the cut values are
+/// summed without error as well while they stay below 2^53 squared units; since squares only grow,
+/// their sum is the check. The rest of the square is (d + cut)(d - cut).
 struct SplitMomentTerms {
   static constexpr std::size_t kSums = 2;
   static constexpr std::size_t kWidth = HWY_MIN(kVecsPerStep, std::size_t{2});
@@ -93,17 +125,23 @@ struct SplitMomentTerms {
     r.rest = hn::Add(r.rest, hn::Mul(hn::Add(deviation, cut), left));
     r.s = sum;
   }
-  static HWY_INLINE void fold(const State& r, LaneVec start, bool isFirst, LaneSums<kSums>& total, std::size_t at) {
+  static HWY_INLINE void fold(const State& r, LaneVec start, bool isFirst, LaneSums<kSums>& total,
+                              std::size_t at) {
     foldInto(hn::Sub(r.s, start), r.e, isFirst, total.hi[0] + at, total.lo[0] + at);
     foldInto(r.check, r.rest, isFirst, total.hi[1] + at, total.lo[1] + at);
   }
 
   static double unitFor(int exponent) { return powerOfTwo(exponent + 1 - 22); }
   static double limitOf(double u) { return 0x1p52 * u * u; }
-  static int nextExponent(double check, int exponent) {
+  template <class T>
+  static bool hasPassed(const T*, std::size_t, double, double) {
+    return false;
+  }
+  template <class T>
+  static int nextExponent(const T*, std::size_t, double check, int exponent) {
     // The check holds up to 2^7 squares of 2^(2 exponent), usually a few times less.
     if (!(check > 0 && check < powerOfTwo(2 * exponent - 3))) return exponent;
-    return std::max(kLowestExponent, (std::ilogb(check) - 4) / 2);
+    return std::max(kLowestExponent, (binaryExponent(check) - 4) / 2);
   }
   /// As above, and the rests grow to u * sqrt(129 check) in 129 rounded additions.
   static void addErrors(double u, double check, double* errors) {
@@ -112,17 +150,18 @@ struct SplitMomentTerms {
   }
 };
 
-/// The elements after the last whole step, filled up with the centre, which contributes exactly 0.
-struct PaddedStep {
-  alignas(64) double x[kSumLanes];
-};
-
-/// Sums one run. If every lane passes the check, the run is added to the total and `largest` is the
-/// largest check; if not, the total stays.
+/// Sums one run of n elements. If it passes the check, it is added to the total and `largest` is
+/// the largest check of a lane; if not, the total stays.
 template <class Terms, class T>
-HWY_INLINE bool splitRun(const T* HWY_RESTRICT x, std::size_t steps, const PaddedStep* tail, double centre, double u,
+HWY_INLINE bool splitRun(const T* HWY_RESTRICT x, std::size_t n, double centre, double u,
                          double one, bool isFirst, LaneSums<Terms::kSums>& total, double& largest) {
   const LaneTag d;
+  const std::size_t whole = n - n % kSumLanes;
+  // The elements after the last whole step, filled up with the centre, which contributes exactly 0.
+  alignas(64) double tail[kSumLanes];
+  for (std::size_t i = 0; whole < n && i < kSumLanes; ++i) {
+    tail[i] = whole + i < n ? static_cast<double>(x[whole + i]) : centre;
+  }
   const OnMultiplier unit{hn::Set(d, one)};
   const LaneVec c = hn::Set(d, centre);
   const LaneVec start = hn::Set(d, 0x1.8p52 * u);
@@ -133,16 +172,17 @@ HWY_INLINE bool splitRun(const T* HWY_RESTRICT x, std::size_t steps, const Padde
     typename Terms::State state[Terms::kWidth];
     for (auto& s : state) s = Terms::begin(start);
     const T* HWY_RESTRICT from = x + walk * Terms::kWidth * kVecLanes;
-    for (std::size_t i = 0; i < steps * kSumLanes; i += kSumLanes) {
+    for (std::size_t i = 0; i < whole; i += kSumLanes) {
       hwy::Prefetch(from + i + kPrefetchElements);
-      if (Terms::kWidth * kVecLanes * sizeof(T) > 64) hwy::Prefetch(from + i + kPrefetchElements + kSumLanes / 2);
+      if (Terms::kWidth * kVecLanes * sizeof(T) > 64)
+        hwy::Prefetch(from + i + kPrefetchElements + kSumLanes / 2);
       for (std::size_t j = 0; j < Terms::kWidth; ++j) {
         Terms::add(loadLanes(d, from + i + j * kVecLanes), c, state[j], unit);
       }
     }
     for (std::size_t j = 0; j < Terms::kWidth; ++j) {
       const std::size_t vec = walk * Terms::kWidth + j;
-      if (tail != nullptr) Terms::add(hn::Load(d, tail->x + vec * kVecLanes), c, state[j], unit);
+      if (whole < n) Terms::add(hn::Load(d, tail + vec * kVecLanes), c, state[j], unit);
       run[vec] = state[j];
     }
   }
@@ -152,52 +192,35 @@ HWY_INLINE bool splitRun(const T* HWY_RESTRICT x, std::size_t steps, const Padde
     fits = hn::And(fits, hn::Le(run[vec].check, limit));
     most = hn::Max(most, run[vec].check);
   }
-  if (!hn::AllTrue(d, fits)) return false;
-  for (std::size_t vec = 0; vec < kVecsPerStep; ++vec) Terms::fold(run[vec], start, isFirst, total, vec * kVecLanes);
+  if (!hn::AllTrue(d, fits) && !Terms::hasPassed(x, n, centre, u)) return false;
+  for (std::size_t vec = 0; vec < kVecsPerStep; ++vec)
+    Terms::fold(run[vec], start, isFirst, total, vec * kVecLanes);
   largest = hn::GetLane(hn::MaxOfLanes(d, most));
   return true;
 }
 
-/// Largest |x - centre|; infinite if one is not a number.
-template <class T>
-double magnitude(const T* x, std::size_t n, double centre) {
-  double largest = 0;
-  bool isNumber = true;
-  for (std::size_t i = 0; i < n; ++i) {
-    const double m = std::abs(static_cast<double>(x[i]) - centre);
-    largest = m > largest ? m : largest;
-    isNumber = isNumber && m == m;
-  }
-  return isNumber ? largest : std::numeric_limits<double>::infinity();
-}
-
 /// Writes the sums as pairs and the bounds of their errors, infinite if the method failed.
 template <class Terms, class T>
-void splitSums(const T* HWY_RESTRICT x, std::size_t n, double centre, double one, double* out, double* errors) {
+void splitSums(const T* HWY_RESTRICT x, std::size_t n, double centre, double one, double* out,
+               double* errors) {
   LaneSums<Terms::kSums> total{};
-  PaddedStep tail;
   int exponent = exponentOf(magnitude(x, HWY_MIN(n, kSumLanes), centre));
   for (std::size_t begin = 0; begin < n; begin += kRunElements) {
     const std::size_t count = HWY_MIN(n - begin, kRunElements);
-    const std::size_t steps = count / kSumLanes;
-    const std::size_t rest = count % kSumLanes;
-    for (std::size_t i = 0; rest > 0 && i < kSumLanes; ++i) {
-      tail.x[i] = i < rest ? static_cast<double>(x[begin + steps * kSumLanes + i]) : centre;
-    }
     bool isDone = false;
     double largest = 0;
     for (int attempt = 0; attempt < 2 && !isDone; ++attempt) {
       if (attempt > 0) exponent = exponentOf(magnitude(x + begin, count, centre));
       if (exponent > kHighestExponent) break;
-      isDone = splitRun<Terms>(x + begin, steps, rest > 0 ? &tail : nullptr, centre, Terms::unitFor(exponent), one,
-                               begin == 0, total, largest);
+      isDone = splitRun<Terms>(x + begin, count, centre, Terms::unitFor(exponent), one, begin == 0,
+                               total, largest);
     }
     if (!isDone) {
       std::fill_n(errors, Terms::kSums, std::numeric_limits<double>::infinity());
       return;
     }
     Terms::addErrors(Terms::unitFor(exponent), largest, errors);
-    exponent = Terms::nextExponent(largest, exponent);
+    exponent = Terms::nextExponent(x + begin, count, largest, exponent);
   }
   addLanes(total, out);
 }
@@ -205,14 +228,16 @@ void splitSums(const T* HWY_RESTRICT x, std::size_t n, double centre, double one
 void splitSumOfDoubles(const double* x, std::size_t n, double one, double* out, double* errors) {
   splitSums<SplitSumTerms>(x, n, 0, one, out, errors);
 }
-void splitSumOfIntegers(const std::int32_t* x, std::size_t n, double one, double* out, double* errors) {
+void splitSumOfIntegers(const std::int32_t* x, std::size_t n, double one, double* out,
+                        double* errors) {
   splitSums<SplitSumTerms>(x, n, 0, one, out, errors);
 }
-void splitMomentsOfDoubles(const double* x, std::size_t n, double centre, double one, double* out, double* errors) {
+void splitMomentsOfDoubles(const double* x, std::size_t n, double centre, double one, double* out,
+                           double* errors) {
   splitSums<SplitMomentTerms>(x, n, centre, one, out, errors);
 }
-void splitMomentsOfIntegers(const std::int32_t* x, std::size_t n, double centre, double one, double* out,
-                            double* errors) {
+void splitMomentsOfIntegers(const std::int32_t* x, std::size_t n, double centre, double one,
+                            double* out, double* errors) {
   splitSums<SplitMomentTerms>(x, n, centre, one, out, errors);
 }
 
