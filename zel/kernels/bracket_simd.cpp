@@ -5,6 +5,8 @@
 
 #include "zel/kernels/bracket.h"
 
+#include "zel/kernels/targets.h"
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "zel/kernels/bracket_simd.cpp"
 #include "hwy/foreach_target.h"

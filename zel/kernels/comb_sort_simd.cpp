@@ -32,11 +32,8 @@
 #include "zel/kernels/comb_finish.h"
 #include "zel/kernels/comb_sort.h"
 
-// Vectors are kept in arrays here, which the types of unknown size of these targets do not allow.
-#define HWY_NO_ARRAY_TARGETS (HWY_SVE | HWY_SVE2 | HWY_SVE_256 | HWY_SVE2_128 | HWY_RVV)
-// These have nothing to add to their neighbours here, and each costs a copy of all the code.
-#define HWY_NO_GAIN_TARGETS (HWY_SSSE3 | HWY_AVX3_DL)
-#define HWY_DISABLED_TARGETS (HWY_NO_ARRAY_TARGETS | HWY_NO_GAIN_TARGETS)
+#include "zel/kernels/targets.h"
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "zel/kernels/comb_sort_simd.cpp"
 #include "hwy/foreach_target.h"

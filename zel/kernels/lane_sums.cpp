@@ -6,8 +6,8 @@
 #include <limits>
 #include <type_traits>
 
-// Arrays of vectors need a size that is known to the compiler.
-#define HWY_DISABLED_TARGETS (HWY_SVE | HWY_SVE2 | HWY_SVE_256 | HWY_SVE2_128 | HWY_RVV)
+#include "zel/kernels/targets.h"
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "zel/kernels/lane_sums.cpp"
 #include "hwy/cache_control.h"

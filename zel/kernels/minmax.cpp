@@ -2,7 +2,8 @@
 
 #include <algorithm>
 
-#define HWY_DISABLED_TARGETS (HWY_SVE | HWY_SVE2 | HWY_SVE_256 | HWY_SVE2_128 | HWY_RVV)
+#include "zel/kernels/targets.h"
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "zel/kernels/minmax.cpp"
 #include "hwy/foreach_target.h"  // IWYU pragma: keep
