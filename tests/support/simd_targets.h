@@ -4,7 +4,10 @@
 
 #include <string>
 
-#include "gtest/gtest.h"
+#include <gtest/gtest.h>
+
+#include "zel/kernels/targets.h"
+// after the list of targets
 #include "hwy/targets.h"
 
 namespace zel::test {
