@@ -1,7 +1,7 @@
-// Runs the benchmarks with the rivals interleaved, several times each, and prints one table of medians:
-// kernel, size, Zel's time, the peer and its time, the ratio (below 1 Zel is faster), and the growth
-// exponent of Zel's time since the next smaller size. Options of the benchmark library may follow, for
-// example --benchmark_filter=sum.
+// Runs the benchmarks with the rivals interleaved, several times each, and prints one table of
+// medians: kernel, size, Zel's time, the peer and its time, the ratio (below 1 Zel is faster), and
+// the growth exponent of Zel's time since the next smaller size. Options of the benchmark library
+// may follow, for example --benchmark_filter=sum.
 
 #include <benchmark/benchmark.h>
 
@@ -45,7 +45,8 @@ class Collector : public benchmark::BenchmarkReporter {
       }
       if (run.run_type != Run::RT_Iteration) continue;
       Entry& entry = EntryOf(name);
-      entry.nanoseconds.push_back(run.real_accumulated_time / static_cast<double>(run.iterations) * 1e9);
+      entry.nanoseconds.push_back(run.real_accumulated_time / static_cast<double>(run.iterations) *
+                                  1e9);
     }
   }
 
@@ -58,8 +59,10 @@ class Collector : public benchmark::BenchmarkReporter {
     if (isNew) {
       const std::size_t last = name.rfind('/');
       const std::size_t middle = name.rfind('/', last - 1);
-      entries.push_back({name.substr(0, middle), name.substr(middle + 1, last - middle - 1),
-                         std::strtod(name.c_str() + last + 1, nullptr), {}});
+      entries.push_back({name.substr(0, middle),
+                         name.substr(middle + 1, last - middle - 1),
+                         std::strtod(name.c_str() + last + 1, nullptr),
+                         {}});
     }
     return entries[found->second];
   }
@@ -83,18 +86,22 @@ void printTable(std::vector<Entry> entries) {
   std::sort(entries.begin(), entries.end(), [](const Entry& a, const Entry& b) {
     return std::tie(a.kernel, a.n, a.implementation) < std::tie(b.kernel, b.n, b.implementation);
   });
-  std::printf("%-34s %9s %10s  %-12s %10s %9s %7s\n", "kernel", "n", "Zel", "peer", "time", "Zel/peer", "growth");
+  std::printf("%-34s %9s %10s  %-12s %10s %9s %7s\n", "kernel", "n", "Zel", "peer", "time",
+              "Zel/peer", "growth");
   const Entry* smaller = nullptr;
   for (std::size_t i = 0; i < entries.size();) {
     std::size_t end = i;
     const Entry* zel = nullptr;
-    for (; end < entries.size() && entries[end].kernel == entries[i].kernel && entries[end].n == entries[i].n; ++end) {
+    for (; end < entries.size() && entries[end].kernel == entries[i].kernel &&
+           entries[end].n == entries[i].n;
+         ++end) {
       if (entries[end].implementation == "Zel") zel = &entries[end];
     }
     std::string growth;
     if (zel != nullptr && smaller != nullptr && smaller->kernel == zel->kernel) {
       char text[16];
-      std::snprintf(text, sizeof text, "%.2f", std::log(zel->median() / smaller->median()) / std::log(zel->n / smaller->n));
+      std::snprintf(text, sizeof text, "%.2f",
+                    std::log(zel->median() / smaller->median()) / std::log(zel->n / smaller->n));
       growth = text;
     }
     bool hasPeer = false;
@@ -102,8 +109,8 @@ void printTable(std::vector<Entry> entries) {
       const Entry& peer = entries[k];
       if (&peer == zel) continue;
       std::printf("%-34s %9.0f %10s  %-12s %10s", peer.kernel.c_str(), peer.n,
-                  zel != nullptr ? timeText(zel->median()).c_str() : "-", peer.implementation.c_str(),
-                  timeText(peer.median()).c_str());
+                  zel != nullptr ? timeText(zel->median()).c_str() : "-",
+                  peer.implementation.c_str(), timeText(peer.median()).c_str());
       if (zel != nullptr) std::printf(" %9.3f %7s", zel->median() / peer.median(), growth.c_str());
       std::printf("\n");
       hasPeer = true;
@@ -121,8 +128,8 @@ void printTable(std::vector<Entry> entries) {
 
 int main(int argc, char** argv) {
   // What the caller gives comes later and so wins.
-  std::vector<std::string> options{"--benchmark_enable_random_interleaving=true", "--benchmark_repetitions=9",
-                                   "--benchmark_min_time=0.05"};
+  std::vector<std::string> options{"--benchmark_enable_random_interleaving=true",
+                                   "--benchmark_repetitions=9", "--benchmark_min_time=0.05"};
   options.insert(options.begin(), argv[0]);
   options.insert(options.end(), argv + 1, argv + argc);
   std::vector<char*> arguments;

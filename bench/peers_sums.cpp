@@ -25,8 +25,8 @@ void eigenMeanVariance(const double* x, std::size_t n, double& mean, double& var
   variance = (a - mean).square().sum() / static_cast<double>(n - 1);
 }
 
-void eigenMinMax(const double* x, std::size_t n, double& minimum, double& maximum, std::ptrdiff_t& minIndex,
-                 std::ptrdiff_t& maxIndex) {
+void eigenMinMax(const double* x, std::size_t n, double& minimum, double& maximum,
+                 std::ptrdiff_t& minIndex, std::ptrdiff_t& maxIndex) {
   const auto a = mapped(x, n);
   minimum = a.minCoeff(&minIndex);
   maximum = a.maxCoeff(&maxIndex);

@@ -11,8 +11,8 @@ double eigenSum(const double* x, std::size_t n);
 double eigenDot(const double* x, const double* y, std::size_t n);
 /// Mean, then the mean squared deviation with divisor n - 1: two passes.
 void eigenMeanVariance(const double* x, std::size_t n, double& mean, double& variance);
-void eigenMinMax(const double* x, std::size_t n, double& minimum, double& maximum, std::ptrdiff_t& minIndex,
-                 std::ptrdiff_t& maxIndex);
+void eigenMinMax(const double* x, std::size_t n, double& minimum, double& maximum,
+                 std::ptrdiff_t& minIndex, std::ptrdiff_t& maxIndex);
 
 void gslMeanVariance(const double* x, std::size_t n, double& mean, double& variance);
 

@@ -8,19 +8,22 @@
 
 namespace zel::bench {
 
-void compete(const std::string& kernel, std::size_t n, std::function<bool()> agree, std::vector<Rival> rivals) {
+void compete(const std::string& kernel, std::size_t n, std::function<bool()> agree,
+             std::vector<Rival> rivals) {
   enum class Verdict { unknown, agree, differ };
   const auto verdict = std::make_shared<Verdict>(Verdict::unknown);
   for (const Rival& rival : rivals) {
     const std::string name = kernel + "/" + rival.implementation + "/" + std::to_string(n);
-    benchmark::RegisterBenchmark(name.c_str(), [verdict, agree, run = rival.run](benchmark::State& state) {
-      if (*verdict == Verdict::unknown) *verdict = agree() ? Verdict::agree : Verdict::differ;
-      if (*verdict == Verdict::differ) {
-        state.SkipWithError("the results differ from the reference");
-        return;
-      }
-      for ([[maybe_unused]] auto _ : state) run();
-    });
+    benchmark::RegisterBenchmark(name.c_str(),
+                                 [verdict, agree, run = rival.run](benchmark::State& state) {
+                                   if (*verdict == Verdict::unknown)
+                                     *verdict = agree() ? Verdict::agree : Verdict::differ;
+                                   if (*verdict == Verdict::differ) {
+                                     state.SkipWithError("the results differ from the reference");
+                                     return;
+                                   }
+                                   for ([[maybe_unused]] auto _ : state) run();
+                                 });
   }
 }
 

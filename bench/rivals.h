@@ -1,6 +1,6 @@
 /// @file
-/// Registration of benchmarks. Every one is called `<kernel>/<implementation>/<n>`; main.cpp sets the
-/// implementation "Zel" beside each other one of the same kernel and size.
+/// Registration of benchmarks. Every one is called `<kernel>/<implementation>/<n>`; main.cpp sets
+/// the implementation "Zel" beside each other one of the same kernel and size.
 #pragma once
 
 #include <cstddef>
@@ -16,9 +16,11 @@ struct Rival {
 };
 
 /// Registers the rivals of one kernel at one size. Before the first of them is timed, agree() runs
-/// once: it compares their results with the reference, and if it returns false none is timed and the
-/// program fails. Data should be made inside agree() or on first use, so that a filtered run stays quick.
-void compete(const std::string& kernel, std::size_t n, std::function<bool()> agree, std::vector<Rival> rivals);
+/// once: it compares their results with the reference, and if it returns false none is timed and
+/// the program fails. Data should be made inside agree() or on first use, so that a filtered run
+/// stays quick.
+void compete(const std::string& kernel, std::size_t n, std::function<bool()> agree,
+             std::vector<Rival> rivals);
 
 /// Keeps a result alive without storing it.
 void keep(double value);

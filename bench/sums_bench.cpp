@@ -21,18 +21,19 @@ bool areClose(double a, double b) { return std::abs(a - b) <= 1e-11 * std::abs(b
 
 void addSum(std::size_t n) {
   const auto x = [n]() -> const std::vector<double>& { return normalData(n); };
-  compete(
-      "sum", n, [x, n] { return areClose(kernels::sum(x()).hi, eigenSum(x().data(), n)); },
-      {{"Zel", [x] { keep(kernels::sum(x()).hi); }}, {"Eigen", [x, n] { keep(eigenSum(x().data(), n)); }}});
+  compete("sum", n, [x, n] { return areClose(kernels::sum(x()).hi, eigenSum(x().data(), n)); },
+          {{"Zel", [x] { keep(kernels::sum(x()).hi); }},
+           {"Eigen", [x, n] { keep(eigenSum(x().data(), n)); }}});
 }
 
 void addDot(std::size_t n) {
   const auto x = [n]() -> const std::vector<double>& { return normalData(n); };
-  compete(
-      "sum of squares", n,
-      [x, n] { return areClose(kernels::sumOfSquares(x()).hi, eigenDot(x().data(), x().data(), n)); },
-      {{"Zel", [x] { keep(kernels::sumOfSquares(x()).hi); }},
-       {"Eigen", [x, n] { keep(eigenDot(x().data(), x().data(), n)); }}});
+  compete("sum of squares", n,
+          [x, n] {
+            return areClose(kernels::sumOfSquares(x()).hi, eigenDot(x().data(), x().data(), n));
+          },
+          {{"Zel", [x] { keep(kernels::sumOfSquares(x()).hi); }},
+           {"Eigen", [x, n] { keep(eigenDot(x().data(), x().data(), n)); }}});
 }
 
 /// The data with an offset, made on first use.
@@ -56,22 +57,21 @@ void addMeanVariance(const char* kernel, std::size_t n, double offset) {
       keep(mean + variance);
     };
   };
-  compete(
-      kernel, n,
-      [x, n] {
-        double mean = 0;
-        double variance = 0;
-        gslMeanVariance(x().data(), n, mean, variance);
-        const kernels::MeanVariance zel = kernels::meanVariance(x());
-        return areClose(zel.mean, mean) && areClose(zel.variance, variance);
-      },
-      {{"Zel",
-        [x] {
-          const kernels::MeanVariance mv = kernels::meanVariance(x());
-          keep(mv.mean + mv.variance);
-        }},
-       {"Eigen", with(eigenMeanVariance)},
-       {"GSL", with(gslMeanVariance)}});
+  compete(kernel, n,
+          [x, n] {
+            double mean = 0;
+            double variance = 0;
+            gslMeanVariance(x().data(), n, mean, variance);
+            const kernels::MeanVariance zel = kernels::meanVariance(x());
+            return areClose(zel.mean, mean) && areClose(zel.variance, variance);
+          },
+          {{"Zel",
+            [x] {
+              const kernels::MeanVariance mv = kernels::meanVariance(x());
+              keep(mv.mean + mv.variance);
+            }},
+           {"Eigen", with(eigenMeanVariance)},
+           {"GSL", with(gslMeanVariance)}});
 }
 
 void addMinMax(std::size_t n) {
@@ -85,19 +85,19 @@ void addMinMax(std::size_t n) {
     r.maxIndex = static_cast<std::size_t>(maxIndex);
     return r;
   };
-  compete(
-      "minimum and maximum", n,
-      [x, eigen] {
-        const auto a = kernels::minMax(x());
-        const auto b = eigen();
-        return a.minimum == b.minimum && a.maximum == b.maximum && a.minIndex == b.minIndex && a.maxIndex == b.maxIndex;
-      },
-      {{"Zel",
-        [x] {
-          const auto r = kernels::minMax(x());
-          keep(r.maximum - r.minimum + static_cast<double>(r.minIndex + r.maxIndex));
-        }},
-       {"Eigen", [eigen] { keep(static_cast<double>(eigen().minIndex)); }}});
+  compete("minimum and maximum", n,
+          [x, eigen] {
+            const auto a = kernels::minMax(x());
+            const auto b = eigen();
+            return a.minimum == b.minimum && a.maximum == b.maximum && a.minIndex == b.minIndex &&
+                   a.maxIndex == b.maxIndex;
+          },
+          {{"Zel",
+            [x] {
+              const auto r = kernels::minMax(x());
+              keep(r.maximum - r.minimum + static_cast<double>(r.minIndex + r.maxIndex));
+            }},
+           {"Eigen", [eigen] { keep(static_cast<double>(eigen().minIndex)); }}});
 }
 
 std::array<std::uint32_t, 8> zelRegisters(const std::vector<double>& x) {
@@ -124,9 +124,9 @@ void addFingerprint(std::size_t n) {
     zlibCrcOfPlanes(planes().data(), n, crcs.data());
     return crcs;
   };
-  compete(
-      "fingerprint", n, [peer, n] { return zelRegisters(normalData(n)) == peer(); },
-      {{"Zel", [n] { keep(zelRegisters(normalData(n))[0]); }}, {"zlib", [peer] { keep(peer()[0]); }}});
+  compete("fingerprint", n, [peer, n] { return zelRegisters(normalData(n)) == peer(); },
+          {{"Zel", [n] { keep(zelRegisters(normalData(n))[0]); }},
+           {"zlib", [peer] { keep(peer()[0]); }}});
 }
 
 [[maybe_unused]] const bool kRegistered = [] {
@@ -135,7 +135,8 @@ void addFingerprint(std::size_t n) {
   for (const std::size_t n : {1'000u, 10'000u, 100'000u, 1'000'000u, 10'000'000u}) {
     addMeanVariance("mean and variance", n, 0);
   }
-  for (const std::size_t n : {1'000u, 1'000'000u}) addMeanVariance("mean and variance, offset 1e9", n, 1e9);
+  for (const std::size_t n : {1'000u, 1'000'000u})
+    addMeanVariance("mean and variance, offset 1e9", n, 1e9);
   for (const std::size_t n : {1'000u, 1'000'000u}) addMinMax(n);
   for (const std::size_t n : {1'000u, 100'000u, 1'000'000u}) addFingerprint(n);
   return true;

@@ -53,11 +53,25 @@ const bool kRegistered = [] {
             {{"Zel", [=] { keep(readAll((*twins)->vector)); }},
              {"std::vector", [=] { keep(readAll((*twins)->plain)); }}});
     compete("SetVal loop", n, make,
-            {{"Zel", [=] { writeAll((*twins)->vector, 2.5); keep((*twins)->vector.GetVal(1)); }},
-             {"std::vector", [=] { writeAll((*twins)->plain, 2.5); keep((*twins)->plain[0]); }}});
+            {{"Zel",
+              [=] {
+                writeAll((*twins)->vector, 2.5);
+                keep((*twins)->vector.GetVal(1));
+              }},
+             {"std::vector", [=] {
+                writeAll((*twins)->plain, 2.5);
+                keep((*twins)->plain[0]);
+              }}});
     compete("Fill", n, make,
-            {{"Zel", [=] { (*twins)->vector.Fill(3.5); keep((*twins)->vector.GetVal(1)); }},
-             {"std::fill", [=] { std::fill((*twins)->plain.begin(), (*twins)->plain.end(), 3.5); keep((*twins)->plain[0]); }}});
+            {{"Zel",
+              [=] {
+                (*twins)->vector.Fill(3.5);
+                keep((*twins)->vector.GetVal(1));
+              }},
+             {"std::fill", [=] {
+                std::fill((*twins)->plain.begin(), (*twins)->plain.end(), 3.5);
+                keep((*twins)->plain[0]);
+              }}});
   }
   return true;
 }();

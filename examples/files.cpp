@@ -18,8 +18,8 @@ int main() {
   std::cout << "record: " << (good ? "identical" : "different") << '\n';
 
   // A number file: -2 asks for the exponential form of 26 characters, which holds a double exactly.
-  good = v.StoreOnFile(0, 0, -2, "files_example.txt") && w.LoadFromFile("files_example.txt", true) &&
-         same() && good;
+  good = v.StoreOnFile(0, 0, -2, "files_example.txt") &&
+         w.LoadFromFile("files_example.txt", true) && same() && good;
   std::cout << "number file: " << (same() ? "identical" : "different") << '\n';
 
   // An ASC file keeps as many decimals as it is told to; the rest is gone.

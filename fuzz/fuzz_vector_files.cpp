@@ -21,7 +21,8 @@ class ScratchFile {
   ~ScratchFile() { std::filesystem::remove(name_); }
   [[nodiscard]] const std::string& name() const { return name_; }
   void write(std::string_view text) const {
-    std::ofstream(name_, std::ios::binary).write(text.data(), static_cast<std::streamsize>(text.size()));
+    std::ofstream(name_, std::ios::binary)
+        .write(text.data(), static_cast<std::streamsize>(text.size()));
   }
 
  private:
@@ -73,7 +74,8 @@ int FuzzVectorFiles(const std::uint8_t* data, std::size_t size) {
   if (v.ImportASC(scratch(), comment) != 0 || v.size() > kLong) return 0;
   require(v.StoreOnFile(0, 0, -2, scratch()), "a scratch file can be written");
   zel::TVector w;
-  require(w.LoadFromFile(scratch(), true) && w.CRCofData() == v.CRCofData(), "26 characters are exact");
+  require(w.LoadFromFile(scratch(), true) && w.CRCofData() == v.CRCofData(),
+          "26 characters are exact");
   require(v.ExportAsASC(scratch(), 20, comment) == 0, "a scratch file can be written");
   std::string again;
   require(w.ImportASC(scratch(), again) == 0 && w.size() == v.size(), "an exported file reads");

@@ -23,7 +23,8 @@ void readRecord(std::string_view bytes, bool adjust) {
   std::stringstream copy;
   v.SaveToStream(copy, 0, 0);
   Vector w;
-  require(w.LoadFromStream(copy, true) && w.CRCofData() == v.CRCofData(), "a record reads the same");
+  require(w.LoadFromStream(copy, true) && w.CRCofData() == v.CRCofData(),
+          "a record reads the same");
 }
 
 }  // namespace

@@ -68,7 +68,8 @@ TYPED_TEST(Fingerprint, PiecesContinue) {
 TEST(FingerprintText, KnownValues) {
   // The check value of the polynomial: "123456789" gives CBF43926.
   std::uint32_t crc = kCrc32Start;
-  for (const char c : std::string("123456789")) crc = CalcNextCRC32(static_cast<std::uint8_t>(c), crc);
+  for (const char c : std::string("123456789"))
+    crc = CalcNextCRC32(static_cast<std::uint8_t>(c), crc);
   EXPECT_EQ(fingerprintText(std::array{crc}), "CBF43926");
   EXPECT_EQ(fingerprintText(std::array{~0x0000000Au}), "0000000A");
   EXPECT_EQ(fingerprintText(std::vector<double>{}), std::string(64, '0'));

@@ -35,7 +35,9 @@ void expectAccurate(DoubleDouble s, const BigInt& exact, const BigInt& magnitude
   const BigInt error = exact - (BigInt::scaled(s.hi) + BigInt::scaled(s.lo)) * unit;
   // Either small beside the result or, after cancellation, beside the terms.
   const double relative = exact.isZero() ? 1 : std::abs(BigInt::quotient<double>(error, exact));
-  EXPECT_TRUE(relative <= 0x1p-57 || std::abs(BigInt::quotient<double>(error, magnitudes)) <= 0x1p-84) << relative;
+  EXPECT_TRUE(relative <= 0x1p-57 ||
+              std::abs(BigInt::quotient<double>(error, magnitudes)) <= 0x1p-84)
+      << relative;
 }
 
 BigInt magnitudeOf(const BigInt& x) { return x.isNegative() ? -x : x; }

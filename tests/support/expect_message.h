@@ -6,12 +6,12 @@
 
 #include <string>
 
-#define EXPECT_THROW_MSG(statement, exception, message)                      \
-  do {                                                                       \
-    try {                                                                    \
-      statement;                                                             \
-      ADD_FAILURE() << #statement " does not throw";                         \
-    } catch (const exception& caught) {                                      \
-      EXPECT_EQ(std::string(message), caught.what());                        \
-    }                                                                        \
+#define EXPECT_THROW_MSG(statement, exception, message) \
+  do {                                                  \
+    try {                                               \
+      statement;                                        \
+      ADD_FAILURE() << #statement " does not throw";    \
+    } catch (const exception& caught) {                 \
+      EXPECT_EQ(std::string(message), caught.what());   \
+    }                                                   \
   } while (false)

@@ -6,8 +6,8 @@
 
 namespace zel::test {
 
-/// While it lives, the k-th allocation of array storage (counted from 0) fails; or every one above a
-/// size.
+/// While it lives, the k-th allocation of array storage (counted from 0) fails; or every one above
+/// a size.
 class FailingStorage {
  public:
   explicit FailingStorage(int k) {

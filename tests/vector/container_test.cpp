@@ -36,7 +36,8 @@ TYPED_TEST(Vectors, NewVectorIsOneZero) {
   TypeParam v;
   EXPECT_EQ(contents(v), Values<TypeParam>{0});
   EXPECT_TRUE(v.IsEmpty());
-  EXPECT_EQ(contents(TypeParam(std::span<const typename TypeParam::value_type>())), Values<TypeParam>{0});
+  EXPECT_EQ(contents(TypeParam(std::span<const typename TypeParam::value_type>())),
+            Values<TypeParam>{0});
 }
 
 TYPED_TEST(Vectors, AccessOutsideIsHarmlessAndSilent) {
@@ -91,7 +92,8 @@ TYPED_TEST(Vectors, FailedAllocationsNameTheVectorAndChangeNothing) {
   // Order statistics work on a copy of their own, by sorting it while somebody listens, else by
   // selection.
   MathFeedBackProc = [](double) {};
-  fails([&] { static_cast<void>(v.Percentile(50, 0, 0)); }, "Component \"V1\": not enough memory on heap");
+  fails([&] { static_cast<void>(v.Percentile(50, 0, 0)); },
+        "Component \"V1\": not enough memory on heap");
   fails([&] { v.Quartiles(0, 0, q, q, q); }, "Component \"V1\": not enough memory on heap");
   MathFeedBackProc = nullptr;
   const auto newFails = [&](auto&& operation, const char* message) {
@@ -107,7 +109,8 @@ TYPED_TEST(Vectors, FailedAllocationsNameTheVectorAndChangeNothing) {
     }
     EXPECT_EQ(caught, message);
   };
-  newFails([&] { static_cast<void>(v.Percentile(50, 0, 0)); }, "Component \"V1\": not enough memory on heap");
+  newFails([&] { static_cast<void>(v.Percentile(50, 0, 0)); },
+           "Component \"V1\": not enough memory on heap");
   newFails([&] { v.Quartiles(0, 0, q, q, q); }, "Component \"V1\": not enough memory on heap");
   std::stringstream record;
   other.SaveToStream(record, 0, 0);
@@ -123,9 +126,15 @@ TYPED_TEST(Vectors, FailedAllocationsNameTheVectorAndChangeNothing) {
 TYPED_TEST(Vectors, RangesAreClamped) {
   TypeParam v;
   v.Resize(10);
-  for (const auto& [low, high, first, last] : std::vector<std::array<int, 4>>{
-           {0, 0, 1, 10}, {0, 5, 1, 5}, {7, 3, 3, 7}, {-4, 99, 1, 10}, {12, 15, 10, 10},
-           {-9, -3, 1, 1}, {INT_MAX, INT_MIN, 1, 10}, {5, 0, 1, 5}}) {
+  for (const auto& [low, high, first, last] :
+       std::vector<std::array<int, 4>>{{0, 0, 1, 10},
+                                       {0, 5, 1, 5},
+                                       {7, 3, 3, 7},
+                                       {-4, 99, 1, 10},
+                                       {12, 15, 10, 10},
+                                       {-9, -3, 1, 1},
+                                       {INT_MAX, INT_MIN, 1, 10},
+                                       {5, 0, 1, 5}}) {
     int l = low;
     int h = high;
     v.MakeValidElemRange(l, h);
@@ -219,7 +228,8 @@ TYPED_TEST(Vectors, SortReportsEveryExchange) {
   for (const bool ascending : {true, false}) {
     TypeParam v;
     v.Resize(100);
-    for (int i = 1; i <= 100; ++i) v.SetVal(i, static_cast<typename TypeParam::value_type>(random() % 40));
+    for (int i = 1; i <= 100; ++i)
+      v.SetVal(i, static_cast<typename TypeParam::value_type>(random() % 40));
     TypeParam silent;
     silent.Clone(&v);
     // A twin that only follows the reports must end up equal.
@@ -262,7 +272,8 @@ TYPED_TEST(Vectors, HandlersMayResizeThrowAndClearThemselves) {
   TypeParam source{1, 2, 3, 4};
   w.OnChange = [&](TObject*) { source.Resize(1); };
   w.Clone(&source);
-  EXPECT_EQ(contents(w), (Values<TypeParam>{1, 0, 0, 0})) << "the resize already shrinks the source";
+  EXPECT_EQ(contents(w), (Values<TypeParam>{1, 0, 0, 0}))
+      << "the resize already shrinks the source";
 }
 
 TYPED_TEST(Vectors, CopiesDropWhatFallsOutside) {

@@ -26,7 +26,9 @@ class VectorFiles : public ::testing::Test {
   }
   void TearDown() override { fs::remove_all(folder_); }
 
-  [[nodiscard]] std::string path(const std::string& name) const { return (folder_ / name).string(); }
+  [[nodiscard]] std::string path(const std::string& name) const {
+    return (folder_ / name).string();
+  }
   [[nodiscard]] std::string file(const std::string& text) const {
     std::ofstream(path("in"), std::ios::binary) << text;
     return path("in");
@@ -140,7 +142,8 @@ TEST_F(VectorFiles, NumberFilesFollowThePrecision) {
   EXPECT_TRUE(v.StoreOnFile(1, 3, -5, name));
   EXPECT_EQ(text(name), "1 3\n1.50\n-2.00\n0.33\n");
   EXPECT_TRUE(v.StoreOnFile(3, 1, 25, name));
-  EXPECT_EQ(text(name), "1 3\n1.50000000000000000000\n-2.00000000000000000000\n0.33333333333333331483\n");
+  EXPECT_EQ(text(name),
+            "1 3\n1.50000000000000000000\n-2.00000000000000000000\n0.33333333333333331483\n");
   EXPECT_TRUE(v.StoreOnFile(2, 9, 0, name));
   EXPECT_EQ(text(name), "2 3\n-2\n0\n");
   for (const int precision : {-1, -2}) {
@@ -151,7 +154,8 @@ TEST_F(VectorFiles, NumberFilesFollowThePrecision) {
     for (int i = 1; i <= 3; ++i) {
       std::getline(lines, line);
       EXPECT_EQ(line.size(), precision == -1 ? 13U : 26U);
-      EXPECT_NEAR(std::stod(line), v.GetVal(i), std::fabs(v.GetVal(i)) * (precision == -1 ? 1e-4 : 0));
+      EXPECT_NEAR(std::stod(line), v.GetVal(i),
+                  std::fabs(v.GetVal(i)) * (precision == -1 ? 1e-4 : 0));
     }
   }
   TVector w;
@@ -214,8 +218,9 @@ TEST_F(VectorFiles, AscFilesHaveTheirForm) {
                             "       1.500\n      -2.000\n");
   TIntVector k{-7};
   EXPECT_EQ(k.ExportAsASC(name, "two\nlines"), 0);
-  EXPECT_EQ(text(name), "two lines\n1\t;nr. of columns\n1\t;nr. of rows\nFALSE FALSE FALSE FALSE\t"
-                        ";row attributes, column names, row names, nominal variables\n-7\n");
+  EXPECT_EQ(text(name),
+            "two lines\n1\t;nr. of columns\n1\t;nr. of rows\nFALSE FALSE FALSE FALSE\t"
+            ";row attributes, column names, row names, nominal variables\n-7\n");
   EXPECT_EQ(v.ExportAsASC(path("no/such/folder"), 3, ""), -1);
   EXPECT_EQ(v.ExportAsASC("/dev/full", 3, ""), -1);
   std::string comment;
@@ -230,11 +235,12 @@ TEST_F(VectorFiles, AscReaderSkipsAttributesAndNames) {
   TVector v;
   int events = 0;
   v.OnChange = [&](TObject*) { ++events; };
-  EXPECT_EQ(v.ImportASC(file("c\r\n1\t;nr. of columns\r\n3\t;nr. of rows\r\nTRUE TRUE TRUE FALSE\r\n"
-                             "\"my \"\"column\"\"\"\r\n"
-                             "3 \"row one\" 1.5e1\r\n4 \"row 2\" NAN\r\n5 bare ###\r\n"),
-                        comment),
-            0);
+  EXPECT_EQ(
+      v.ImportASC(file("c\r\n1\t;nr. of columns\r\n3\t;nr. of rows\r\nTRUE TRUE TRUE FALSE\r\n"
+                       "\"my \"\"column\"\"\"\r\n"
+                       "3 \"row one\" 1.5e1\r\n4 \"row 2\" NAN\r\n5 bare ###\r\n"),
+                  comment),
+      0);
   EXPECT_EQ(contents(v), (std::vector<double>{15, 0, 0}));
   EXPECT_EQ(events, 2) << "the resize and the end";
   EXPECT_FALSE(v.IsEmpty());
@@ -251,7 +257,8 @@ TEST_F(VectorFiles, AscErrorsAreTold) {
   EXPECT_NE(v.ImportASC(folder_.string(), comment), 0);
   EXPECT_EQ(contents(v), (std::vector<double>{7, 8, 9}));
   EXPECT_EQ(v.ImportASC(file(head + "1\n1,5\n3\n4\n"), comment), -6);
-  EXPECT_EQ(contents(v), (std::vector<double>{1, 8})) << "cut to the failing row, which keeps its value";
+  EXPECT_EQ(contents(v), (std::vector<double>{1, 8}))
+      << "cut to the failing row, which keeps its value";
   EXPECT_EQ(v.ImportASC(file(head + "1\n2\n3\n"), comment), -6) << "too few rows";
   EXPECT_EQ(contents(v), (std::vector<double>{1, 2, 3, 0}));
   EXPECT_EQ(v.ImportASC(file("c\n1\n2\nTRUE FALSE FALSE FALSE\n1 5\nx 6\n"), comment), -5);

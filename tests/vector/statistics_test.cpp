@@ -36,7 +36,8 @@ TYPED_TEST(VectorStatistics, MeanVarRules) {
 }
 
 TEST(VectorStatisticsDouble, VarianceIgnoresTheOffset) {
-  // Unit spread around 1e9 + 1/3: the second moment about 0 holds no digit of it in double precision.
+  // Unit spread around 1e9 + 1/3: the second moment about 0 holds no digit of it in double
+  // precision.
   TVector v;
   v.Resize(999);
   for (int i = 1; i <= 999; ++i) v.SetVal(i, 1e9 + (i % 3));
@@ -157,7 +158,8 @@ TYPED_TEST(VectorStatistics, OrderStatisticsAreTheSameWithAListener) {
   std::mt19937 random(11);
   TypeParam v;
   v.Resize(1000);
-  for (int i = 1; i <= 1000; ++i) v.SetVal(i, static_cast<typename TypeParam::value_type>(random() % 300));
+  for (int i = 1; i <= 1000; ++i)
+    v.SetVal(i, static_cast<typename TypeParam::value_type>(random() % 300));
   double q[6];
   const double silent = v.Percentile(33.3, 3, 977);
   v.Quartiles(0, 0, q[0], q[1], q[2]);
@@ -184,7 +186,11 @@ TYPED_TEST(VectorStatistics, ProductsAndCorrelation) {
                    "Component \"a\": vectors have different dimensions");
   EXPECT_THROW_MSG(static_cast<void>(a.EuclideanDistance(&shorter)), EZELVectorError,
                    "EuclideanDistance: dimensions of vectors do not match");
-  EXPECT_EQ((TypeParam{0, 0}.EuclideanDistance(std::make_unique<TypeParam>(std::initializer_list<typename TypeParam::value_type>{3, 4}).get())), 5);
+  EXPECT_EQ(
+      (TypeParam{0, 0}.EuclideanDistance(
+          std::make_unique<TypeParam>(std::initializer_list<typename TypeParam::value_type>{3, 4})
+              .get())),
+      5);
   EXPECT_DOUBLE_EQ(a.PearsonCorrCoeff(&b), 1);
   EXPECT_DOUBLE_EQ((TypeParam{1, 3, 2}.PearsonCorrCoeff(&a)), 0.5);
   EXPECT_EQ(a.PearsonCorrCoeff(&shorter), 0);
@@ -283,7 +289,8 @@ TEST(VectorStatisticsDouble, Integration) {
       EXPECT_DOUBLE_EQ(v.Integrate(0, 99, m), 2.5 * (n - 1)) << n << ' ' << int(m);
       EXPECT_EQ(v.Integrate(1, 1, m), 0);
     }
-    // Cubics are exact from 3 samples on, except for the open-ended rule, whose error is of order 4.
+    // Cubics are exact from 3 samples on, except for the open-ended rule, whose error is of
+    // order 4.
     for (int i = 1; i <= n; ++i) v.SetVal(i, double(i) * i * i);
     if (n >= 3 && n <= 5) {
       EXPECT_DOUBLE_EQ(v.Integrate(1, n, imSimpson), (std::pow(n, 4) - 1) / 4) << n;

@@ -1,6 +1,7 @@
 /// @file
-/// Dynamic arrays. One dimension: std::vector, or TDynArray<T, 1> where addressable bytes or aligned
-/// storage matter. Two to four dimensions: TDynArray<T, Rank>, rectangular, one contiguous block.
+/// Dynamic arrays. One dimension: std::vector, or TDynArray<T, 1> where addressable bytes or
+/// aligned storage matter. Two to four dimensions: TDynArray<T, Rank>, rectangular, one contiguous
+/// block.
 #pragma once
 
 #include <algorithm>
@@ -38,7 +39,8 @@ struct NestedList<T, 1> {
 
 /// Cells whose zero is all bits zero and that can be moved as bytes.
 template <class T>
-inline constexpr bool kPlainCell = std::is_arithmetic_v<T> || std::is_enum_v<T> || std::is_pointer_v<T>;
+inline constexpr bool kPlainCell =
+    std::is_arithmetic_v<T> || std::is_enum_v<T> || std::is_pointer_v<T>;
 
 }  // namespace detail
 
@@ -77,12 +79,13 @@ class TDynView {
   const std::size_t* FExtents;
 };
 
-/// Rectangular array of Rank dimensions in one contiguous 64-byte aligned block, last index fastest.
+/// Rectangular array of Rank dimensions in one contiguous 64-byte aligned block, last index
+/// fastest.
 ///
-/// Indices start at 0 and are not checked. New cells are 0 (T() for other types). Extents are checked
-/// for overflow before anything is allocated. Growing along the first index is amortised like
-/// std::vector::push_back; growing along another index moves each kept cell at most once, in place
-/// where the block has room. A failed resize leaves the array as it was.
+/// Indices start at 0 and are not checked. New cells are 0 (T() for other types). Extents are
+/// checked for overflow before anything is allocated. Growing along the first index is amortised
+/// like std::vector::push_back; growing along another index moves each kept cell at most once, in
+/// place where the block has room. A failed resize leaves the array as it was.
 template <class T, int Rank>
 class TDynArray {
   static_assert(Rank >= 1 && Rank <= 4);
@@ -97,10 +100,7 @@ class TDynArray {
 
   /// Array of the given extents, every cell 0.
   template <std::integral... N>
-    requires(sizeof...(N) == Rank)
-  explicit TDynArray(N... extents) {
-    SetLength(extents...);
-  }
+  requires(sizeof...(N) == Rank) explicit TDynArray(N... extents) { SetLength(extents...); }
 
   /// From nested braces: TDouble2DArray{{1, 2}, {3, 4}} has two columns of two cells.
   /// @throws EZELError  if inner lists differ in length
@@ -113,9 +113,7 @@ class TDynArray {
   }
 
   /// One-dimensional arrays from any range of cells.
-  explicit TDynArray(std::span<const T> cells)
-    requires(Rank == 1)
-  {
+  explicit TDynArray(std::span<const T> cells) requires(Rank == 1) {
     Reshape({cells.size()});
     std::copy(cells.begin(), cells.end(), FData);
   }
@@ -147,7 +145,9 @@ class TDynArray {
   friend void swap(TDynArray& a, TDynArray& b) noexcept { a.swap(b); }
 
   /// Extent of a dimension, the first numbered 0.
-  [[nodiscard]] std::size_t Length(int dim = 0) const { return FShape[static_cast<std::size_t>(dim)]; }
+  [[nodiscard]] std::size_t Length(int dim = 0) const {
+    return FShape[static_cast<std::size_t>(dim)];
+  }
   /// Number of cells.
   [[nodiscard]] std::size_t size() const {
     std::size_t n = 1;
@@ -163,8 +163,7 @@ class TDynArray {
   /// @throws std::length_error  for a negative extent or a product beyond the address space
   /// @throws std::bad_alloc
   template <std::integral... N>
-    requires(sizeof...(N) == Rank)
-  void SetLength(N... extents) {
+  requires(sizeof...(N) == Rank) void SetLength(N... extents) {
     Reshape({CheckedExtent(extents)...});
   }
 
@@ -184,13 +183,11 @@ class TDynArray {
   }
   /// The cell with these indices, one per dimension.
   template <std::integral... I>
-    requires(sizeof...(I) == Rank)
-  [[nodiscard]] T& operator()(I... index) {
+  requires(sizeof...(I) == Rank) [[nodiscard]] T& operator()(I... index) {
     return FData[Offset(index...)];
   }
   template <std::integral... I>
-    requires(sizeof...(I) == Rank)
-  [[nodiscard]] const T& operator()(I... index) const {
+  requires(sizeof...(I) == Rank) [[nodiscard]] const T& operator()(I... index) const {
     return FData[Offset(index...)];
   }
 
@@ -199,70 +196,32 @@ class TDynArray {
   }
 
   // The interface of a vector, for one dimension.
-  void resize(std::size_t n)
-    requires(Rank == 1)
-  {
-    Reshape({n});
-  }
-  void resize(std::size_t n, const T& value)
-    requires(Rank == 1)
-  {
+  void resize(std::size_t n) requires(Rank == 1) { Reshape({n}); }
+  void resize(std::size_t n, const T& value) requires(Rank == 1) {
     const T kept = value;
     const std::size_t old = size();
     Reshape({n});
     if (n > old) std::fill(FData + old, FData + n, kept);
   }
-  void assign(std::size_t n, const T& value)
-    requires(Rank == 1)
-  {
+  void assign(std::size_t n, const T& value) requires(Rank == 1) {
     const T kept = value;
     Reshape({n});
     std::fill(begin(), end(), kept);
   }
-  void push_back(const T& value)
-    requires(Rank == 1)
-  {
+  void push_back(const T& value) requires(Rank == 1) {
     const T kept = value;
     const std::size_t old = size();
     if (old >= CheckedRoom()) throw std::length_error("TDynArray: extents too large");
     Reshape({old + 1});
     FData[old] = kept;
   }
-  void pop_back()
-    requires(Rank == 1)
-  {
-    Reshape({size() - 1});
-  }
-  [[nodiscard]] T& front()
-    requires(Rank == 1)
-  {
-    return FData[0];
-  }
-  [[nodiscard]] T& back()
-    requires(Rank == 1)
-  {
-    return FData[size() - 1];
-  }
-  [[nodiscard]] const T& front() const
-    requires(Rank == 1)
-  {
-    return FData[0];
-  }
-  [[nodiscard]] const T& back() const
-    requires(Rank == 1)
-  {
-    return FData[size() - 1];
-  }
-  operator std::span<T>()
-    requires(Rank == 1)
-  {
-    return {FData, size()};
-  }
-  operator std::span<const T>() const
-    requires(Rank == 1)
-  {
-    return {FData, size()};
-  }
+  void pop_back() requires(Rank == 1) { Reshape({size() - 1}); }
+  [[nodiscard]] T& front() requires(Rank == 1) { return FData[0]; }
+  [[nodiscard]] T& back() requires(Rank == 1) { return FData[size() - 1]; }
+  [[nodiscard]] const T& front() const requires(Rank == 1) { return FData[0]; }
+  [[nodiscard]] const T& back() const requires(Rank == 1) { return FData[size() - 1]; }
+  operator std::span<T>() requires(Rank == 1) { return {FData, size()}; }
+  operator std::span<const T>() const requires(Rank == 1) { return {FData, size()}; }
 
   friend std::ostream& operator<<(std::ostream& out, const TDynArray& a) {
     const T* next = a.FData;
@@ -313,8 +272,8 @@ class TDynArray {
   /// Cells that form one contiguous run in both shapes: the product of the trailing extents that
   /// agree, times the shorter of the first pair that does not.
   struct Overlap {
-    std::size_t run = 1;   // contiguous cells kept together
-    int outer = Rank;      // dimensions that number the runs
+    std::size_t run = 1;  // contiguous cells kept together
+    int outer = Rank;     // dimensions that number the runs
   };
   static Overlap FindOverlap(const Shape& from, const Shape& to) {
     Overlap o;
@@ -329,7 +288,8 @@ class TDynArray {
 
   /// Calls move(fromOffset, toOffset) for every run that both shapes have, in the given direction.
   template <class Move>
-  static void ForEachRun(const Shape& from, const Shape& to, int outer, bool backward, Move&& move) {
+  static void ForEachRun(const Shape& from, const Shape& to, int outer, bool backward,
+                         Move&& move) {
     std::size_t runs = 1;
     for (int d = 0; d < outer; ++d) {
       runs *= std::min(from[static_cast<std::size_t>(d)], to[static_cast<std::size_t>(d)]);
@@ -382,15 +342,17 @@ class TDynArray {
     FShape = shape;
   }
 
-  static std::size_t CheckedRoom() { return std::numeric_limits<std::ptrdiff_t>::max() / sizeof(T); }
+  static std::size_t CheckedRoom() {
+    return std::numeric_limits<std::ptrdiff_t>::max() / sizeof(T);
+  }
 
   static void ResetCells(T* first, T* last) {
     if (first < last) std::fill(first, last, T());
   }
 
   /// Cells beyond the size are always 0, so that growing within the capacity only has to move.
-  /// Shrinking dimensions move runs toward the front, growing ones toward the back; a shape that does
-  /// both goes through the shape of their common cells.
+  /// Shrinking dimensions move runs toward the front, growing ones toward the back; a shape that
+  /// does both goes through the shape of their common cells.
   void ReshapeInPlace(const Shape& shape, std::size_t cells, std::size_t old) {
     Shape common;
     for (std::size_t d = 0; d < Rank; ++d) common[d] = std::min(FShape[d], shape[d]);

@@ -1,6 +1,6 @@
 /// @file
-/// Object model: TObject, TPersistent, TComponent. Components have an owner and a name, are destroyed
-/// with their owner, and are neither copied nor moved; Assign and Clone copy contents.
+/// Object model: TObject, TPersistent, TComponent. Components have an owner and a name, are
+/// destroyed with their owner, and are neither copied nor moved; Assign and Clone copy contents.
 #pragma once
 
 #include <string>

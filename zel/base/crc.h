@@ -21,8 +21,8 @@ inline constexpr std::array<std::uint32_t, 256> kCRC32Table = [] {
 
 }  // namespace detail
 
-/// The register after one more byte. Start with 0xFFFFFFFF; the complement of the last register is the
-/// checksum.
+/// The register after one more byte. Start with 0xFFFFFFFF; the complement of the last register is
+/// the checksum.
 [[nodiscard]] constexpr std::uint32_t CalcNextCRC32(std::uint8_t b, std::uint32_t crc) {
   return detail::kCRC32Table[(crc ^ b) & 0xFFU] ^ (crc >> 8);
 }

@@ -46,7 +46,9 @@ double Random() { return static_cast<double>(generator.next() >> 11) * 0x1p-53; 
 int Random(int n) {
   if (n <= 1) return 0;
   const auto range = static_cast<std::uint32_t>(n);
-  auto draw = [&] { return std::uint64_t{static_cast<std::uint32_t>(generator.next() >> 32)} * range; };
+  auto draw = [&] {
+    return std::uint64_t{static_cast<std::uint32_t>(generator.next() >> 32)} * range;
+  };
   std::uint64_t product = draw();
   if (static_cast<std::uint32_t>(product) < range) {
     const std::uint32_t threshold = (0U - range) % range;

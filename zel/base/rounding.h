@@ -19,12 +19,15 @@ template <std::floating_point F>
   return x;  // infinite or not a number
 }
 
-/// RoundEven as an integer type; values beyond the range give its nearest end, not-a-number gives 0.
+/// RoundEven as an integer type; values beyond the range give its nearest end, not-a-number gives
+/// 0.
 template <std::integral I, std::floating_point F>
 [[nodiscard]] inline I RoundToInt(F x) {
   const F rounded = RoundEven(x);
-  if (rounded >= static_cast<F>(std::numeric_limits<I>::max())) return std::numeric_limits<I>::max();
-  if (rounded <= static_cast<F>(std::numeric_limits<I>::min())) return std::numeric_limits<I>::min();
+  if (rounded >= static_cast<F>(std::numeric_limits<I>::max()))
+    return std::numeric_limits<I>::max();
+  if (rounded <= static_cast<F>(std::numeric_limits<I>::min()))
+    return std::numeric_limits<I>::min();
   return std::isnan(rounded) ? I{0} : static_cast<I>(rounded);
 }
 

@@ -16,7 +16,8 @@ bool (*AllocationAllowed)(std::size_t bytes) = nullptr;
 // again. The pointer that free needs is kept in the word below the block.
 void* AllocateZeroed(std::size_t bytes) {
   constexpr std::size_t extra = kAlignment + sizeof(void*);
-  if (bytes > SIZE_MAX - extra || (AllocationAllowed && !AllocationAllowed(bytes))) throw std::bad_alloc();
+  if (bytes > SIZE_MAX - extra || (AllocationAllowed && !AllocationAllowed(bytes)))
+    throw std::bad_alloc();
   void* raw = std::calloc(bytes + extra, 1);
   if (!raw) throw std::bad_alloc();
   const auto first = reinterpret_cast<std::uintptr_t>(raw) + sizeof(void*);

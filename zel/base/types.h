@@ -15,7 +15,8 @@ class TObject;
 /// Plain notification.
 using TNotifyEvent = std::function<void(TObject* Sender)>;
 /// A sort has exchanged two elements (ExchgWhat 0), columns (1) or rows (2); Index1 and Index2 are
-/// 1-based, First..Last is the range of the other dimension that the sort covered (0, 0 for vectors).
+/// 1-based, First..Last is the range of the other dimension that the sort covered (0, 0 for
+/// vectors).
 using TSortExchgEvent = std::function<void(TObject* Sender, std::uint8_t ExchgWhat, int Index1,
                                            int Index2, int First, int Last)>;
 /// Progress of a long operation in percent.

@@ -1,5 +1,6 @@
 /// @file
-/// Operations on each element. Floating point multiplies and adds separately; integers wrap modulo 2^32.
+/// Operations on each element. Floating point multiplies and adds separately; integers wrap modulo
+/// 2^32.
 #pragma once
 
 #include <cmath>
@@ -52,7 +53,8 @@ template <class T>
 void absolute(std::span<T> x) {
   for (T& element : x) {
     if constexpr (std::is_integral_v<T>) {
-      if (element < 0) element = detail::wrapped(T{0}, element, [](auto a, auto b) { return a - b; });
+      if (element < 0)
+        element = detail::wrapped(T{0}, element, [](auto a, auto b) { return a - b; });
     } else {
       element = std::fabs(element);
     }

@@ -33,8 +33,8 @@ void step(Word element, Registers<Word>& registers) {
   }
 }
 
-/// A register acts like bytes added to the first four of the message that follows, which then starts
-/// from 0: what the registers add to element i of that message.
+/// A register acts like bytes added to the first four of the message that follows, which then
+/// starts from 0: what the registers add to element i of that message.
 template <class Word>
 Word carried(const Registers<Word>& registers, std::size_t i) {
   Word element = 0;
@@ -65,8 +65,9 @@ void feed(std::span<const T> x, std::span<std::uint32_t, sizeof(T)> state) {
       }
       for (; i < count; ++i) {
         const std::size_t at = kReach + i;
-        reduced[at] = std::bit_cast<Word>(input[i]) ^ reduced[at - kDistances[0]] ^ reduced[at - kDistances[1]] ^
-                      reduced[at - kDistances[2]] ^ reduced[at - kDistances[3]];
+        reduced[at] = std::bit_cast<Word>(input[i]) ^ reduced[at - kDistances[0]] ^
+                      reduced[at - kDistances[1]] ^ reduced[at - kDistances[2]] ^
+                      reduced[at - kDistances[3]];
       }
       std::memmove(reduced, reduced + count, kReach * sizeof(Word));
     }

@@ -14,9 +14,9 @@
 
 namespace zel::kernels {
 
-/// Number of bins between the lower edges of the first and the last one: |last - first| / width rounded
-/// to nearest (integers: div) plus 1, limited to the int range. 0 for a width of 0 or below or bounds
-/// that are not finite.
+/// Number of bins between the lower edges of the first and the last one: |last - first| / width
+/// rounded to nearest (integers: div) plus 1, limited to the int range. 0 for a width of 0 or below
+/// or bounds that are not finite.
 template <class T>
 [[nodiscard]] int numberOfBins(T first, T last, T width) {
   if (!(width > 0)) return 0;
@@ -37,15 +37,19 @@ inline void growCount(int& count, std::int64_t times) {
   count = static_cast<int>(times > most - count ? most : count + times);
 }
 
-/// Counts values in bins of equal width: bin k, from 0, takes first + k width <= x < first + (k+1) width.
-/// Values below first underflow, those at or above last + width overflow, a bin beyond the last one is
-/// dropped, not-a-number is counted nowhere. Counts stop at the largest int.
+/// Counts values in bins of equal width: bin k, from 0, takes first + k width <= x < first + (k+1)
+/// width. Values below first underflow, those at or above last + width overflow, a bin beyond the
+/// last one is dropped, not-a-number is counted nowhere. Counts stop at the largest int.
 template <class T, class Count>
 class HistogramCounter {
  public:
   /// @param count  count(bin, times) adds to a bin and returns its new count
   HistogramCounter(T first, T last, T width, int bins, Count count)
-      : first_(first), end_(wide(last) + wide(width)), width_(width), bins_(bins), count_(std::move(count)) {}
+      : first_(first),
+        end_(wide(last) + wide(width)),
+        width_(width),
+        bins_(bins),
+        count_(std::move(count)) {}
 
   /// Counts x as often as given.
   void add(T x, std::int64_t times = 1) {

@@ -29,11 +29,16 @@ namespace hn = hwy::HWY_NAMESPACE;
 constexpr int kLowestExponent = -400;
 constexpr int kHighestExponent = 450;
 
-/// 2^exponent, in the normal range. By its bits: the library function costs as much as a part of a run.
-double powerOfTwo(int exponent) { return std::bit_cast<double>(static_cast<std::uint64_t>(exponent + 1023) << 52); }
+/// 2^exponent, in the normal range. By its bits: the library function costs as much as a part of a
+/// run.
+double powerOfTwo(int exponent) {
+  return std::bit_cast<double>(static_cast<std::uint64_t>(exponent + 1023) << 52);
+}
 
 /// e with 2^e <= m < 2^(e + 1), for positive normal m.
-int binaryExponent(double m) { return static_cast<int>(std::bit_cast<std::uint64_t>(m) >> 52) - 1023; }
+int binaryExponent(double m) {
+  return static_cast<int>(std::bit_cast<std::uint64_t>(m) >> 52) - 1023;
+}
 
 /// e with 2^e <= m < 2^(e + 1), not below kLowestExponent; above kHighestExponent for anything that
 /// is too large or not a number.

@@ -4,7 +4,8 @@
 /// Lane i takes the elements whose index is i modulo 16; runs of 128 steps are folded into a
 /// double-double per lane, and a fixed tree adds the lanes. The result is rounded once, at the end,
 /// and has the same bits on every machine. hi + lo differs from the exact sum by at most 2^-57 of
-/// itself or 2^-84 of the sum of the magnitudes of the terms, whichever is larger. Integers enter exactly.
+/// itself or 2^-84 of the sum of the magnitudes of the terms, whichever is larger. Integers enter
+/// exactly.
 ///
 /// Non-finite elements give what a plain loop gives: not-a-number if one is there or infinities of
 /// both signs meet, else the infinity.

@@ -4,5 +4,5 @@
 
 // Arrays of vectors need a size that the compiler knows, which SVE and RVV do not give. SSSE3, SSE4
 // and AVX3_DL add nothing to SSE2, AVX2 and AVX3 here, and each costs a copy of all the code.
-#define HWY_DISABLED_TARGETS                                                         \
+#define HWY_DISABLED_TARGETS \
   (HWY_SVE | HWY_SVE2 | HWY_SVE_256 | HWY_SVE2_128 | HWY_RVV | HWY_SSSE3 | HWY_SSE4 | HWY_AVX3_DL)

@@ -10,7 +10,9 @@
 namespace zel {
 
 TIntVector::TIntVector(TComponent* AOwner) : TNumVector(AOwner) {}
-TIntVector::TIntVector(std::initializer_list<int> values) { SetElements({values.begin(), values.size()}); }
+TIntVector::TIntVector(std::initializer_list<int> values) {
+  SetElements({values.begin(), values.size()});
+}
 TIntVector::TIntVector(std::span<const int> values) { SetElements(values); }
 TIntVector::~TIntVector() = default;
 std::string_view TIntVector::ClassName() const { return "TIntVector"; }
@@ -31,7 +33,8 @@ bool TIntVector::Histogram(int FirstElem, int LastElem, int FirstBin, int LastBi
   }
   if (Histo == this) {
     const TIntVector copy(Elements());
-    return copy.Histogram(FirstElem, LastElem, FirstBin, LastBin, width, Histo, Underflow, Overflow, MaxCnt);
+    return copy.Histogram(FirstElem, LastElem, FirstBin, LastBin, width, Histo, Underflow, Overflow,
+                          MaxCnt);
   }
   detail::CountPositions(Elements(), FirstElem, LastElem, FirstBin, LastBin, width, bins, *Histo,
                          Underflow, Overflow, MaxCnt);

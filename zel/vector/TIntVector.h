@@ -20,9 +20,9 @@ class ZEL_API TIntVector : public TNumVector<int> {
   /// First position in the range whose element equals value; 0 if none.
   [[nodiscard]] int FindExact(int LowElem, int HighElem, int value) const;
 
-  /// Counts the elements of FirstElem..LastElem (not clamped; positions outside the vector count as 0)
-  /// in bins of equal width w = max(BinWidth, 1); there are |LastBin - FirstBin| div w + 1 bins. See
-  /// TVector::Histogram for the rest.
+  /// Counts the elements of FirstElem..LastElem (not clamped; positions outside the vector count as
+  /// 0) in bins of equal width w = max(BinWidth, 1); there are |LastBin - FirstBin| div w + 1 bins.
+  /// See TVector::Histogram for the rest.
   /// @return true; false if Histo is null
   /// @throws EZELVectorError  `.Histogram": invalid number of bins` for more than 500 bins
   bool Histogram(int FirstElem, int LastElem, int FirstBin, int LastBin, int BinWidth,
@@ -31,8 +31,8 @@ class ZEL_API TIntVector : public TNumVector<int> {
   /// other vector count as 0. (The sign of the shift is opposite to TVector::Correlate.)
   [[nodiscard]] int Correlate(const TIntVector* OtherVec, int ElemShift) const;
 
-  /// Writes a number file: the range, then a value per line. The range is ordered; then FirstElem is
-  /// raised to 1 and LastElem lowered to NrOfElem, so that (0, 0) writes no value.
+  /// Writes a number file: the range, then a value per line. The range is ordered; then FirstElem
+  /// is raised to 1 and LastElem lowered to NrOfElem, so that (0, 0) writes no value.
   /// @return false if the file cannot be created; after a write error an old file is left as it was
   bool StoreOnFile(int FirstElem, int LastElem, std::string_view FileName) const;
   /// Writes an ASC file of one column.

@@ -18,7 +18,9 @@
 namespace zel {
 
 TVector::TVector(TComponent* AOwner) : TNumVector(AOwner) {}
-TVector::TVector(std::initializer_list<double> values) { SetElements({values.begin(), values.size()}); }
+TVector::TVector(std::initializer_list<double> values) {
+  SetElements({values.begin(), values.size()});
+}
 TVector::TVector(std::span<const double> values) { SetElements(values); }
 TVector::~TVector() = default;
 std::string_view TVector::ClassName() const { return "TVector"; }
@@ -42,8 +44,9 @@ void TVector::SetVecLeng(double value) {
   Changed();
 }
 
-bool TVector::Histogram(int FirstElem, int LastElem, double FirstBin, double LastBin, double BinWidth,
-                        TIntVector* Histo, int& Underflow, int& Overflow, int& MaxCnt) const {
+bool TVector::Histogram(int FirstElem, int LastElem, double FirstBin, double LastBin,
+                        double BinWidth, TIntVector* Histo, int& Underflow, int& Overflow,
+                        int& MaxCnt) const {
   const int bins = kernels::numberOfBins(FirstBin, LastBin, BinWidth);
   if (!Histo || bins < 1 || bins > detail::kMostBins) return false;
   detail::CountPositions(Elements(), FirstElem, LastElem, FirstBin, LastBin, BinWidth, bins, *Histo,
@@ -56,7 +59,8 @@ double TVector::Integrate(double BoundLow, double BoundHigh, TIntegMethod Method
     case imSimple:
       return kernels::integrate(Elements(), BoundLow, BoundHigh, kernels::IntegrationRule::mean);
     case imTrapezoidal:
-      return kernels::integrate(Elements(), BoundLow, BoundHigh, kernels::IntegrationRule::trapezoidal);
+      return kernels::integrate(Elements(), BoundLow, BoundHigh,
+                                kernels::IntegrationRule::trapezoidal);
     case imSimpson:
       return kernels::integrate(Elements(), BoundLow, BoundHigh, kernels::IntegrationRule::simpson);
   }
@@ -90,14 +94,16 @@ void TVector::QNormalize(double RefQuant, double& Median, double& QuantDiff) {
   if (QuantDiff > 0) kernels::standardize(Cells(), Median, QuantDiff);
 }
 
-bool TVector::StoreOnFile(int FirstElem, int LastElem, int Precision, std::string_view FileName) const {
+bool TVector::StoreOnFile(int FirstElem, int LastElem, int Precision,
+                          std::string_view FileName) const {
   if (Precision < -2) Precision = 2;
   Precision = std::min(Precision, 20);
   if (LastElem < FirstElem) std::swap(FirstElem, LastElem);
   MakeValidElemRange(FirstElem, LastElem);
   return detail::StoreNumberFile(FileName, FirstElem, LastElem, [&](std::ostream& out) {
     for (const double x : Range(FirstElem, LastElem)) {
-      out << (Precision >= 0 ? FormatFixed(x, Precision) : FormatExp(x, Precision == -1 ? 13 : 26)) << '\n';
+      out << (Precision >= 0 ? FormatFixed(x, Precision) : FormatExp(x, Precision == -1 ? 13 : 26))
+          << '\n';
     }
   });
 }

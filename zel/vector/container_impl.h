@@ -64,7 +64,8 @@ void TNumVector<T>::Changed() {
 }
 
 template <class T>
-void TNumVector<T>::SortExchange(std::uint8_t ExchgWhat, int Index1, int Index2, int First, int Last) {
+void TNumVector<T>::SortExchange(std::uint8_t ExchgWhat, int Index1, int Index2, int First,
+                                 int Last) {
   Fire(OnSortExchange, this, ExchgWhat, Index1, Index2, First, Last);
 }
 
@@ -178,8 +179,8 @@ void TNumVector<T>::SortElems(bool Ascending, int RangeFirst, int RangeLast) {
 template <class T>
 template <class Value>
 void TNumVector<T>::StoreEach(std::int64_t first, std::size_t count, Value&& value) {
-  // Only positions inside the vector; which ones that are does not depend on a handler's doings, since
-  // both paths check again.
+  // Only positions inside the vector; which ones that are does not depend on a handler's doings,
+  // since both paths check again.
   const std::int64_t skipped = std::max<std::int64_t>(0, 1 - first);
   const std::int64_t last = std::min<std::int64_t>(first + static_cast<std::int64_t>(count) - 1,
                                                    std::numeric_limits<int>::max());
@@ -200,7 +201,8 @@ template <class T>
 void TNumVector<T>::Clone(const TNumVector* VecSource) {
   if (!VecSource) return;
   Resize(VecSource->NrOfElem());
-  StoreEach(1, FVec.size(), [&](std::size_t k) { return VecSource->GetVal(static_cast<int>(k) + 1); });
+  StoreEach(1, FVec.size(),
+            [&](std::size_t k) { return VecSource->GetVal(static_cast<int>(k) + 1); });
   Changed();
 }
 
@@ -209,9 +211,8 @@ void TNumVector<T>::CopyFrom(const TNumVector* VecSource, int SourceElemLo, int 
                              int DestElem) {
   if (!VecSource) return;
   kernels::clampBounds(SourceElemLo, SourceElemHi, VecSource->NrOfElem());
-  StoreEach(DestElem, static_cast<std::size_t>(SourceElemHi - SourceElemLo) + 1, [&](std::size_t k) {
-    return VecSource->GetVal(SourceElemLo + static_cast<int>(k));
-  });
+  StoreEach(DestElem, static_cast<std::size_t>(SourceElemHi - SourceElemLo) + 1,
+            [&](std::size_t k) { return VecSource->GetVal(SourceElemLo + static_cast<int>(k)); });
   Changed();
 }
 

@@ -16,8 +16,8 @@
 namespace zel {
 namespace detail {
 
-/// Positions beyond what a source holds that a resize to its announced size may still add: enough for
-/// a record of a late part of a long vector, little enough for a forged one.
+/// Positions beyond what a source holds that a resize to its announced size may still add: enough
+/// for a record of a late part of a long vector, little enough for a forged one.
 inline constexpr std::int64_t kUnbackedPositions = std::int64_t{1} << 24;
 
 /// A number of a file as an element: integers are rounded, ties to even, and limited.
@@ -146,7 +146,8 @@ bool TNumVector<T>::LoadFromFile(std::string_view FileName, bool AdjustVectorSiz
   std::ifstream file;
   double low = 0;
   double high = 0;
-  if (!OpenForReading(file, FileName) || !ReadNumber(file, low) || !ReadNumber(file, high)) return false;
+  if (!OpenForReading(file, FileName) || !ReadNumber(file, low) || !ReadNumber(file, high))
+    return false;
   const int lowElem = RoundToInt<int>(low);
   const int highElem = RoundToInt<int>(high);
 
@@ -185,8 +186,8 @@ int TNumVector<T>::ImportASC(std::string_view FName, std::string& Comment) {
   bool columnNames = false;
   bool rowNames = false;
   bool nominal = false;
-  const int header = ReadHeaderOfASC(file, Comment, columns, rows, rowAttributes, columnNames,
-                                     rowNames, nominal);
+  const int header =
+      ReadHeaderOfASC(file, Comment, columns, rows, rowAttributes, columnNames, rowNames, nominal);
   if (header != 0) return header;
   if (columns > 1) return tooManyColumns;
 

@@ -35,7 +35,8 @@ void CountPositions(std::span<const T> cells, int first, int last, T firstBin, T
   const std::int64_t inside = std::max<std::int64_t>(0, inHigh - inLow + 1);
   const std::int64_t outside = std::max<std::int64_t>(0, std::int64_t{last} - first + 1) - inside;
   if (outside > 0) counter.add(T{0}, outside);
-  for (std::int64_t i = inLow; i <= inHigh; ++i) counter.add(cells[static_cast<std::size_t>(i - 1)]);
+  for (std::int64_t i = inLow; i <= inHigh; ++i)
+    counter.add(cells[static_cast<std::size_t>(i - 1)]);
   underflow = counter.underflow();
   overflow = counter.overflow();
   maxCount = counter.maxCount();
