@@ -9,9 +9,12 @@
 #include "fuzz/target.h"
 
 namespace zel_fuzz {
-namespace {
 
+/// The test framework prints a target by its name.
+void PrintTo(const Target& target, std::ostream* out);
 void PrintTo(const Target& target, std::ostream* out) { *out << target.name; }
+
+namespace {
 
 class Replay : public testing::TestWithParam<Target> {};
 
