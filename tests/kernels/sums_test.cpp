@@ -201,6 +201,27 @@ std::array<double, 13> allResults(const std::vector<double>& x, const std::vecto
           pearsonCorrelation(x, y)};
 }
 
+// Factors too large to be split, with products of ordinary size: without a fused multiply-add the
+// error terms need another way.
+TEST(Sums, HugeTimesTinyHasTheSameBitsOnEveryInstructionSet) {
+  std::mt19937_64 random(5);
+  std::vector<double> x(300), y(300);
+  for (std::size_t i = 0; i < x.size(); ++i) {
+    const int exponent = i % 3 == 0 ? 1010 : i % 3 == 1 ? -1010 : 0;
+    x[i] = std::ldexp(1 + static_cast<double>(random() >> 12) * 0x1p-52, exponent);
+    y[i] = std::ldexp(1 + static_cast<double>(random() >> 12) * 0x1p-52, -exponent);
+  }
+  BigInt exact;
+  for (std::size_t i = 0; i < x.size(); ++i)
+    exact = exact + BigInt::scaled(x[i]) * BigInt::scaled(y[i]);
+  const DoubleDouble expected = sumOfProducts(x, y);
+  expectAccurate(expected, exact, exact, 2148);
+  test::forEachTarget([&] {
+    EXPECT_EQ(sumOfProducts(x, y).hi, expected.hi);
+    EXPECT_EQ(sumOfProducts(x, y).lo, expected.lo);
+  });
+}
+
 TEST(Sums, HaveTheSameBitsOnEveryInstructionSet) {
   for (const std::size_t n : {0u, 1u, 7u, 100u, 2047u, 5003u}) {
     const auto data = test::hostileData(n);

@@ -1,8 +1,9 @@
 /// @file
-/// Instruction sets that the SIMD sources are compiled for; include before Highway.
+/// Instruction sets that the SIMD sources are compiled for: SSE4, AVX2 and AVX-512 on x86-64, with
+/// plain code for machines before SSE4; NEON on AArch64. Include before Highway.
 #pragma once
 
-// Arrays of vectors need a size that the compiler knows, which SVE and RVV do not give. SSSE3, SSE4
-// and AVX3_DL add nothing to SSE2, AVX2 and AVX3 here, and each costs a copy of all the code.
+// Arrays of vectors need a size that the compiler knows, which SVE and RVV do not give. SSSE3 and
+// AVX3_DL add nothing to their neighbours here, and each costs a copy of all the code.
 #define HWY_DISABLED_TARGETS \
-  (HWY_SVE | HWY_SVE2 | HWY_SVE_256 | HWY_SVE2_128 | HWY_RVV | HWY_SSSE3 | HWY_SSE4 | HWY_AVX3_DL)
+  (HWY_SVE | HWY_SVE2 | HWY_SVE_256 | HWY_SVE2_128 | HWY_RVV | HWY_SSSE3 | HWY_AVX3_DL)
