@@ -47,7 +47,9 @@ const bool kRegistered = [] {
     const auto twins = std::make_shared<std::unique_ptr<Twins>>();
     const auto make = [=] {
       if (!*twins) *twins = std::make_unique<Twins>(n);
-      return readAll((*twins)->vector) == readAll((*twins)->plain);
+      writeAll((*twins)->vector, 4.5);
+      writeAll((*twins)->plain, 4.5);
+      return readAll((*twins)->vector) == 4.5 && readAll((*twins)->plain) == 4.5;
     };
     compete("GetVal loop", n, make,
             {{"Zel", [=] { keep(readAll((*twins)->vector)); }},

@@ -9,7 +9,7 @@ constexpr std::size_t kSumLanes = 16;
 constexpr std::size_t kRunSteps = 128;
 constexpr std::size_t kRunElements = kRunSteps * kSumLanes;
 // Far enough to hide the latency of memory, near enough to stay in the first-level cache.
-constexpr std::size_t kPrefetchElements = 512;
+constexpr std::size_t kPrefetchElements = 256;
 
 using LaneTag = hn::CappedTag<double, kSumLanes>;
 using LaneVec = hn::Vec<LaneTag>;

@@ -60,13 +60,14 @@ double magnitude(const T* x, std::size_t n, double centre) {
   return isNumber ? largest : std::numeric_limits<double>::infinity();
 }
 
-/// x. The unit is 2^-43 of the largest magnitude allowed: 129 elements then move the accumulator by
-/// less than 2^51 units. The running check is a sum of squares, one operation where a maximum takes
+/// x. The unit is 2^-41 of the largest magnitude allowed: 513 elements then move the accumulator by
+/// less than 2^51 units. A run is as long as that, since ending one costs as much as many elements. The running check is a sum of squares, one operation where a maximum takes
 /// two. Fused or not it is rounded differently, so it only says that the magnitudes are certainly
 /// right; otherwise they are looked at, and the decision is the same on every machine.
 struct SplitSumTerms {
   static constexpr std::size_t kSums = 1;
   static constexpr std::size_t kWidth = HWY_MIN(kVecsPerStep, std::size_t{4});
+  static constexpr std::size_t kRun = 4 * kRunElements;
 
   struct State {
     LaneVec s, e, check;
@@ -88,8 +89,8 @@ struct SplitSumTerms {
 
   /// For magnitudes below 2^(exponent + 1); the sum of squares of a run usually stays within the
   /// check.
-  static double unitFor(int exponent) { return powerOfTwo(exponent + 5 - 43); }
-  static double largestFor(double u) { return u * 0x1p43; }
+  static double unitFor(int exponent) { return powerOfTwo(exponent + 6 - 41); }
+  static double largestFor(double u) { return u * 0x1p41; }
   static double limitOf(double u) { return largestFor(u) * largestFor(u) * (1 - 0x1p-20); }
   template <class T>
   static bool hasPassed(const T* x, std::size_t n, double, double u) {
@@ -98,12 +99,12 @@ struct SplitSumTerms {
   /// Follows magnitudes that became 2^6 times smaller; a larger check rules that out.
   template <class T>
   static int nextExponent(const T* x, std::size_t n, double check, int exponent) {
-    if (check > powerOfTwo(2 * exponent - 4)) return exponent;
+    if (check > powerOfTwo(2 * exponent - 2)) return exponent;
     const double m = magnitude(x, n, 0);
     return m > 0 && m < powerOfTwo(exponent - 6) ? exponentOf(m) : exponent;
   }
-  /// Of sixteen lanes: e grows by half a unit in each of 129 additions, which are rounded.
-  static void addErrors(double u, double, double* errors) { errors[0] += 0x1p-35 * u; }
+  /// Of sixteen lanes: e grows by half a unit in each of 513 additions, which are rounded.
+  static void addErrors(double u, double, double* errors) { errors[0] += 0x1p-31 * u; }
 };
 
 /// d = x - centre and d^2. The unit leaves 22 bits for d, so that the squares of the cut values are
@@ -112,6 +113,7 @@ struct SplitSumTerms {
 struct SplitMomentTerms {
   static constexpr std::size_t kSums = 2;
   static constexpr std::size_t kWidth = HWY_MIN(kVecsPerStep, std::size_t{2});
+  static constexpr std::size_t kRun = kRunElements;
 
   struct State {
     LaneVec s, e, check, rest;
@@ -148,7 +150,7 @@ struct SplitMomentTerms {
     if (!(check > 0 && check < powerOfTwo(2 * exponent - 3))) return exponent;
     return std::max(kLowestExponent, (binaryExponent(check) - 4) / 2);
   }
-  /// As above, and the rests grow to u * sqrt(129 check) in 129 rounded additions.
+  /// e grows by half a unit in each of 129 additions, and the rests grow to u * sqrt(129 check) in 129 rounded additions.
   static void addErrors(double u, double check, double* errors) {
     errors[0] += 0x1p-35 * u;
     errors[1] += 0x1p-38 * u * (std::sqrt(check) + 8 * u);
@@ -210,8 +212,8 @@ void splitSums(const T* HWY_RESTRICT x, std::size_t n, double centre, double one
                double* errors) {
   LaneSums<Terms::kSums> total{};
   int exponent = exponentOf(magnitude(x, HWY_MIN(n, kSumLanes), centre));
-  for (std::size_t begin = 0; begin < n; begin += kRunElements) {
-    const std::size_t count = HWY_MIN(n - begin, kRunElements);
+  for (std::size_t begin = 0; begin < n; begin += Terms::kRun) {
+    const std::size_t count = HWY_MIN(n - begin, Terms::kRun);
     bool isDone = false;
     double largest = 0;
     for (int attempt = 0; attempt < 2 && !isDone; ++attempt) {

@@ -89,7 +89,7 @@ class TNumVector : public TComponent {
     const auto index = static_cast<std::size_t>(static_cast<unsigned>(Elem) - 1U);
     if (index < FVec.size()) {
       FVec[index] = Value;
-      FIsEmpty = false;
+      if (FIsEmpty) FIsEmpty = false;  // a test is cheaper than a second store per element
       if (OnChange) Changed();
     }
   }
