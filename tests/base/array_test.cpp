@@ -145,7 +145,8 @@ TEST(DynArray, CopiesAreDeepAndMovesAreNot) {
   const TInt2DArray c = std::move(b);
   EXPECT_EQ(c.data(), cells);
   EXPECT_TRUE(b.empty());  // NOLINT(bugprone-use-after-move): a moved-from array is empty
-  a = a;
+  const TInt2DArray& itself = a;
+  a = itself;
   EXPECT_EQ(a, (TInt2DArray{{1, 2}, {3, 4}}));
 }
 
