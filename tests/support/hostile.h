@@ -20,7 +20,8 @@ struct NamedData {
 inline const std::vector<std::size_t> kLengths = [] {
   std::vector<std::size_t> lengths;
   for (std::size_t n = 0; n <= 70; ++n) lengths.push_back(n);
-  for (const std::size_t n : {255U, 1000U, 2047U, 2048U, 2049U, 2064U, 4113U, 6150U, 8192U, 8209U}) {
+  for (const std::size_t n :
+       {255U, 1000U, 2047U, 2048U, 2049U, 2064U, 4113U, 6150U, 8192U, 8209U}) {
     lengths.push_back(n);
   }
   return lengths;

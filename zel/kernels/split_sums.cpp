@@ -61,9 +61,10 @@ double magnitude(const T* x, std::size_t n, double centre) {
 }
 
 /// x. The unit is 2^-41 of the largest magnitude allowed: 513 elements then move the accumulator by
-/// less than 2^51 units. A run is as long as that, since ending one costs as much as many elements. The running check is a sum of squares, one operation where a maximum takes
-/// two. Fused or not it is rounded differently, so it only says that the magnitudes are certainly
-/// right; otherwise they are looked at, and the decision is the same on every machine.
+/// less than 2^51 units. A run is as long as that, since ending one costs as much as many elements.
+/// The running check is a sum of squares, one operation where a maximum takes two. Fused or not it
+/// is rounded differently, so it only says that the magnitudes are certainly right; otherwise they
+/// are looked at, and the decision is the same on every machine.
 struct SplitSumTerms {
   static constexpr std::size_t kSums = 1;
   static constexpr std::size_t kWidth = HWY_MIN(kVecsPerStep, std::size_t{4});
@@ -150,7 +151,8 @@ struct SplitMomentTerms {
     if (!(check > 0 && check < powerOfTwo(2 * exponent - 3))) return exponent;
     return std::max(kLowestExponent, (binaryExponent(check) - 4) / 2);
   }
-  /// e grows by half a unit in each of 129 additions, and the rests grow to u * sqrt(129 check) in 129 rounded additions.
+  /// e grows by half a unit in each of 129 additions, and the rests grow to u * sqrt(129 check) in
+  /// 129 rounded additions.
   static void addErrors(double u, double check, double* errors) {
     errors[0] += 0x1p-35 * u;
     errors[1] += 0x1p-38 * u * (std::sqrt(check) + 8 * u);
