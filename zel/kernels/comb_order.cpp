@@ -44,7 +44,7 @@ bool orderPass(double* keys, std::uint64_t* order, std::size_t n, std::size_t ga
   const hn::ScalableTag<double> d;
   constexpr std::size_t kLanes = HWY_LANES(double);
   std::size_t i = 0;
-  if (gap >= kLanes) {
+  if (gap > 1 && gap >= kLanes) {
     for (; i + kLanes <= n - gap; i += kLanes) {
       orderSteps<kAscending>(d, keys + i, order + i, gap);
     }
