@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "zel/kernels/decompositions.h"
+#include "zel/kernels/scratch.h"
 #include "zel/kernels/targets.h"
 
 #undef HWY_TARGET_INCLUDE
@@ -23,10 +24,12 @@ constexpr std::size_t kWidestSliver = 24;
 
 struct Workspace {
   static std::size_t length(std::size_t n) {
-    return (n + 2 * kWidestSliver) * kPanel + 3 * kPanel * kPanel;
+    return (n + 2 * kWidestSliver) * kPanel + 3 * kPanel * kPanel + kLine;
   }
   explicit Workspace(double* at)
-      : block(at), triangle(block + kPanel * kPanel), slivers(triangle + 2 * kPanel * kPanel) {}
+      : block(alignedToLine(at)),
+        triangle(block + kPanel * kPanel),
+        slivers(triangle + 2 * kPanel * kPanel) {}
 
   double* block;     // diagonal block, stored by rows
   double* triangle;  // the same, packed
@@ -86,7 +89,7 @@ bool choleskyFactor(Matrix a, double* storage) {
       for (std::size_t i = 0; i <= j; ++i) block(i, j) = work.block[i * kPanel + j];
       diagonal[j] = block(j, j);
     }
-    packTriangle(
+    packTriangle<4>(
         width, [&](std::size_t i, std::size_t k) { return work.block[k * kPanel + i]; },
         work.triangle);
 
@@ -97,7 +100,7 @@ bool choleskyFactor(Matrix a, double* storage) {
     double* sliver = work.slivers;
     for (std::size_t c = 0; c < rest; c += kSliver, sliver += kSliver * width) {
       packColumns(rows, c, sliver);
-      solveTriangle(work.triangle, 0, width, diagonal, sliver, kSliver);
+      solveTriangle<4, kVecs>(work.triangle, 0, width, diagonal, sliver, kSliver);
       unpackColumns(sliver, rows, c);
       const std::size_t end = HWY_MIN(c + kSliver, rest);
       for (std::size_t i = 0; i <= c; i += kSliver) {

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "zel/kernels/decompositions.h"
+#include "zel/kernels/scratch.h"
 #include "zel/kernels/targets.h"
 
 #undef HWY_TARGET_INCLUDE
@@ -33,11 +34,11 @@ struct Workspace {
 
   static std::size_t length(std::size_t n) {
     const std::size_t panel = n < kPanel ? n : kPanel;
-    return n + (n + kWidestSliver) * panel + panel * kWidestSliver + 2 * kPanel * kPanel;
+    return n + (n + kWidestSliver) * panel + panel * kWidestSliver + 2 * kPanel * kPanel + kLine;
   }
   Workspace(double* at, std::size_t n) {
     const std::size_t panel = n < kPanel ? n : kPanel;
-    rows = at;
+    rows = alignedToLine(at);
     sliver = rows + (n + kWidestSliver) * panel;
     triangle = sliver + panel * kWidestSliver;
     scale = triangle + 2 * kPanel * kPanel;
@@ -129,7 +130,7 @@ class LuFactors {
     if (first == last) return;
     const std::size_t below = j + width;
     const std::size_t rows = n_ - below;
-    packTriangle(
+    packTriangle<4>(
         width, [this, j](std::size_t i, std::size_t k) { return a_(j + i, j + k); },
         work_.triangle);
     // A few columns do not repay the packing of all rows, only of the last, incomplete sliver.
@@ -141,7 +142,7 @@ class LuFactors {
       lu::exchangeRows(a_, pivots_, j, below, c, end);
       const Matrix top = a_.block(j, c, width, end - c);
       packColumns(top, 0, work_.sliver);
-      solveTriangle(work_.triangle, 0, width, nullptr, work_.sliver, kSliver);
+      solveTriangle<4, kVecs>(work_.triangle, 0, width, nullptr, work_.sliver, kSliver);
       unpackColumns(work_.sliver, top, 0);
       for (std::size_t i = 0; i < rows; i += kSliver) {
         const bool isDirect = i < whole;
