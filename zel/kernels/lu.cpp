@@ -11,6 +11,7 @@
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "zel/kernels/lu.cpp"
+#include "hwy/cache_control.h"
 #include "hwy/foreach_target.h"  // IWYU pragma: keep
 #include "hwy/highway.h"
 
@@ -67,7 +68,11 @@ inline void exchangeRows(Matrix a, const std::size_t* pivots, std::size_t first,
                          std::size_t from, std::size_t to) {
   for (std::size_t c = from; c < to; ++c) {
     double* x = a.column(c);
-    for (std::size_t i = first; i < last; ++i) std::swap(x[i], x[pivots[i]]);
+    const double* next = a.column(c + 1 < to ? c + 1 : c);
+    for (std::size_t i = first; i < last; ++i) {
+      hwy::Prefetch(next + pivots[i]);
+      std::swap(x[i], x[pivots[i]]);
+    }
   }
 }
 

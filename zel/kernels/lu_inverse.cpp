@@ -98,7 +98,7 @@ class Inversion {
   double* upperRow(std::size_t i) { return upper_ + i * n_ - i * (i - 1) / 2; }
 
   /// In the order of use: for each chunk of columns its triangle, then the rows below it.
-  HWY_NOINLINE void packLower() {
+  void packLower() {
     // As many rows at a time as share whole lines of the cache in each column.
     constexpr std::size_t kSteps = 8;
     double* to = lower_;
@@ -137,7 +137,7 @@ class Inversion {
   }
 
   /// Rows of U, each from the diagonal on.
-  HWY_NOINLINE void packUpper() {
+  void packUpper() {
     // As many rows at a time as share a line of the cache in each column.
     constexpr std::size_t kRows = 8;
     for (std::size_t i = 0; i < n_; i += kRows) {
@@ -150,7 +150,7 @@ class Inversion {
 
   /// Row `first` is the first that is not zero. What rows before it would subtract is an exact
   /// zero, and so is what the leading zeros of its neighbours subtract.
-  HWY_NOINLINE void substituteForward(std::size_t first) {
+  void substituteForward(std::size_t first) {
     const double* l = lower_;
     for (std::size_t k = 0; k < n_; l += lu::packedChunk(n_, k), k += lu::kChunk) {
       if (k + lu::kChunk <= first) continue;
@@ -196,7 +196,7 @@ class Inversion {
     }
   }
 
-  HWY_NOINLINE void substituteBack(std::size_t i, double* panel) {
+  void substituteBack(std::size_t i, double* panel) {
     const Tag d;
     const double* HWY_RESTRICT u = upperRow(i);
     double* row = panel + i * kPanel;

@@ -29,14 +29,15 @@ HWY_INLINE Vec fusedSubtract(Vec a, Vec b, Vec c) {
 #endif
 }
 
-/// Packs the strict lower triangle of entry(i, k), i < rows, for solveTriangle: for each kStep rows,
-/// their entries of one column side by side, columns upwards to the last of these rows.
+/// Packs the strict lower triangle of entry(i, k), i < rows, for solveTriangle: for each kStep
+/// rows, their entries of one column side by side, columns upwards to the last of these rows.
 /// @return the end of the packed form
 template <std::size_t kStep, class Entry>
 HWY_INLINE double* packTriangle(std::size_t rows, Entry entry, double* HWY_RESTRICT to) {
   for (std::size_t i = 0; i < rows; i += kStep) {
     for (std::size_t k = 0; k < i + kStep; ++k, to += kStep) {
-      for (std::size_t r = 0; r < kStep; ++r) to[r] = k < i + r && i + r < rows ? entry(i + r, k) : 0;
+      for (std::size_t r = 0; r < kStep; ++r)
+        to[r] = k < i + r && i + r < rows ? entry(i + r, k) : 0;
     }
   }
   return to;
@@ -48,20 +49,30 @@ HWY_INLINE void subtractRows(const double* HWY_RESTRICT l, std::size_t inner,
                              const double* HWY_RESTRICT x, std::size_t stride,
                              Vec (&s)[kRows][kWidth]) {
   const Tag d;
+  // What there are fewer of stays in registers beside the sums.
   for (std::size_t k = 0; k < inner; ++k) {
-    Vec y[kWidth];
-    for (std::size_t v = 0; v < kWidth; ++v) y[v] = hn::LoadU(d, x + v * kLanes);
-    for (std::size_t r = 0; r < kRows; ++r) {
-      const Vec factor = hn::Set(d, l[r]);
-      for (std::size_t v = 0; v < kWidth; ++v) s[r][v] = fusedSubtract(factor, y[v], s[r][v]);
+    if constexpr (kRows < kWidth) {
+      Vec factor[kRows];
+      for (std::size_t r = 0; r < kRows; ++r) factor[r] = hn::Set(d, l[r]);
+      for (std::size_t v = 0; v < kWidth; ++v) {
+        const Vec y = hn::LoadU(d, x + v * kLanes);
+        for (std::size_t r = 0; r < kRows; ++r) s[r][v] = fusedSubtract(factor[r], y, s[r][v]);
+      }
+    } else {
+      Vec y[kWidth];
+      for (std::size_t v = 0; v < kWidth; ++v) y[v] = hn::LoadU(d, x + v * kLanes);
+      for (std::size_t r = 0; r < kRows; ++r) {
+        const Vec factor = hn::Set(d, l[r]);
+        for (std::size_t v = 0; v < kWidth; ++v) s[r][v] = fusedSubtract(factor, y[v], s[r][v]);
+      }
     }
     l += kStep;
     x += stride;
   }
 }
 
-/// kRows rows of the solution; `inner` solved rows before them begin at x. diagonal: null for a unit
-/// triangle, or the divisors.
+/// kRows rows of the solution; `inner` solved rows before them begin at x. diagonal: null for a
+/// unit triangle, or the divisors.
 template <std::size_t kStep, std::size_t kRows, std::size_t kWidth>
 HWY_INLINE void solveRows(const double* HWY_RESTRICT l, std::size_t inner, const double* diagonal,
                           double* x, std::size_t stride) {
