@@ -1,7 +1,6 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
-#include <memory>
 #include <utility>
 
 #include "zel/kernels/decompositions.h"
@@ -24,12 +23,10 @@ constexpr std::size_t kWidestSliver = 24;
 
 struct Workspace {
   static std::size_t length(std::size_t n) {
-    return (n + 2 * kWidestSliver) * kPanel + 3 * kPanel * kPanel + kLine;
+    return (n + 2 * kWidestSliver) * kPanel + 3 * kPanel * kPanel;
   }
   explicit Workspace(double* at)
-      : block(alignedToLine(at)),
-        triangle(block + kPanel * kPanel),
-        slivers(triangle + 2 * kPanel * kPanel) {}
+      : block(at), triangle(block + kPanel * kPanel), slivers(triangle + 2 * kPanel * kPanel) {}
 
   double* block;     // diagonal block, stored by rows
   double* triangle;  // the same, packed
@@ -44,6 +41,9 @@ namespace zel::kernels::HWY_NAMESPACE {
 namespace {
 
 namespace hn = hwy::HWY_NAMESPACE;
+
+#include "zel/kernels/double_double-inl.h"
+#include "zel/kernels/fused_multiply_add-inl.h"
 
 #include "zel/kernels/triangular-inl.h"
 
@@ -132,13 +132,13 @@ namespace zel::kernels {
 HWY_EXPORT(choleskyFactor);
 
 bool choleskyDecompose(Matrix a, std::span<double> diagonal) {
-  const auto work = std::make_unique_for_overwrite<double[]>(cholesky::Workspace::length(a.rows));
+  const Scratch work(cholesky::Workspace::length(a.rows));
   for (std::size_t c = 0; c < a.columns; ++c) {
     for (std::size_t r = c + 1; r < a.rows; ++r) a(c, r) = a(r, c);
   }
   // The diagonal of the matrix serves as work space and comes back afterwards.
   for (std::size_t i = 0; i < a.rows; ++i) diagonal[i] = a(i, i);
-  const bool isPositive = HWY_DYNAMIC_DISPATCH(choleskyFactor)(a, work.get());
+  const bool isPositive = HWY_DYNAMIC_DISPATCH(choleskyFactor)(a, work.data());
   for (std::size_t i = 0; i < a.rows; ++i) std::swap(diagonal[i], a(i, i));
   return isPositive;
 }

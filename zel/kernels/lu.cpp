@@ -2,7 +2,6 @@
 #include <cstddef>
 #include <cstring>
 #include <exception>
-#include <memory>
 #include <utility>
 
 #include "zel/kernels/decompositions.h"
@@ -35,11 +34,11 @@ struct Workspace {
 
   static std::size_t length(std::size_t n) {
     const std::size_t panel = n < kPanel ? n : kPanel;
-    return n + (n + kWidestSliver) * panel + panel * kWidestSliver + 2 * kPanel * kPanel + kLine;
+    return n + (n + kWidestSliver) * panel + panel * kWidestSliver + 2 * kPanel * kPanel;
   }
   Workspace(double* at, std::size_t n) {
     const std::size_t panel = n < kPanel ? n : kPanel;
-    rows = alignedToLine(at);
+    rows = at;
     sliver = rows + (n + kWidestSliver) * panel;
     triangle = sliver + panel * kWidestSliver;
     scale = triangle + 2 * kPanel * kPanel;
@@ -84,6 +83,9 @@ namespace zel::kernels::HWY_NAMESPACE {
 namespace {
 
 namespace hn = hwy::HWY_NAMESPACE;
+
+#include "zel/kernels/double_double-inl.h"
+#include "zel/kernels/fused_multiply_add-inl.h"
 
 #include "zel/kernels/triangular-inl.h"
 
@@ -349,14 +351,12 @@ LuStatus luDecompose(Matrix a, std::span<std::size_t> pivots, int& sign, Poll sc
                      Matrix scratch) {
   const std::size_t n = a.rows;
   sign = 1;
-  const auto storage = std::make_unique_for_overwrite<double[]>(lu::Workspace::length(n));
-  const lu::Workspace work(storage.get(), n);
+  const Scratch storage(lu::Workspace::length(n));
+  const lu::Workspace work(storage.data(), n);
   // Blocks run ahead of the columns, so a stop needs the original.
-  std::unique_ptr<double[]> kept;
-  if (step && scratch.data == nullptr) {
-    kept = std::make_unique_for_overwrite<double[]>(n * n);
-    scratch = {kept.get(), n, n, n};
-  }
+  const bool isKept = step && scratch.data == nullptr;
+  const Scratch kept(isKept ? n * n : 0);
+  if (isKept) scratch = {kept.data(), n, n, n};
   for (std::size_t i = 0; i < n; ++i) {
     if (!scaled()) return LuStatus::stopped;
   }

@@ -37,7 +37,7 @@ inline std::size_t packedLower(std::size_t n) {
 /// Doubles for the packed factors and the right-hand sides, for any width of vectors.
 inline std::size_t inverseWorkspace(std::size_t n) {
   constexpr std::size_t kMostColumns = 120;
-  return packedLower(n) + n * (n + 1) / 2 + n * kMostColumns + kLine;
+  return packedLower(n) + n * (n + 1) / 2 + n * kMostColumns;
 }
 
 }  // namespace zel::kernels::lu
@@ -48,6 +48,9 @@ namespace zel::kernels::HWY_NAMESPACE {
 namespace {
 
 namespace hn = hwy::HWY_NAMESPACE;
+
+#include "zel/kernels/double_double-inl.h"
+#include "zel/kernels/fused_multiply_add-inl.h"
 
 #include "zel/kernels/triangular-inl.h"
 
@@ -67,7 +70,7 @@ class Inversion {
   Inversion(ConstMatrix lu, double* work)
       : lu_(lu),
         n_(lu.rows),
-        panels_(alignedToLine(work)),
+        panels_(work),
         lower_(panels_ + n_ * kColumns),
         upper_(lower_ + lu::packedLower(n_)) {
     packLower();
@@ -260,12 +263,12 @@ HWY_EXPORT(invert);
 
 bool luInverse(ConstMatrix lu, std::span<const std::size_t> pivots, Matrix inverse, Poll step) {
   const std::size_t n = lu.rows;
-  const auto work = std::make_unique_for_overwrite<double[]>(lu::inverseWorkspace(n));
+  const Scratch work(lu::inverseWorkspace(n));
   // The exchanges turn unit vector unit[i] into unit vector i, whose leading zeros are known.
   const auto unit = std::make_unique_for_overwrite<std::size_t[]>(n);
   for (std::size_t i = 0; i < n; ++i) unit[i] = i;
   for (std::size_t i = 0; i < n; ++i) std::swap(unit[i], unit[pivots[i]]);
-  return HWY_DYNAMIC_DISPATCH(invert)(lu, unit.get(), work.get(), inverse, step);
+  return HWY_DYNAMIC_DISPATCH(invert)(lu, unit.get(), work.data(), inverse, step);
 }
 
 }  // namespace zel::kernels

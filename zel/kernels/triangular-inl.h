@@ -1,5 +1,6 @@
 // Building blocks of the decompositions: packed slivers, the triangular solution on them, and the
-// subtraction of a product from a tile. Included once per instruction set inside its namespace.
+// subtraction of a product from a tile. Included once per instruction set inside its namespace,
+// after fused_multiply_add-inl.h.
 //
 // A sliver is kSliver neighbouring columns of a block, stored row by row, so that one row of it is
 // three vectors side by side. A column of the sliver is a lane, and each lane takes its own
@@ -19,13 +20,7 @@ HWY_INLINE Vec fusedSubtract(Vec a, Vec b, Vec c) {
 #if HWY_NATIVE_FMA
   return hn::NegMulAdd(a, b, c);
 #else
-  const Tag d;
-  HWY_ALIGN double x[3][kLanes];
-  hn::Store(a, d, x[0]);
-  hn::Store(b, d, x[1]);
-  hn::Store(c, d, x[2]);
-  for (std::size_t i = 0; i < kLanes; ++i) x[2][i] = std::fma(-x[0][i], x[1][i], x[2][i]);
-  return hn::Load(d, x[2]);
+  return fusedMultiplyAdd(hn::Neg(a), b, c);
 #endif
 }
 
