@@ -93,9 +93,10 @@ TEST_F(SquareProduct, NoWorkerOutlivesTheCall) {
     MathFeedBackProc = throws ? [](double) { if (++calls > last) throw EMathError("enough"); }
                               : [](double) { if (++calls > last) AbortMathProc = true; };
     result.Resize(1, 1);
+    // Only the first call is sure to come before the work is done.
     try {
-      EXPECT_FALSE(a.Square(&result, 1, 3));
-      EXPECT_FALSE(throws);
+      EXPECT_TRUE(!a.Square(&result, 1, 3) || last > 0);
+      EXPECT_TRUE(!throws || last > 0);
     } catch (const EMathError&) {
       EXPECT_TRUE(throws);
     }
