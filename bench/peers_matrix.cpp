@@ -2,7 +2,14 @@
 
 #include <cmath>
 
+#include <Eigen/Core>
+
 namespace zel::bench {
+
+void eigenTranspose(double* a, std::size_t n) {
+  const auto m = static_cast<Eigen::Index>(n);
+  Eigen::Map<Eigen::MatrixXd>(a, m, m).transposeInPlace();
+}
 
 void plainDistances(const double* x, std::size_t rows, std::size_t columns, double* distances) {
   for (std::size_t i = 0; i < rows; ++i) {

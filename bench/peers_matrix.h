@@ -9,6 +9,9 @@
 
 namespace zel::bench {
 
+/// Transposes a square matrix in place.
+void eigenTranspose(double* a, std::size_t n);
+
 /// Euclidean distances of all rows of a matrix stored by columns, pair by pair.
 void plainDistances(const double* x, std::size_t rows, std::size_t columns, double* distances);
 
