@@ -2,9 +2,11 @@
 #include <algorithm>
 #include <cmath>
 
+#include "zel/base/progress.h"
 #include "zel/kernels/moments.h"
 #include "zel/kernels/rows.h"
 #include "zel/kernels/sums.h"
+#include "zel/kernels/svd.h"
 #include "zel/matrix/TMatrix.h"
 #include "zel/matrix/container_impl.h"
 
@@ -47,8 +49,23 @@ double TMatrix::Norm(TNormType nt) const {
           keepLargest(kernels::sumOfMagnitudes(x));
         });
         break;
-      case ntSpectral:
-        throw EZELMatrixError("near singular covariance matrix");
+      case ntSpectral: {
+        TDouble2DArray copy;
+        CopyToArray(copy, 0, 0, 0, 0);
+        const auto rows = static_cast<std::size_t>(NrOfRows());
+        const auto columns = static_cast<std::size_t>(NrOfColumns());
+        TDoubleArray values(columns);
+        const auto step = [] {
+          ProgressStep();
+          return !AbortMathProc;
+        };
+        if (kernels::singularValues({copy.data(), rows, columns, rows}, values, step) !=
+            kernels::SvdStatus::done) {
+          throw EZELMatrixError("near singular covariance matrix");
+        }
+        for (const double value : values) keepLargest(value);
+        break;
+      }
       case ntFrobenius:
         return kernels::euclideanNorm(Elements());
     }
