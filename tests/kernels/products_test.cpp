@@ -102,13 +102,19 @@ void checkProducts(std::size_t rows, std::size_t columns, std::size_t inner) {
   }
 }
 
-// Every number of rows and columns up to more than a tile of any instruction set, with inner
-// extents around the tiles of the packing.
+// Up to the largest product that is not packed, and of packed ones every number of rows and columns
+// up to more than a tile of any instruction set, with inner extents around the tiles of the
+// packing.
 TEST(Products, EveryRemainder) {
-  std::size_t inner = 0;
-  for (std::size_t rows = 0; rows <= 26; ++rows) {
+  std::size_t turn = 0;
+  for (std::size_t rows = 0; rows <= 16; ++rows) {
     for (std::size_t columns = 0; columns <= 17; ++columns) {
-      checkProducts(rows, columns, inner++ % 18);
+      checkProducts(rows, columns, turn++ % 17);
+    }
+  }
+  for (std::size_t rows = 1; rows <= 26; ++rows) {
+    for (std::size_t columns = 1; columns <= 9; ++columns) {
+      checkProducts(rows, columns, 17 + turn++ % 9);
     }
   }
   for (std::size_t n = 18; n <= 70; ++n) checkProducts(n, 71 - n, n);
@@ -120,7 +126,7 @@ TEST(Products, AroundTheBlocks) {
   checkProducts(97, 70, 385);
   checkProducts(193, 9, 2);
   checkProducts(5, 2, 770);
-  checkProducts(3, 2047, 2);
+  checkProducts(3, 2048, 2);
   checkProducts(3, 2049, 2);
 }
 

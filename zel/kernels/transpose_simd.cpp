@@ -39,8 +39,8 @@ HWY_INLINE void forTiles(std::size_t rows, std::size_t columns, Tile tile, Rest 
   const std::size_t cellColumns = columns / kCell * kCell;
   for (std::size_t c = 0; c < cellColumns; c += kCell) {
     for (std::size_t r = 0; r < cellRows; r += kCell) {
-      for (std::size_t j = c; j < c + kCell; j += kTile) {
-        for (std::size_t i = r; i < r + kCell; i += kTile) tile(i, j);
+      for (std::size_t i = r; i < r + kCell; i += kTile) {
+        for (std::size_t j = c; j < c + kCell; j += kTile) tile(i, j);
       }
     }
   }
