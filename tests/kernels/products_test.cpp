@@ -230,7 +230,9 @@ TEST(Products, SquareByRunsOfColumns) {
   const std::pair<std::size_t, std::size_t> shapes[] = {{0, 3},   {1, 1},    {3, 2},   {5, 12},
                                                         {385, 9}, {384, 33}, {40, 70}, {770, 61}};
   std::mt19937_64 random(3);
-  for (const auto& [rows, columns] : shapes) {
+  for (const auto& shape : shapes) {
+    const std::size_t rows = shape.first;
+    const std::size_t columns = shape.second;
     SCOPED_TRACE(testing::Message() << rows << " x " << columns);
     Spaced a(rows, columns, normal());
     Spaced expected(columns, columns, [] { return 0.0; });

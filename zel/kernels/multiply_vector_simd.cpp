@@ -96,21 +96,25 @@ HWY_INLINE void sumColumns(const double* HWY_RESTRICT a, std::size_t stride, std
   for (std::size_t g = 0; g < kGroups; ++g) hn::StoreU(sum[g], d, y + g * kTile);
 }
 
+/// All columns, kGroups * kTile at a time. The last time some may be repeated.
+/// @return the first column that is left, because there are fewer
+template <std::size_t kGroups>
+std::size_t sumManyColumns(const ConstMatrix& a, std::size_t c, const double* x, double* y) {
+  constexpr std::size_t kMany = kGroups * kTile;
+  if (a.columns < kMany) return c;
+  while (c < a.columns) {
+    c = std::min(c, a.columns - kMany);
+    sumColumns<kGroups>(a.column(c), a.stride, a.rows, x, y + c);
+    c += kMany;
+  }
+  return c;
+}
+
 void sumAllColumns(const ConstMatrix& a, const double* x, double* y) {
   // Sixteen chains hide the latency of the additions.
   constexpr std::size_t kGroups = HWY_NATIVE_FMA ? 16 / kTile : 1;
-  constexpr std::size_t kMany = kGroups * kTile;
-  std::size_t c = 0;
-  for (; c + kMany <= a.columns; c += kMany) {
-    sumColumns<kGroups>(a.column(c), a.stride, a.rows, x, y + c);
-  }
-  if (a.columns >= kTile) {
-    while (c < a.columns) {
-      c = std::min(c, a.columns - kTile);  // the last may repeat some columns
-      sumColumns<1>(a.column(c), a.stride, a.rows, x, y + c);
-      c += kTile;
-    }
-  }
+  std::size_t c = sumManyColumns<kGroups>(a, 0, x, y);
+  c = sumManyColumns<1>(a, c, x, y);
   const NumberTag d;
   for (; c < a.columns; ++c) {
     auto sum = hn::Zero(d);
