@@ -114,7 +114,7 @@ TEST(Products, EveryRemainder) {
     }
   }
   for (std::size_t rows = 1; rows <= 26; ++rows) {
-    for (std::size_t columns = 1; columns <= 9; ++columns) {
+    for (std::size_t columns = 9; columns <= 17; ++columns) {
       checkProducts(rows, columns, 17 + turn++ % 9);
     }
   }
@@ -125,10 +125,13 @@ TEST(Products, AroundTheBlocks) {
   checkProducts(95, 3, 383);
   checkProducts(96, 5, 384);
   checkProducts(97, 10, 385);
-  checkProducts(193, 9, 2);
+  checkProducts(193, 9, 17);
+  checkProducts(41, 30, 8);  // thin
+  checkProducts(41, 8, 64);
+  checkProducts(41, 7, 65);
   checkProducts(5, 2, 770);
-  checkProducts(3, 2048, 2);
-  checkProducts(3, 2049, 2);
+  checkProducts(3, 2048, 9);
+  checkProducts(3, 2049, 9);
 }
 
 /// Values at which an emulated multiply-add can go wrong.

@@ -10,8 +10,13 @@ namespace zel::kernels {
 
 namespace {
 
-// Up to this extent packing costs more than it saves.
 constexpr std::size_t kSmall = 16;
+
+/// Packing the factors would cost more than it saves.
+bool isThin(Factor asA, std::size_t rows, std::size_t columns, std::size_t inner) {
+  if (std::max({rows, columns, inner}) <= kSmall) return true;
+  return asA == Factor::plain && (inner <= 8 || (columns <= 8 && inner <= 64));
+}
 
 /// Rows r.. and columns c.. of a factor as it enters the product.
 ConstMatrix part(ConstMatrix m, Factor as, std::size_t r, std::size_t c, std::size_t rows,
@@ -24,7 +29,7 @@ void addProduct(ConstMatrix a, Factor asA, ConstMatrix b, Factor asB, bool isNeg
   if (c.empty()) return;
   const std::size_t inner = asA == Factor::plain ? a.columns : a.rows;
   const Lines linesOfB = asB == Factor::plain ? Lines::columns : Lines::rows;
-  if (std::max({c.rows, c.columns, inner}) <= kSmall) {
+  if (isThin(asA, c.rows, c.columns, inner)) {
     double plain[kSmall * kSmall];
     if (asA == Factor::transposed) {
       transpose(a, {plain, c.rows, inner, c.rows});

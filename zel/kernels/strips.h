@@ -46,7 +46,7 @@ void multiplyStrips(const double* left, const double* right, std::size_t depth, 
                     std::ptrdiff_t diagonal, Matrix c);
 
 /// The same straight from the factors, of which the left one is plain: faster than packing them if
-/// they are small.
+/// they are small or thin.
 /// @param lines      what holds the lines of b: its columns if it is plain
 /// @param isNegated  changes the signs of a
 void multiplyUnpacked(ConstMatrix a, bool isNegated, ConstMatrix b, Lines lines, Start start,

@@ -234,21 +234,23 @@ void multiplyDirectly(const ConstMatrix& a, bool isNegated, const ConstMatrix& b
   const double sign = isNegated ? -0.0 : 0.0;
   const std::size_t nextDepth = lines == Lines::columns ? 1 : b.stride;
   const std::size_t nextColumn = lines == Lines::columns ? b.stride : 1;
-  const auto multiplyRows = [&](auto tag, std::size_t i) HWY_ATTR {
-    const ConstMatrix rows{a.data + i, 1, a.columns, a.stride};
-    std::size_t j = 0;
-    for (; j + 4 <= c.columns; j += 4) {
-      multiplyCells<4>(tag, rows, hn::Set(tag, sign), b.data + j * nextColumn, nextDepth,
-                       nextColumn, start, c.column(j) + i, c.stride);
+  const auto multiplyColumns = [&](auto width, std::size_t j) HWY_ATTR {
+    const double* const columns = b.data + j * nextColumn;
+    std::size_t i = 0;
+    for (; i + kTile <= c.rows; i += kTile) {
+      multiplyCells<width()>(d, a.block(i, 0, kTile, a.columns), hn::Set(d, sign), columns,
+                             nextDepth, nextColumn, start, c.column(j) + i, c.stride);
     }
-    for (; j < c.columns; ++j) {
-      multiplyCells<1>(tag, rows, hn::Set(tag, sign), b.data + j * nextColumn, nextDepth,
-                       nextColumn, start, c.column(j) + i, c.stride);
+    for (; i < c.rows; ++i) {
+      multiplyCells<width()>(one, a.block(i, 0, 1, a.columns), hn::Set(one, sign), columns,
+                             nextDepth, nextColumn, start, c.column(j) + i, c.stride);
     }
   };
-  std::size_t i = 0;
-  for (; i + kTile <= c.rows; i += kTile) multiplyRows(d, i);
-  for (; i < c.rows; ++i) multiplyRows(one, i);
+  std::size_t j = 0;
+  for (; j + 4 <= c.columns; j += 4) {
+    multiplyColumns(std::integral_constant<std::size_t, 4>(), j);
+  }
+  for (; j < c.columns; ++j) multiplyColumns(std::integral_constant<std::size_t, 1>(), j);
 }
 
 }  // namespace
