@@ -1,10 +1,19 @@
 #include "bench/peers_blas.h"
 
-#include <cblas.h>
-
 #include <vector>
 
+// The Fortran names: another library of the program has C names of the same functions, and slow
+// ones.
 extern "C" {
+void openblas_set_num_threads(int n);
+void dgemm_(const char* transA, const char* transB, const int* m, const int* n, const int* k,
+            const double* alpha, const double* a, const int* lda, const double* b, const int* ldb,
+            const double* beta, double* c, const int* ldc);
+void dsyrk_(const char* uplo, const char* trans, const int* n, const int* k, const double* alpha,
+            const double* a, const int* lda, const double* beta, double* c, const int* ldc);
+void dgemv_(const char* trans, const int* m, const int* n, const double* alpha, const double* a,
+            const int* lda, const double* x, const int* incx, const double* beta, double* y,
+            const int* incy);
 void dgetrf_(const int* m, const int* n, double* a, const int* lda, int* pivots, int* info);
 void dgetri_(const int* n, double* a, const int* lda, const int* pivots, double* work,
              const int* lwork, int* info);
@@ -18,24 +27,26 @@ namespace {
   openblas_set_num_threads(1);
   return true;
 }();
+constexpr double kZero = 0;
+constexpr double kOne = 1;
+constexpr int kNext = 1;
 }  // namespace
 
 void blasMultiply(const double* a, const double* b, double* c, std::size_t n) {
   const int m = static_cast<int>(n);
-  cblas_dgemm(CblasColMajor, CblasNoTrans, CblasNoTrans, m, m, m, 1, a, m, b, m, 0, c, m);
+  dgemm_("N", "N", &m, &m, &m, &kOne, a, &m, b, &m, &kZero, c, &m);
 }
 
 void blasSquare(const double* a, std::size_t rows, std::size_t columns, double* c) {
   const int k = static_cast<int>(rows);
   const int m = static_cast<int>(columns);
-  cblas_dsyrk(CblasColMajor, CblasUpper, CblasTrans, m, k, 1, a, k, 0, c, m);
+  dsyrk_("U", "T", &m, &k, &kOne, a, &k, &kZero, c, &m);
 }
 
 void blasMultiplyVector(const double* a, bool isTransposed, const double* x, double* y,
                         std::size_t n) {
   const int m = static_cast<int>(n);
-  cblas_dgemv(CblasColMajor, isTransposed ? CblasTrans : CblasNoTrans, m, m, 1, a, m, x, 1, 0, y,
-              1);
+  dgemv_(isTransposed ? "T" : "N", &m, &m, &kOne, a, &m, x, &kNext, &kZero, y, &kNext);
 }
 
 int lapackLu(double* a, int* pivots, std::size_t n) {

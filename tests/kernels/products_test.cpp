@@ -139,6 +139,12 @@ std::vector<double> hostileFactors() {
   }
   std::mt19937_64 random(17);
   for (int i = 0; i < 40; ++i) values.push_back(std::bit_cast<double>(random()));
+  // Pairs whose product rounds to just below 1 and is a little larger or smaller than that.
+  for (int i = 0; i < 20; ++i) {
+    const double a = 1 + static_cast<double>(random() >> 12) * 0x1p-52;
+    values.push_back(a);
+    values.push_back((1 - 0x1p-53) / a);
+  }
   for (std::size_t i = values.size(); i-- > 0;) values.push_back(-values[i]);
   return values;
 }
@@ -153,13 +159,14 @@ TEST(Products, OneRoundingForEveryValue) {
       [](double product) { return product; },
       [](double product) { return std::nextafter(product, 0); },
       [](double product) { return -std::nextafter(2 * product, HUGE_VAL); },
+      [](double product) { return std::copysign(0x1.fffffffffffffp1023, -product); },
       [](double) { return 0.0; },
       [](double) { return -0.0; },
       [&](double product) {
         // An odd or even number whose last place is twice the size of the product.
-        const double odd = std::ldexp(static_cast<double>((random() >> 12) | (1ULL << 52)), 1);
-        return std::copysign(std::ldexp(odd, std::isfinite(product) ? std::ilogb(product) : 0),
-                             static_cast<double>(random() % 2) - 0.5);
+        const double whole = static_cast<double>((random() >> 12) | (1ULL << 52));
+        const int size = std::isfinite(product) ? std::ilogb(1.5 * product) : 0;
+        return std::copysign(std::ldexp(whole, size + 1), static_cast<double>(random() % 2) - 0.5);
       },
       [&](double product) {
         const int shift = static_cast<int>(random() % 240) - 120;

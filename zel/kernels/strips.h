@@ -20,16 +20,11 @@ inline constexpr std::size_t kStripGroup = 8;
   return (lines + kStripGroup - 1) / kStripGroup * kStripGroup;
 }
 
-#ifndef MC
-#define MC 96
-#define KC 384
-#define NC 2048
-#endif
-// Blocks of a product, multiples of the group. The left block, shared by a whole row of tiles, fits
-// in the second-level cache.
-inline constexpr std::size_t kRowBlock = MC;
-inline constexpr std::size_t kDepthBlock = KC;
-inline constexpr std::size_t kColumnBlock = NC;
+// Blocks of a product, multiples of the group. The left block stays in the second-level cache, the
+// right one in the third; the longer the depth, the more seldom the result is loaded and stored.
+inline constexpr std::size_t kRowBlock = 96;
+inline constexpr std::size_t kDepthBlock = 384;
+inline constexpr std::size_t kColumnBlock = 2048;
 
 enum class Lines : std::uint8_t { rows, columns };
 

@@ -94,44 +94,52 @@ void pack(const ConstMatrix& part, Lines lines, bool isNegated, double* to) {
   std::fill(to + packed * depth, to + paddedLines(count) * depth, 0.0);
 }
 
+/// What the next tiles will need, to be fetched while the present one is computed.
+struct Ahead {
+  const double* right;  // part of the next columns' strips
+  const double* cells;  // the next tile of the result
+};
+
+constexpr std::size_t kLine = 8;  // numbers in a cache line
+// Lines of the next columns' strips that are fetched every kLine depths, so few that they do not
+// hold up the strips in use. Four tiles fetch all.
+constexpr std::size_t kTilesAhead = 4;
+constexpr std::size_t kLinesAhead = kColumns / kTilesAhead;
+
 /// One tile of the result: kRows strips by kColumns.
 template <std::size_t kRows>
 HWY_INLINE void multiplyTile(const double* HWY_RESTRICT left, const double* HWY_RESTRICT right,
-                             std::size_t depth, bool isFromZero, double* HWY_RESTRICT c,
-                             std::size_t stride) {
+                             std::size_t depth, Start start, double* HWY_RESTRICT c,
+                             std::size_t stride, Ahead ahead) {
   const TileTag d;
   TileVec sum[kColumns][kRows];
-  if (isFromZero) {
-    for (std::size_t j = 0; j < kColumns; ++j) {
-      for (std::size_t s = 0; s < kRows; ++s) sum[j][s] = hn::Zero(d);
-    }
-  } else {
-    for (std::size_t j = 0; j < kColumns; ++j) {
-      for (std::size_t s = 0; s < kRows; ++s) {
-        sum[j][s] = hn::LoadU(d, c + j * stride + s * kTile);
-      }
-    }
-  }
-#ifdef PF
   for (std::size_t j = 0; j < kColumns; ++j) {
-    hwy::Prefetch(c + j * stride + kRows * kTile);
-    hwy::Prefetch(c + j * stride + kRows * kTile+7);
+    for (std::size_t s = 0; s < kRows; ++s) {
+      sum[j][s] = start == Start::zero ? hn::Zero(d) : hn::LoadU(d, c + j * stride + s * kTile);
+    }
   }
-#endif
-  for (std::size_t k = 0; k < depth; ++k) {
-#ifdef PFA
-    for (std::size_t s = 0; s < kRows; ++s) hwy::Prefetch(left + ((s+kRows) * depth + k) * kTile);
-#endif
+  const auto addDepth = [&](std::size_t k) HWY_ATTR {
     TileVec rows[kRows];
     for (std::size_t s = 0; s < kRows; ++s) rows[s] = hn::Load(d, left + (s * depth + k) * kTile);
     for (std::size_t j = 0; j < kColumns; ++j) {
-      const TileVec column =
-          hn::Set(d, right[(j / kTile * depth + k) * kTile + j % kTile]);
+      const TileVec column = hn::Set(d, right[(j / kTile * depth + k) * kTile + j % kTile]);
       for (std::size_t s = 0; s < kRows; ++s) {
         sum[j][s] = fusedMultiplyAdd(rows[s], column, sum[j][s]);
       }
     }
+  };
+  std::size_t k = 0;
+  for (; k + kLine <= depth; k += kLine) {
+    for (std::size_t i = 0; i < kLinesAhead; ++i) hwy::Prefetch(ahead.right + i * kLine);
+    ahead.right += kLinesAhead * kLine;
+    if (k < kColumns * kLine) {
+      hwy::Prefetch(ahead.cells);
+      hwy::Prefetch(ahead.cells + kRows * kTile - 1);
+      ahead.cells += stride;
+    }
+    for (std::size_t i = 0; i < kLine; ++i) addDepth(k + i);
   }
+  for (; k < depth; ++k) addDepth(k);
   for (std::size_t j = 0; j < kColumns; ++j) {
     for (std::size_t s = 0; s < kRows; ++s) {
       hn::StoreU(sum[j][s], d, c + j * stride + s * kTile);
@@ -140,61 +148,56 @@ HWY_INLINE void multiplyTile(const double* HWY_RESTRICT left, const double* HWY_
 }
 
 HWY_NOINLINE void multiplyAnyTile(const double* left, const double* right, std::size_t depth,
-                     bool isFromZero, std::size_t strips, double* c, std::size_t stride) {
+                                  Start start, std::size_t strips, double* c, std::size_t stride,
+                                  Ahead ahead) {
   if constexpr (kStrips == 3) {
-    if (strips == 3) return multiplyTile<3>(left, right, depth, isFromZero, c, stride);
-    if (strips == 2) return multiplyTile<2>(left, right, depth, isFromZero, c, stride);
+    if (strips == 3) return multiplyTile<3>(left, right, depth, start, c, stride, ahead);
+    if (strips == 2) return multiplyTile<2>(left, right, depth, start, c, stride, ahead);
   }
-  multiplyTile<1>(left, right, depth, isFromZero, c, stride);
+  multiplyTile<1>(left, right, depth, start, c, stride, ahead);
+}
+
+/// A tile over the edge of the result is computed apart. Its surplus cells hold anything.
+void multiplyEdge(const double* left, const double* right, std::size_t depth, Start start,
+                  std::size_t strips, const Matrix& cells, Ahead ahead) {
+  alignas(64) double edge[kColumns * kStrips * kTile] = {};
+  const std::size_t stride = strips * kTile;
+  if (start == Start::present) {
+    for (std::size_t j = 0; j < cells.columns; ++j) {
+      std::copy_n(cells.column(j), cells.rows, edge + j * stride);
+    }
+  }
+  multiplyAnyTile(left, right, depth, start, strips, edge, stride, ahead);
+  for (std::size_t j = 0; j < cells.columns; ++j) {
+    std::copy_n(edge + j * stride, cells.rows, cells.column(j));
+  }
 }
 
 void multiplyAll(const double* left, const double* right, std::size_t depth, Start start,
                  std::ptrdiff_t diagonal, const Matrix& c) {
-  const bool isFromZero = start == Start::zero;
-#ifdef ROWS_OUTER
-  for (std::size_t i = 0; i < c.rows; i += kStrips * kTile) {
+  constexpr std::size_t kRows = kStrips * kTile;
   for (std::size_t j = 0; j < c.columns; j += kColumns) {
-#else
-  for (std::size_t j = 0; j < c.columns; j += kColumns) {
-  for (std::size_t i = 0; i < c.rows; i += kStrips * kTile) {
-#endif
     const std::size_t columns = std::min(kColumns, c.columns - j);
-      if (static_cast<std::ptrdiff_t>(i) >= static_cast<std::ptrdiff_t>(j + columns) + diagonal) break;
-      const std::size_t rows = std::min(kStrips * kTile, c.rows - i);
+    const double* const nextRight = right + (j + columns < c.columns ? j + columns : j) * depth;
+    for (std::size_t i = 0; i < c.rows; i += kRows) {
+      if (static_cast<std::ptrdiff_t>(i) >= static_cast<std::ptrdiff_t>(j + columns) + diagonal) {
+        break;
+      }
+      const std::size_t rows = std::min(kRows, c.rows - i);
       const std::size_t strips = (rows + kTile - 1) / kTile;
-#ifdef PFC
-      {
-        const bool l = i + kStrips*kTile >= c.rows;
-        const double* nx = l ? c.column(HWY_MIN(j+kColumns, c.columns-1)) : c.column(j) + i + kStrips*kTile;
-        for (std::size_t x = 0; x < kColumns; ++x) {
-          __builtin_prefetch(nx + x*c.stride); __builtin_prefetch(nx + x*c.stride+7);
-          __builtin_prefetch(nx + x*c.stride+11);
-        }
+      const std::size_t quarter = std::min(i / kRows, kTilesAhead - 1);
+      Ahead ahead{nextRight + quarter * kLinesAhead * depth, c.column(j) + i};
+      if (i + rows < c.rows) {
+        ahead.cells += rows;
+      } else if (j + columns < c.columns) {
+        ahead.cells = c.column(j + columns);
       }
-#endif
-#ifdef PFB
-      {
-        const std::size_t piece = depth*kColumns / ((c.rows+kStrips*kTile-1)/(kStrips*kTile)) + 8;
-        const double* nx = right + (j+kColumns)*depth + piece*(i/(kStrips*kTile));
-        for (std::size_t x = 0; x < piece; x+=8) __builtin_prefetch(nx + x, 0, PFB);
-      }
-#endif
       if (columns == kColumns && rows == strips * kTile) {
-        multiplyAnyTile(left + i * depth, right + j * depth, depth, isFromZero, strips,
-                        c.column(j) + i, c.stride);
-        continue;
-      }
-      // A tile over the edge is computed apart. Its surplus cells hold anything.
-      alignas(64) double edge[kColumns * kStrips * kTile] = {};
-      if (!isFromZero) {
-        for (std::size_t x = 0; x < columns; ++x) {
-          std::copy_n(c.column(j + x) + i, rows, edge + x * strips * kTile);
-        }
-      }
-      multiplyAnyTile(left + i * depth, right + j * depth, depth, isFromZero, strips, edge,
-                      strips * kTile);
-      for (std::size_t x = 0; x < columns; ++x) {
-        std::copy_n(edge + x * strips * kTile, rows, c.column(j + x) + i);
+        multiplyAnyTile(left + i * depth, right + j * depth, depth, start, strips, c.column(j) + i,
+                        c.stride, ahead);
+      } else {
+        multiplyEdge(left + i * depth, right + j * depth, depth, start, strips,
+                     c.block(i, j, rows, columns), ahead);
       }
     }
   }
