@@ -24,16 +24,25 @@ constexpr std::size_t kSmall = 256;
 // Slivers of the widest vectors.
 constexpr std::size_t kWidestSliver = 24;
 
-struct Workspace {
-  static std::size_t length(std::size_t n) {
-    return (n + 2 * kWidestSliver) * kPanel + 3 * kPanel * kPanel;
-  }
-  explicit Workspace(double* at)
-      : block(at), triangle(block + kPanel * kPanel), slivers(triangle + 2 * kPanel * kPanel) {}
+inline std::size_t panelOf(std::size_t n) {
+  const std::size_t most = n < kSmall ? kSmallPanel : kPanel;
+  return n < most ? n : most;
+}
 
+struct Workspace {
   double* block;     // diagonal block, stored by rows
-  double* triangle;  // the same, packed
   double* slivers;   // the rest of the rows
+  double* triangle;  // the block, packed
+
+  static std::size_t length(std::size_t n) {
+    const std::size_t side = panelOf(n) + 4;
+    return (kPanel + n + kWidestSliver) * panelOf(n) + side * side;
+  }
+  Workspace(double* at, std::size_t n) {
+    block = at;
+    slivers = block + kPanel * panelOf(n);
+    triangle = slivers + (n + kWidestSliver) * panelOf(n);
+  }
 };
 
 }  // namespace zel::kernels::cholesky
@@ -80,10 +89,10 @@ bool factorBlock(std::size_t n, double* HWY_RESTRICT u) {
 
 /// a is symmetric by its upper triangle; its strict lower triangle is neither read nor written.
 bool choleskyFactor(Matrix a, double* storage) {
-  const cholesky::Workspace work(storage);
   const std::size_t n = a.rows;
+  const cholesky::Workspace work(storage, n);
   bool isPositive = true;
-  const std::size_t panel = n < cholesky::kSmall ? cholesky::kSmallPanel : kPanel;
+  const std::size_t panel = cholesky::panelOf(n);
   for (std::size_t at = 0; at < n; at += panel) {
     const std::size_t width = HWY_MIN(panel, n - at);
     const std::size_t padded = (width + kLanes - 1) / kLanes * kLanes;

@@ -1,5 +1,6 @@
 #include <cmath>
 #include <cstddef>
+#include <cstring>
 #include <memory>
 #include <utility>
 
@@ -79,14 +80,15 @@ class Inversion {
 
   /// Columns first..first+columns-1 of U^-1 L^-1, at most kColumns.
   void solve(std::size_t first, std::size_t columns) {
-    for (std::size_t i = 0; i < n_ * kColumns; ++i) panels_[i] = 0;
+    const std::size_t panels = (columns + kPanel - 1) / kPanel;
+    std::memset(panels_, 0, panels * n_ * kPanel * sizeof(double));
     for (std::size_t c = 0; c < columns; ++c) at(first + c, c) = 1;
     if (isFinite_) {
-      substituteForward(first);
+      substituteForward(first, panels);
     } else {
       for (std::size_t c = 0; c < columns; ++c) substituteForwardPlainly(first + c, c);
     }
-    for (std::size_t p = 0; p * kPanel < columns; ++p) {
+    for (std::size_t p = 0; p < panels; ++p) {
       for (std::size_t i = n_; i-- > 0;) substituteBack(i, panel(p));
     }
   }
@@ -153,18 +155,18 @@ class Inversion {
 
   /// Row `first` is the first that is not zero. What rows before it would subtract is an exact
   /// zero, and so is what the leading zeros of its neighbours subtract.
-  void substituteForward(std::size_t first) {
+  void substituteForward(std::size_t first, std::size_t panels) {
     const double* l = lower_;
     for (std::size_t k = 0; k < n_; l += lu::packedChunk(n_, k), k += lu::kChunk) {
       if (k + lu::kChunk <= first) continue;
       const std::size_t skipped = first > k ? first - k : 0;
       const std::size_t rows = HWY_MIN(lu::kChunk, n_ - k);
-      for (std::size_t p = 0; p < kPanels; ++p) {
+      for (std::size_t p = 0; p < panels; ++p) {
         solveTriangle<lu::kStep, kWidth>(l, skipped, rows, nullptr, panel(p) + k * kPanel, kPanel);
       }
       const double* below = l + lu::packedChunk(k + rows, k);
       for (std::size_t i = k + rows; i < n_; i += lu::kStep, below += lu::kStep * lu::kChunk) {
-        for (std::size_t p = 0; p < kPanels; ++p) {
+        for (std::size_t p = 0; p < panels; ++p) {
           const double* x = panel(p) + (k + skipped) * kPanel;
           subtractStep(below + skipped * lu::kStep, rows - skipped, x, panel(p) + i * kPanel,
                        HWY_MIN(lu::kStep, n_ - i));
