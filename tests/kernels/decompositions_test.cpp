@@ -73,6 +73,7 @@ Factors plainLu(Square a, std::size_t end) {
   const std::size_t n = a.n;
   std::vector<double> scale(n);
   Factors f{a, LuStatus::done, 1, std::vector<std::size_t>(n)};
+  const Matrix x = f.a.view();
   for (std::size_t i = 0; i < n; ++i) {
     double big = 0;
     for (std::size_t j = 0; j < n; ++j) big = std::abs(a(i, j)) > big ? std::abs(a(i, j)) : big;
@@ -84,24 +85,25 @@ Factors plainLu(Square a, std::size_t end) {
     double best = 0;
     std::size_t imax = j;
     for (std::size_t i = 0; i < n; ++i) {
-      double& x = f.a(i, j);
-      for (std::size_t k = 0; k < std::min(i, j); ++k) x = std::fma(-f.a(i, k), f.a(k, j), x);
-      if (i >= j && scale[i] * std::abs(x) >= best) {
-        best = scale[i] * std::abs(x);
+      double sum = x(i, j);
+      for (std::size_t k = 0; k < std::min(i, j); ++k) sum = std::fma(-x(i, k), x(k, j), sum);
+      x(i, j) = sum;
+      if (i >= j && scale[i] * std::abs(sum) >= best) {
+        best = scale[i] * std::abs(sum);
         imax = i;
       }
     }
     if (imax != j) {
-      for (std::size_t c = 0; c < n; ++c) std::swap(f.a(imax, c), f.a(j, c));
+      for (std::size_t c = 0; c < n; ++c) std::swap(x(imax, c), x(j, c));
       scale[imax] = scale[j];
       f.sign = -f.sign;
     }
     f.pivots[j] = imax;
-    if (std::abs(f.a(j, j)) < 1E-100) {
-      f.a(j, j) = 1E-100;
+    if (std::abs(x(j, j)) < 1E-100) {
+      x(j, j) = 1E-100;
       f.status = LuStatus::tinyPivot;
     }
-    for (std::size_t i = j + 1; i < n; ++i) f.a(i, j) /= f.a(j, j);
+    for (std::size_t i = j + 1; i < n; ++i) x(i, j) /= x(j, j);
   }
   if (end < n) f.status = LuStatus::stopped;
   return f;
@@ -109,6 +111,7 @@ Factors plainLu(Square a, std::size_t end) {
 
 Square plainInverse(Factors f) {
   const std::size_t n = f.a.n;
+  const Matrix x = f.a.view();
   Square inverse = zeros(n);
   for (std::size_t j = 0; j < n; ++j) {
     std::vector<double> b(n);
@@ -117,23 +120,23 @@ Square plainInverse(Factors f) {
     for (std::size_t i = 0; i < n; ++i) {
       double s = b[f.pivots[i]];
       b[f.pivots[i]] = b[i];
-      for (std::size_t k = begin; k < i; ++k) s = std::fma(-f.a(i, k), b[k], s);
+      for (std::size_t k = begin; k < i; ++k) s = std::fma(-x(i, k), b[k], s);
       if (begin == n && s != 0) begin = i;
       b[i] = s;
     }
     for (std::size_t i = n; i-- > 0;) {
-      for (std::size_t k = i + 1; k < n; ++k) b[i] = std::fma(-f.a(i, k), b[k], b[i]);
-      b[i] /= f.a(i, i);
+      for (std::size_t k = i + 1; k < n; ++k) b[i] = std::fma(-x(i, k), b[k], b[i]);
+      b[i] /= x(i, i);
       inverse(i, j) = b[i];
     }
   }
   return inverse;
 }
 
-bool plainCholesky(Square& a, std::vector<double>& d) {
+bool plainCholesky(Matrix a, std::vector<double>& d) {
   bool isPositive = true;
-  for (std::size_t i = 0; i < a.n; ++i) {
-    for (std::size_t j = i; j < a.n; ++j) {
+  for (std::size_t i = 0; i < a.rows; ++i) {
+    for (std::size_t j = i; j < a.rows; ++j) {
       double s = a(j, i);
       for (std::size_t k = 0; k < i; ++k) s = std::fma(-a(k, i), a(k, j), s);
       if (j > i) {
@@ -168,7 +171,7 @@ void expectPlainBits(const Square& a) {
   const Square inverse = plainInverse(plain);
   Square lower = a;
   std::vector<double> diagonal(a.n);
-  const bool isPositive = plainCholesky(lower, diagonal);
+  const bool isPositive = plainCholesky(lower.view(), diagonal);
   test::forEachTarget([&] {
     const Factors f = decompose(a);
     expectSame(f, plain);
@@ -189,7 +192,7 @@ TEST(Decompositions, HaveTheBitsOfThePlainAlgorithms) {
   std::vector<std::size_t> sizes(28);
   std::iota(sizes.begin(), sizes.end(), 0u);
   for (const std::size_t n : {33u, 47u, 48u, 59u, 60u, 61u, 63u, 64u, 65u, 70u, 95u, 96u, 97u, 119u,
-                              121u, 128u, 131u, 157u, 193u}) {
+                              121u, 128u, 131u, 193u}) {
     sizes.push_back(n);
   }
   for (const std::size_t n : sizes) {
@@ -203,7 +206,7 @@ TEST(Decompositions, HaveTheBitsOfThePlainAlgorithms) {
 // Ties, exact cancellation, negative zeros, pivots that vanish, and values that are not finite meet
 // every branch of the pivot search and of the leading zeros.
 TEST(Decompositions, HaveTheBitsOfThePlainAlgorithmsOnHostileMatrices) {
-  for (const std::size_t n : {2u, 5u, 13u, 27u, 70u, 101u}) {
+  for (const std::size_t n : {2u, 5u, 13u, 27u, 74u}) {
     SCOPED_TRACE(n);
     std::mt19937_64 random(n);
     const auto pick = [&](std::vector<double> values) {

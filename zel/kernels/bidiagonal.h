@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstddef>
+#include <span>
 
 #include "zel/kernels/dense.h"
 #include "zel/kernels/poll.h"
@@ -40,9 +41,16 @@ struct Bidiagonal {
 [[nodiscard]] bool multiplyReflections(Matrix x, std::size_t below, const double* factors,
                                        Poll step);
 
-/// For j = 0 .. count - 1 in turn: columns first + j and first + j + 1 become c x + s y and c y - s
-/// x.
-void rotateColumns(Matrix x, std::size_t first, std::size_t count, const double* c,
-                   const double* s);
+/// Plane rotations of neighbouring columns: for j = 0 .. count - 1 in turn, columns first + j and
+/// first + j + 1 become c x + s y and c y - s x.
+struct RotationSweep {
+  std::size_t first;
+  std::size_t count;
+  const double* c;
+  const double* s;
+};
+
+/// Carries out one sweep after the other; several at a time keep the matrix in the cache.
+void rotateColumns(Matrix x, std::span<const RotationSweep> sweeps);
 
 }  // namespace zel::kernels

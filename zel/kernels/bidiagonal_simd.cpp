@@ -2,6 +2,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstring>
+#include <span>
 
 #include "zel/kernels/bidiagonal.h"
 #include "zel/kernels/targets.h"
@@ -187,22 +188,27 @@ HWY_INLINE void rotateRows(double* x, std::size_t stride, std::size_t count, con
   for (std::size_t v = 0; v < kVecs; ++v) hn::StoreU(left[v], d, x + v * kLanes);
 }
 
-void rotateAll(Matrix x, std::size_t first, std::size_t count, const double* c, const double* s) {
+void rotateAll(Matrix x, std::span<const RotationSweep> sweeps) {
   constexpr std::size_t kVecs = 8;
   std::size_t i = 0;
-  double* at = x.column(first);
   for (; i + kVecs * kLanes <= x.rows; i += kVecs * kLanes) {
-    rotateRows<kVecs>(at + i, x.stride, count, c, s);
-  }
-  for (; i + kLanes <= x.rows; i += kLanes) rotateRows<1>(at + i, x.stride, count, c, s);
-  for (; i < x.rows; ++i) {
-    double left = at[i];
-    for (std::size_t j = 0; j < count; ++j) {
-      const double right = at[(j + 1) * x.stride + i];
-      at[j * x.stride + i] = c[j] * left + s[j] * right;
-      left = c[j] * right - s[j] * left;
+    for (const RotationSweep& t : sweeps) {
+      rotateRows<kVecs>(x.column(t.first) + i, x.stride, t.count, t.c, t.s);
     }
-    at[count * x.stride + i] = left;
+  }
+  for (const RotationSweep& t : sweeps) {
+    double* at = x.column(t.first);
+    std::size_t r = i;
+    for (; r + kLanes <= x.rows; r += kLanes) rotateRows<1>(at + r, x.stride, t.count, t.c, t.s);
+    for (; r < x.rows; ++r) {
+      double left = at[r];
+      for (std::size_t j = 0; j < t.count; ++j) {
+        const double right = at[(j + 1) * x.stride + r];
+        at[j * x.stride + r] = t.c[j] * left + t.s[j] * right;
+        left = t.c[j] * right - t.s[j] * left;
+      }
+      at[t.count * x.stride + r] = left;
+    }
   }
 }
 
@@ -225,9 +231,8 @@ bool multiplyReflections(Matrix x, std::size_t below, const double* factors, Pol
   return HWY_DYNAMIC_DISPATCH(multiplyAll)(x, below, factors, step);
 }
 
-void rotateColumns(Matrix x, std::size_t first, std::size_t count, const double* c,
-                   const double* s) {
-  HWY_DYNAMIC_DISPATCH(rotateAll)(x, first, count, c, s);
+void rotateColumns(Matrix x, std::span<const RotationSweep> sweeps) {
+  HWY_DYNAMIC_DISPATCH(rotateAll)(x, sweeps);
 }
 
 }  // namespace zel::kernels

@@ -16,21 +16,33 @@
 #define ZEL_KERNELS_CHOLESKY_ONCE
 namespace zel::kernels::cholesky {
 
-// Rows of L^T that are finished before they are subtracted from the rest.
+// Rows of L^T that are finished before they are subtracted from the rest: at most so many, fewer if
+// the matrix is small, since within them the work is less well arranged.
 constexpr std::size_t kPanel = 64;
+constexpr std::size_t kSmallPanel = 32;
+constexpr std::size_t kSmall = 256;
 // Slivers of the widest vectors.
 constexpr std::size_t kWidestSliver = 24;
 
-struct Workspace {
-  static std::size_t length(std::size_t n) {
-    return (n + 2 * kWidestSliver) * kPanel + 3 * kPanel * kPanel;
-  }
-  explicit Workspace(double* at)
-      : block(at), triangle(block + kPanel * kPanel), slivers(triangle + 2 * kPanel * kPanel) {}
+inline std::size_t panelOf(std::size_t n) {
+  const std::size_t most = n < kSmall ? kSmallPanel : kPanel;
+  return n < most ? n : most;
+}
 
+struct Workspace {
   double* block;     // diagonal block, stored by rows
-  double* triangle;  // the same, packed
   double* slivers;   // the rest of the rows
+  double* triangle;  // the block, packed
+
+  static std::size_t length(std::size_t n) {
+    const std::size_t side = panelOf(n) + 4;
+    return (kPanel + n + kWidestSliver) * panelOf(n) + side * side;
+  }
+  Workspace(double* at, std::size_t n) {
+    block = at;
+    slivers = block + kPanel * panelOf(n);
+    triangle = slivers + (n + kWidestSliver) * panelOf(n);
+  }
 };
 
 }  // namespace zel::kernels::cholesky
@@ -57,7 +69,12 @@ bool factorBlock(std::size_t n, double* HWY_RESTRICT u) {
     double* HWY_RESTRICT x = u + k * kPanel;
     isPositive &= x[k] > 0;
     x[k] = x[k] > 0 ? std::sqrt(x[k]) : std::numeric_limits<double>::quiet_NaN();
-    for (std::size_t j = k + 1; j < n; ++j) x[j] /= x[k];
+    const double pivot = x[k];
+    const Vec divisor = hn::Set(d, pivot);
+    for (std::size_t j = (k + 1) / kLanes * kLanes; j < n; j += kLanes) {
+      hn::StoreU(hn::Div(hn::LoadU(d, x + j), divisor), d, x + j);
+    }
+    x[k] = pivot;
     for (std::size_t i = k + 1; i < n; ++i) {
       const Vec factor = hn::Set(d, x[i]);
       double* HWY_RESTRICT y = u + i * kPanel;
@@ -72,14 +89,16 @@ bool factorBlock(std::size_t n, double* HWY_RESTRICT u) {
 
 /// a is symmetric by its upper triangle; its strict lower triangle is neither read nor written.
 bool choleskyFactor(Matrix a, double* storage) {
-  const cholesky::Workspace work(storage);
   const std::size_t n = a.rows;
+  const cholesky::Workspace work(storage, n);
   bool isPositive = true;
-  for (std::size_t at = 0; at < n; at += kPanel) {
-    const std::size_t width = HWY_MIN(kPanel, n - at);
+  const std::size_t panel = cholesky::panelOf(n);
+  for (std::size_t at = 0; at < n; at += panel) {
+    const std::size_t width = HWY_MIN(panel, n - at);
+    const std::size_t padded = (width + kLanes - 1) / kLanes * kLanes;
     const Matrix block = a.block(at, at, width, width);
     for (std::size_t i = 0; i < width; ++i) {
-      for (std::size_t j = 0; j < kPanel; ++j) {
+      for (std::size_t j = 0; j < padded; ++j) {
         work.block[i * kPanel + j] = j >= i && j < width ? block(i, j) : 0;
       }
     }
@@ -89,12 +108,12 @@ bool choleskyFactor(Matrix a, double* storage) {
       for (std::size_t i = 0; i <= j; ++i) block(i, j) = work.block[i * kPanel + j];
       diagonal[j] = block(j, j);
     }
+    const std::size_t first = at + width;
+    const std::size_t rest = n - first;
+    if (rest == 0) break;
     packTriangle<4>(
         width, [&](std::size_t i, std::size_t k) { return work.block[k * kPanel + i]; },
         work.triangle);
-
-    const std::size_t first = at + width;
-    const std::size_t rest = n - first;
     const Matrix rows = a.block(at, first, width, rest);
     const Matrix trailing = a.block(first, first, rest, rest);
     double* sliver = work.slivers;

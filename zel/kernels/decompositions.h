@@ -1,7 +1,7 @@
 /// @file
 /// Decompositions of square matrices. They work in blocks, and every element still receives its
-/// subtractions one by one in ascending order of the inner index, by fused multiply-add, so the bits
-/// are those of the plain column-by-column algorithm.
+/// subtractions one by one in ascending order of the inner index, by fused multiply-add, so the
+/// bits are those of the plain column-by-column algorithm.
 #pragma once
 
 #include <cstddef>
@@ -15,7 +15,7 @@ namespace zel::kernels {
 
 enum class LuStatus : std::uint8_t {
   done,
-  zeroRow,    ///< a row is all zero; the matrix is untouched
+  zeroRow,    ///< a row holds nothing but zeros and not-a-number; the matrix is untouched
   tinyPivot,  ///< a pivot below 1E-100 in magnitude was replaced by it; the factors are complete
   stopped     ///< the poll said no; columns before that step are decomposed, the others are the
               ///< original ones with the row exchanges so far
@@ -28,7 +28,7 @@ enum class LuStatus : std::uint8_t {
 /// @param pivots  of the length of a; takes the row exchanged with row j in step j
 /// @param sign    takes +1 or -1 for an even or odd number of exchanges
 /// @param scaled  asked before each row of the scaling; false: stopped, the matrix is untouched
-/// @param step    asked before each column
+/// @param step    asked before each column; if it throws, a and pivots are left as when it says no
 /// @param scratch of the shape of a, not overlapping it; used only if step is set, and then, if it
 ///   has no data, memory for it is allocated
 /// @throws std::bad_alloc  before a is touched
@@ -45,8 +45,8 @@ enum class LuStatus : std::uint8_t {
                              Poll step = {});
 
 /// Cholesky decomposition A = L L^T of a symmetric positive definite matrix of which the diagonal
-/// and the lower triangle are read. The strict upper triangle takes L^T, diagonal the diagonal of L;
-/// the rest of a stays.
+/// and the lower triangle are read. The strict upper triangle takes L^T, diagonal the diagonal of
+/// L; the rest of a stays.
 /// @return false if a pivot is not positive (its diagonal element and what follows from it are
 ///   then not-a-number)
 [[nodiscard]] bool choleskyDecompose(Matrix a, std::span<double> diagonal);

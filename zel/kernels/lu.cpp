@@ -32,16 +32,16 @@ struct Workspace {
   double* sliver;    // rows of a panel, packed columns
   double* triangle;  // packed triangle of a panel
 
+  static std::size_t panel(std::size_t n) { return n < kPanel ? n : kPanel; }
   static std::size_t length(std::size_t n) {
-    const std::size_t panel = n < kPanel ? n : kPanel;
-    return n + (n + kWidestSliver) * panel + panel * kWidestSliver + 2 * kPanel * kPanel;
+    const std::size_t side = panel(n) + 4;
+    return n + (n + 2 * kWidestSliver) * panel(n) + side * side;
   }
   Workspace(double* at, std::size_t n) {
-    const std::size_t panel = n < kPanel ? n : kPanel;
     rows = at;
-    sliver = rows + (n + kWidestSliver) * panel;
-    triangle = sliver + panel * kWidestSliver;
-    scale = triangle + 2 * kPanel * kPanel;
+    sliver = rows + (n + kWidestSliver) * panel(n);
+    scale = sliver + kWidestSliver * panel(n);
+    triangle = scale + n;
   }
 };
 

@@ -1,5 +1,6 @@
 #include <cmath>
 #include <cstddef>
+#include <cstring>
 #include <memory>
 #include <utility>
 
@@ -9,6 +10,7 @@
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "zel/kernels/lu_inverse.cpp"
+#include "hwy/cache_control.h"
 #include "hwy/foreach_target.h"  // IWYU pragma: keep
 #include "hwy/highway.h"
 
@@ -60,6 +62,8 @@ namespace hn = hwy::HWY_NAMESPACE;
 // are the best compromise.
 constexpr std::size_t kWidth = 5;
 constexpr std::size_t kPanel = kWidth * kLanes;
+// Numbers in a line of the cache.
+constexpr std::size_t kLine = 8;
 // The forward substitution shares its multipliers among so many panels.
 constexpr std::size_t kPanels = 3;
 
@@ -77,26 +81,30 @@ class Inversion {
     packUpper();
   }
 
-  /// Columns first..first+columns-1 of U^-1 L^-1, at most kColumns.
-  void solve(std::size_t first, std::size_t columns) {
-    for (std::size_t i = 0; i < n_ * kColumns; ++i) panels_[i] = 0;
+  /// Columns first..first+columns-1 of U^-1 L^-1, at most kColumns; they become the columns
+  /// to[first].. of the inverse.
+  void solve(std::size_t first, std::size_t columns, const std::size_t* to, Matrix inverse) {
+    const std::size_t panels = (columns + kPanel - 1) / kPanel;
+    std::memset(panels_, 0, panels * n_ * kPanel * sizeof(double));
     for (std::size_t c = 0; c < columns; ++c) at(first + c, c) = 1;
     if (isFinite_) {
-      substituteForward(first);
+      substituteForward(first, panels);
     } else {
       for (std::size_t c = 0; c < columns; ++c) substituteForwardPlainly(first + c, c);
     }
-    for (std::size_t p = 0; p * kPanel < columns; ++p) {
-      for (std::size_t i = n_; i-- > 0;) substituteBack(i, panel(p));
+    for (std::size_t c = 0; c < columns; c += kPanel) {
+      double* const x = panel(c / kPanel);
+      for (std::size_t i = n_; i-- > 0;) substituteBack(i, x);
+      unpack(x, HWY_MIN(kPanel, columns - c), to + first + c, inverse);
     }
   }
 
+ private:
   /// Element of the solution in column c of those that are being solved.
   double& at(std::size_t row, std::size_t c) {
     return panel(c / kPanel)[row * kPanel + c % kPanel];
   }
 
- private:
   double* panel(std::size_t p) { return panels_ + p * n_ * kPanel; }
   double* upperRow(std::size_t i) { return upper_ + i * n_ - i * (i - 1) / 2; }
 
@@ -141,30 +149,40 @@ class Inversion {
 
   /// Rows of U, each from the diagonal on.
   void packUpper() {
-    // As many rows at a time as share a line of the cache in each column.
-    constexpr std::size_t kRows = 8;
+    // As many rows at a time as fill whole lines of the cache in each column, which are fetched
+    // before their turn: no two of them are neighbours.
+    constexpr std::size_t kRows = 2 * kLine;
+    constexpr std::size_t kAhead = 8;
     for (std::size_t i = 0; i < n_; i += kRows) {
-      for (std::size_t c = i; c < n_; ++c) {
-        const double* x = lu_.column(c);
-        for (std::size_t r = i; r < HWY_MIN(i + kRows, c + 1); ++r) upperRow(r)[c - r] = x[r];
+      const std::size_t square = HWY_MIN(i + kRows, n_);
+      for (std::size_t c = i; c < square; ++c) {
+        for (std::size_t r = i; r <= c; ++r) upperRow(r)[c - r] = lu_(r, c);
+      }
+      for (std::size_t c = square; c < n_; ++c) {
+        const double* x = lu_.column(c) + i;
+        if (c + kAhead < n_) {
+          hwy::Prefetch(x + kAhead * lu_.stride);
+          hwy::Prefetch(x + kAhead * lu_.stride + kRows - 1);
+        }
+        for (std::size_t r = 0; r < kRows; ++r) upperRow(i + r)[c - i - r] = x[r];
       }
     }
   }
 
   /// Row `first` is the first that is not zero. What rows before it would subtract is an exact
   /// zero, and so is what the leading zeros of its neighbours subtract.
-  void substituteForward(std::size_t first) {
+  void substituteForward(std::size_t first, std::size_t panels) {
     const double* l = lower_;
     for (std::size_t k = 0; k < n_; l += lu::packedChunk(n_, k), k += lu::kChunk) {
       if (k + lu::kChunk <= first) continue;
       const std::size_t skipped = first > k ? first - k : 0;
       const std::size_t rows = HWY_MIN(lu::kChunk, n_ - k);
-      for (std::size_t p = 0; p < kPanels; ++p) {
+      for (std::size_t p = 0; p < panels; ++p) {
         solveTriangle<lu::kStep, kWidth>(l, skipped, rows, nullptr, panel(p) + k * kPanel, kPanel);
       }
       const double* below = l + lu::packedChunk(k + rows, k);
       for (std::size_t i = k + rows; i < n_; i += lu::kStep, below += lu::kStep * lu::kChunk) {
-        for (std::size_t p = 0; p < kPanels; ++p) {
+        for (std::size_t p = 0; p < panels; ++p) {
           const double* x = panel(p) + (k + skipped) * kPanel;
           subtractStep(below + skipped * lu::kStep, rows - skipped, x, panel(p) + i * kPanel,
                        HWY_MIN(lu::kStep, n_ - i));
@@ -219,6 +237,21 @@ class Inversion {
     }
   }
 
+  void unpack(const double* panel, std::size_t columns, const std::size_t* to, Matrix inverse) {
+    // Some rows at a time, so that they stay in the first-level cache.
+    constexpr std::size_t kRows = 2 * kLine;
+    std::size_t i = 0;
+    for (; i + kRows <= n_; i += kRows, panel += kRows * kPanel) {
+      for (std::size_t c = 0; c < columns; ++c) {
+        double* x = inverse.column(to[c]) + i;
+        for (std::size_t r = 0; r < kRows; ++r) x[r] = panel[r * kPanel + c];
+      }
+    }
+    for (; i < n_; ++i, panel += kPanel) {
+      for (std::size_t c = 0; c < columns; ++c) inverse(i, to[c]) = panel[c];
+    }
+  }
+
   ConstMatrix lu_;
   std::size_t n_;
   double* panels_;
@@ -235,19 +268,7 @@ bool invert(ConstMatrix lu, const std::size_t* unit, double* work, Matrix invers
     for (std::size_t c = 0; c < columns; ++c) {
       if (!step()) return false;
     }
-    inversion.solve(first, columns);
-    // Some rows at a time, so that they stay in the first-level cache.
-    constexpr std::size_t kRows = 8;
-    for (std::size_t i = 0; i < n; i += kRows) {
-      for (std::size_t c = 0; c < columns; ++c) {
-        double* to = inverse.column(unit[first + c]);
-        if (i + kRows <= n) {
-          for (std::size_t r = 0; r < kRows; ++r) to[i + r] = inversion.at(i + r, c);
-        } else {
-          for (std::size_t r = i; r < n; ++r) to[r] = inversion.at(r, c);
-        }
-      }
-    }
+    inversion.solve(first, columns, unit, inverse);
   }
   return true;
 }

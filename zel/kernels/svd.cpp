@@ -13,6 +13,8 @@ namespace zel::kernels {
 namespace {
 
 constexpr int kMostIterations = 30;
+// Sweeps of rotations that are collected before they reach the columns of U and V.
+constexpr std::size_t kMostSweeps = 8;
 
 /// sqrt(a^2 + b^2) without overflow; unlike the library function the same on every machine.
 double hypotenuse(double a, double b) {
@@ -40,21 +42,22 @@ struct Rotation {
 /// wanted.
 class Diagonalisation {
  public:
-  /// @param rotations  4 * columns numbers of scratch memory
+  /// @param rotations  4 * kMostSweeps * columns numbers of scratch memory; null: u and v are not
+  ///   wanted
   Diagonalisation(const Bidiagonal& b, std::size_t columns, Matrix u, Matrix v, double* rotations)
-      : d_(b.diagonal),
-        e_(b.above),
-        u_(u),
-        v_(v),
-        rightC_(rotations),
-        rightS_(rightC_ + columns),
-        leftC_(rightS_ + columns),
-        leftS_(leftC_ + columns) {
+      : d_(b.diagonal), e_(b.above), columns_(columns), u_(u), v_(v), rotations_(rotations) {
     double norm = 0;
     for (std::size_t i = 0; i < columns; ++i) {
       norm = std::max(norm, std::abs(d_[i]) + std::abs(e_[i]));
     }
     negligible_ = norm * (std::numeric_limits<double>::epsilon() / 2);
+  }
+
+  /// Carries out the rotations that have been collected.
+  void flush() {
+    rotateColumns(v_, {right_, sweeps_});
+    rotateColumns(u_, {left_, sweeps_});
+    sweeps_ = 0;
   }
 
   /// Isolates element k of the diagonal, those after it being isolated.
@@ -65,10 +68,7 @@ class Diagonalisation {
       while (l > 0 && std::abs(e_[l]) > negligible_ && std::abs(d_[l - 1]) > negligible_) --l;
       if (l > 0 && std::abs(e_[l]) > negligible_) cancel(l, k);
       const bool isConverged = l == k;
-      if (isConverged || iteration == kMostIterations) {
-        makePositive(k);
-        return isConverged;
-      }
+      if (isConverged || iteration == kMostIterations) return isConverged;
       sweep(l, k);
     }
   }
@@ -85,7 +85,8 @@ class Diagonalisation {
         f = -r.s * e_[i + 1];
         e_[i + 1] *= r.c;
       }
-      if (u_.data == nullptr) continue;
+      if (rotations_ == nullptr) continue;
+      flush();
       double* x = u_.column(l - 1);
       double* y = u_.column(i);
       for (std::size_t row = 0; row < u_.rows; ++row) {
@@ -107,6 +108,8 @@ class Diagonalisation {
     double f = ((y - z) * (y + z) + (g - h) * (g + h)) / (2 * h * y);
     f = ((x - z) * (x + z) + h * (y / (f + std::copysign(hypotenuse(f, 1), f)) - h)) / x;
     h = e_[l + 1];
+    // Four series of numbers: cosines and sines of the rotations of V and of U.
+    double* const series = rotations_ + sweeps_ * 4 * columns_;
     for (std::size_t j = l; j < k; ++j) {
       // f and h: what the right rotation of columns j and j + 1 brings together.
       const Rotation right(f, h);
@@ -123,39 +126,39 @@ class Diagonalisation {
         h = left.s * e_[j + 2];
         e_[j + 2] *= left.c;
       }
-      rightC_[j - l] = right.c;
-      rightS_[j - l] = right.s;
-      leftC_[j - l] = left.c;
-      leftS_[j - l] = left.s;
+      if (rotations_ != nullptr) {
+        series[j] = right.c;
+        series[columns_ + j] = right.s;
+        series[2 * columns_ + j] = left.c;
+        series[3 * columns_ + j] = left.s;
+      }
       e_[j + 1] = f;
       d_[j + 1] = x;
     }
-    if (v_.data != nullptr) rotateColumns(v_, l, k - l, rightC_, rightS_);
-    if (u_.data != nullptr) rotateColumns(u_, l, k - l, leftC_, leftS_);
-  }
-
-  void makePositive(std::size_t k) {
-    if (!std::signbit(d_[k])) return;
-    d_[k] = -d_[k];
-    if (v_.data == nullptr) return;
-    for (double& x : v_[k]) x = -x;
+    if (rotations_ == nullptr) return;
+    const double* const right = series + l;
+    const double* const left = right + 2 * columns_;
+    right_[sweeps_] = {l, k - l, right, right + columns_};
+    left_[sweeps_] = {l, k - l, left, left + columns_};
+    if (++sweeps_ == kMostSweeps) flush();
   }
 
   double* d_;
   double* e_;
+  std::size_t columns_;
   Matrix u_;
   Matrix v_;
-  double* rightC_;
-  double* rightS_;
-  double* leftC_;
-  double* leftS_;
+  double* rotations_;
+  std::size_t sweeps_ = 0;
+  RotationSweep right_[kMostSweeps];
+  RotationSweep left_[kMostSweeps];
   double negligible_ = 0;
 };
 
 SvdStatus decompose(Matrix a, std::span<double> w, Matrix v, Poll step) {
   const std::size_t n = a.columns;
   const bool isWanted = v.data != nullptr;
-  const Scratch scratch(8 * n + a.rows);
+  const Scratch scratch(3 * n + std::max(n + a.rows, isWanted ? 4 * kMostSweeps * n : 0));
   const Bidiagonal b{w.data(), scratch.data(), scratch.data() + n, scratch.data() + 2 * n};
   double* const work = scratch.data() + 3 * n;
 
@@ -188,13 +191,19 @@ SvdStatus decompose(Matrix a, std::span<double> w, Matrix v, Poll step) {
       if (!step()) return SvdStatus::stopped;
     }
   }
-  Diagonalisation diagonalisation(b, n, isWanted ? a : Matrix{}, v, work);
+  Diagonalisation diagonalisation(b, n, a, v, isWanted ? work : nullptr);
   bool isConverged = true;
   for (std::size_t k = n; k-- > 0;) {
     if (!step()) return SvdStatus::stopped;
     isConverged &= diagonalisation.isolate(k);
   }
-  for (double& x : w) x = std::ldexp(x, exponent);
+  if (isWanted) diagonalisation.flush();
+  for (std::size_t k = 0; k < n; ++k) {
+    if (std::signbit(w[k]) && isWanted) {
+      for (double& x : v[k]) x = -x;
+    }
+    w[k] = std::ldexp(std::abs(w[k]), exponent);
+  }
   return isConverged ? SvdStatus::done : SvdStatus::notConverged;
 }
 
