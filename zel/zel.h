@@ -10,4 +10,5 @@
 #include "zel/base/Zel_zelbase.h"
 #include "zel/base/Zel_zelcolors.h"
 #include "zel/foundation/Zel_math1.h"
+#include "zel/matrix/Zel_matrix.h"
 #include "zel/vector/Zel_vector.h"

@@ -10,5 +10,6 @@ EConvertError::~EConvertError() = default;
 EInOutError::~EInOutError() = default;
 EZELMath1Error::~EZELMath1Error() = default;
 EZELVectorError::~EZELVectorError() = default;
+EZELMatrixError::~EZELMatrixError() = default;
 
 }  // namespace zel

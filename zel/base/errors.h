@@ -63,4 +63,11 @@ class ZEL_API EZELVectorError : public EZELError {
   ~EZELVectorError() override;
 };
 
+/// Raised by the matrix classes.
+class ZEL_API EZELMatrixError : public EZELError {
+ public:
+  using EZELError::EZELError;
+  ~EZELMatrixError() override;
+};
+
 }  // namespace zel

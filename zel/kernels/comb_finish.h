@@ -17,15 +17,18 @@ namespace zel::kernels {
 /// that exchange something are as many as the longest way of a key to the front (Knuth, The Art of
 /// Computer Programming 3, 5.2.2). A NaN is never exchanged, so it separates runs that are sorted
 /// by themselves.
+/// @param companion  moves along: as long as x, or empty
 /// @throws std::bad_alloc  with x as it was
-template <class T>
-std::size_t finishByStableSort(std::span<T> x, bool ascending) {
+template <class T, class Companion = char>
+std::size_t finishByStableSort(std::span<T> x, bool ascending,
+                               std::span<Companion> companion = {}) {
   struct Item {
     T key;
     std::size_t place;
   };
   std::vector<Item> items;
   items.reserve(x.size());
+  std::vector<Companion> moved(companion.begin(), companion.end());
   const auto before = [ascending](const Item& a, const Item& b) {
     if (a.key < b.key) return ascending;
     if (b.key < a.key) return !ascending;
@@ -38,6 +41,7 @@ std::size_t finishByStableSort(std::span<T> x, bool ascending) {
     std::sort(items.begin(), items.end(), before);
     for (std::size_t k = 0; k < items.size(); ++k) {
       x[begin + k] = items[k].key;
+      if (!moved.empty()) companion[begin + k] = moved[items[k].place];
       if (items[k].place > begin + k) {
         longestWay = std::max(longestWay, items[k].place - (begin + k));
       }

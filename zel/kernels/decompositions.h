@@ -29,9 +29,11 @@ enum class LuStatus : std::uint8_t {
 /// @param sign    takes +1 or -1 for an even or odd number of exchanges
 /// @param scaled  asked before each row of the scaling; false: stopped, the matrix is untouched
 /// @param step    asked before each column
+/// @param scratch of the shape of a, not overlapping it; used only if step is set, and then, if it
+///   has no data, memory for it is allocated
 /// @throws std::bad_alloc  before a is touched
 [[nodiscard]] LuStatus luDecompose(Matrix a, std::span<std::size_t> pivots, int& sign,
-                                   Poll scaled = {}, Poll step = {});
+                                   Poll scaled = {}, Poll step = {}, Matrix scratch = {});
 
 /// Inverse from the factors and pivots of luDecompose: column by column, forward substitution in
 /// pivot order, then back substitution, both in ascending order of the inner index.

@@ -48,6 +48,13 @@ void scale(std::span<T> x, T factor) {
   }
 }
 
+template <class T>
+void shift(std::span<T> x, T summand) {
+  for (T& element : x) {
+    element = detail::wrapped(element, summand, [](auto a, auto b) { return a + b; });
+  }
+}
+
 /// The smallest integer stays what it is.
 template <class T>
 void absolute(std::span<T> x) {

@@ -154,8 +154,8 @@ Shape shapeFrom(const StandardMoments<T>& moments, std::size_t count, ShapeForm 
 constexpr double kSmallFourthPowers = 0x1p-850;
 
 template <class T>
-Shape shapeOf(std::span<const T> x, ShapeForm form) {
-  if (x.size() < 4) return {};
+Shape shapeOf(std::span<const T> x, ShapeForm form, std::size_t least) {
+  if (x.size() < least) return {};
   const auto s = sumsOf<CentredPowerTerms, double>(x, x, {mean(x), 0});
   if (allFinite(s) && (s[3].hi >= kSmallFourthPowers || isConstant(x))) {
     const auto moments = standardMoments<double>(s, x.size());
@@ -220,8 +220,12 @@ double pearson(std::span<const T> x, std::span<const T> y) {
 MeanVariance meanVariance(std::span<const double> x) { return meanVarianceOf(x); }
 MeanVariance meanVariance(std::span<const std::int32_t> x) { return meanVarianceOf(x); }
 
-Shape shape(std::span<const double> x, ShapeForm form) { return shapeOf(x, form); }
-Shape shape(std::span<const std::int32_t> x, ShapeForm form) { return shapeOf(x, form); }
+Shape shape(std::span<const double> x, ShapeForm form, std::size_t least) {
+  return shapeOf(x, form, least);
+}
+Shape shape(std::span<const std::int32_t> x, ShapeForm form, std::size_t least) {
+  return shapeOf(x, form, least);
+}
 
 CentredProducts centredProducts(std::span<const double> x, std::span<const double> y) {
   return centredProductsOf(x, y);

@@ -38,10 +38,10 @@ enum class ShapeForm {
   sample       ///< the population values with the small-sample correction factors
 };
 
-/// Both 0 for fewer than four elements. Constant data: 0 in the population form, the corrected
-/// value of 0 in the sample form.
-[[nodiscard]] Shape shape(std::span<const double> x, ShapeForm form);
-[[nodiscard]] Shape shape(std::span<const std::int32_t> x, ShapeForm form);
+/// Both 0 for fewer elements than the least number, which is at least 2, for the sample form 4.
+/// Constant data: 0 in the population form, the corrected value of 0 in the sample form.
+[[nodiscard]] Shape shape(std::span<const double> x, ShapeForm form, std::size_t least = 4);
+[[nodiscard]] Shape shape(std::span<const std::int32_t> x, ShapeForm form, std::size_t least = 4);
 
 /// Sums of squares and products of the deviations from the means.
 struct CentredProducts {

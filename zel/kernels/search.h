@@ -28,11 +28,16 @@ template <class T>
   }
 }
 
-/// Position of the value nearest to `value`, the first one if several are equally near; npos if no
-/// distance is below the largest double (nothing but infinities, NaN, or values that far away).
+/// Distances of a search start below this one.
 template <class T>
-[[nodiscard]] std::size_t findNearest(std::span<T> x, std::type_identity_t<T> value) {
-  auto best = std::numeric_limits<decltype(distanceOf(value, value))>::max();
+inline constexpr auto kFarthest = std::numeric_limits<
+    decltype(distanceOf(std::remove_const_t<T>{}, std::remove_const_t<T>{}))>::max();
+
+/// Position of the value nearest to `value` among those nearer than `best`, which takes its
+/// distance; the first one if several are equally near; npos if there is none.
+template <class T>
+[[nodiscard]] std::size_t findNearer(std::span<T> x, std::type_identity_t<T> value,
+                                     std::remove_const_t<decltype(kFarthest<T>)>& best) {
   std::size_t found = npos;
   for (std::size_t i = 0; i < x.size(); ++i) {
     const auto distance = distanceOf(x[i], value);
@@ -42,6 +47,14 @@ template <class T>
     }
   }
   return found;
+}
+
+/// Position of the value nearest to `value`, the first one if several are equally near; npos if no
+/// distance is below the largest double (nothing but infinities, NaN, or values that far away).
+template <class T>
+[[nodiscard]] std::size_t findNearest(std::span<T> x, std::type_identity_t<T> value) {
+  auto best = kFarthest<T>;
+  return findNearer(x, value, best);
 }
 
 /// First position that holds `value`, or npos.

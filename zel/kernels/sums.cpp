@@ -191,6 +191,22 @@ DoubleDouble sumOfSquaredDifferences(std::span<const std::int32_t> x,
   return one<SquaredDifferenceTerms>(x, y);
 }
 
+double sumOfMagnitudes(std::span<const double> x) {
+  std::array<double, 1024> magnitudes;
+  DoubleDouble total{0, 0};
+  while (!x.empty()) {
+    const auto part = x.first(std::min(x.size(), magnitudes.size()));
+    std::transform(part.begin(), part.end(), magnitudes.begin(),
+                   [](double v) { return std::fabs(v); });
+    const DoubleDouble next = sum(std::span<const double>(magnitudes).first(part.size()));
+    const DoubleDouble longer = add(total, next);
+    // Beyond the range of double the parts add up to infinity (or stay not-a-number).
+    total = isFinite(longer) ? longer : DoubleDouble{total.hi + next.hi, 0};
+    x = x.subspan(part.size());
+  }
+  return total.hi;
+}
+
 double mean(std::span<const double> x) { return meanOf(x); }
 double mean(std::span<const std::int32_t> x) { return meanOf(x); }
 

@@ -39,6 +39,9 @@ namespace zel::kernels {
 [[nodiscard]] DoubleDouble sumOfSquaredDifferences(std::span<const std::int32_t> x,
                                                    std::span<const std::int32_t> y);
 
+/// Sum of |x[i]|.
+[[nodiscard]] double sumOfMagnitudes(std::span<const double> x);
+
 /// Arithmetic mean; 0 for no elements. Finite for finite elements.
 [[nodiscard]] double mean(std::span<const double> x);
 [[nodiscard]] double mean(std::span<const std::int32_t> x);

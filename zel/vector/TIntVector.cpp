@@ -27,17 +27,16 @@ bool TIntVector::Histogram(int FirstElem, int LastElem, int FirstBin, int LastBi
                            TIntVector* Histo, int& Underflow, int& Overflow, int& MaxCnt) const {
   if (!Histo) return false;
   const int width = std::max(BinWidth, 1);
-  const int bins = kernels::numberOfBins(FirstBin, LastBin, width);
-  if (bins < 1 || bins > detail::kMostBins) {
-    Raise<EZELVectorError>(".Histogram\": invalid number of bins");
-  }
+  const int bins = detail::AcceptedBins(FirstBin, LastBin, width);
+  if (bins < 1) Raise<EZELVectorError>(".Histogram\": invalid number of bins");
   if (Histo == this) {
     const TIntVector copy(Elements());
     return copy.Histogram(FirstElem, LastElem, FirstBin, LastBin, width, Histo, Underflow, Overflow,
                           MaxCnt);
   }
-  detail::CountPositions(Elements(), FirstElem, LastElem, FirstBin, LastBin, width, bins, *Histo,
-                         Underflow, Overflow, MaxCnt);
+  detail::CountInto(
+      *Histo, FirstBin, LastBin, width, bins, Underflow, Overflow, MaxCnt,
+      [&](auto& counter) { detail::CountPositions(Elements(), FirstElem, LastElem, counter); });
   return true;
 }
 

@@ -47,10 +47,11 @@ void TVector::SetVecLeng(double value) {
 bool TVector::Histogram(int FirstElem, int LastElem, double FirstBin, double LastBin,
                         double BinWidth, TIntVector* Histo, int& Underflow, int& Overflow,
                         int& MaxCnt) const {
-  const int bins = kernels::numberOfBins(FirstBin, LastBin, BinWidth);
-  if (!Histo || bins < 1 || bins > detail::kMostBins) return false;
-  detail::CountPositions(Elements(), FirstElem, LastElem, FirstBin, LastBin, BinWidth, bins, *Histo,
-                         Underflow, Overflow, MaxCnt);
+  const int bins = detail::AcceptedBins(FirstBin, LastBin, BinWidth);
+  if (!Histo || bins < 1) return false;
+  detail::CountInto(
+      *Histo, FirstBin, LastBin, BinWidth, bins, Underflow, Overflow, MaxCnt,
+      [&](auto& counter) { detail::CountPositions(Elements(), FirstElem, LastElem, counter); });
   return true;
 }
 

@@ -15,11 +15,19 @@ namespace zel::detail {
 /// More bins than this are refused.
 inline constexpr int kMostBins = 500;
 
-/// Counts the 1-based positions first..last of the cells, those outside as 0.
-/// @param histo  takes the counts through its element setter
+/// Bins that a histogram needs, or 0 if they are too many, the width is 0 or below, or the bounds
+/// are not finite.
 template <class T>
-void CountPositions(std::span<const T> cells, int first, int last, T firstBin, T lastBin, T width,
-                    int bins, TIntVector& histo, int& underflow, int& overflow, int& maxCount) {
+[[nodiscard]] int AcceptedBins(T firstBin, T lastBin, T width) {
+  const int bins = kernels::numberOfBins(firstBin, lastBin, width);
+  return bins > kMostBins ? 0 : bins;
+}
+
+/// Counts what visit(counter) adds.
+/// @param histo  takes the counts through its element setter
+template <class T, class Visit>
+void CountInto(TIntVector& histo, T firstBin, T lastBin, T width, int bins, int& underflow,
+               int& overflow, int& maxCount, Visit&& visit) {
   if (histo.NrOfElem() != bins) histo.Resize(bins);
   histo.Clear();
   const auto count = [&](int bin, std::int64_t times) {
@@ -29,6 +37,15 @@ void CountPositions(std::span<const T> cells, int first, int last, T firstBin, T
     return next;
   };
   kernels::HistogramCounter counter(firstBin, lastBin, width, bins, count);
+  visit(counter);
+  underflow = counter.underflow();
+  overflow = counter.overflow();
+  maxCount = counter.maxCount();
+}
+
+/// Counts the 1-based positions first..last of the cells, those outside as 0.
+template <class T, class Counter>
+void CountPositions(std::span<const T> cells, int first, int last, Counter& counter) {
   const auto n = static_cast<std::int64_t>(cells.size());
   const std::int64_t inLow = std::clamp<std::int64_t>(first, 1, n + 1);
   const std::int64_t inHigh = std::clamp<std::int64_t>(last, 0, n);
@@ -37,9 +54,6 @@ void CountPositions(std::span<const T> cells, int first, int last, T firstBin, T
   if (outside > 0) counter.add(T{0}, outside);
   for (std::int64_t i = inLow; i <= inHigh; ++i)
     counter.add(cells[static_cast<std::size_t>(i - 1)]);
-  underflow = counter.underflow();
-  overflow = counter.overflow();
-  maxCount = counter.maxCount();
 }
 
 }  // namespace zel::detail

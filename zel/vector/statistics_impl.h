@@ -4,12 +4,11 @@
 
 #include <cmath>
 
-#include "zel/base/progress.h"
 #include "zel/kernels/elementwise.h"
 #include "zel/kernels/minmax.h"
 #include "zel/kernels/moments.h"
-#include "zel/kernels/order_statistics.h"
 #include "zel/kernels/sums.h"
+#include "zel/vector/order_statistics_impl.h"
 #include "zel/vector/vectorbase.h"
 
 namespace zel {
@@ -104,17 +103,10 @@ T TNumVector<T>::Mode(int LowElem, int HighElem) const {
 }
 
 template <class T>
-template <class BySort, class BySelection>
-auto TNumVector<T>::OrderStatistic(int LowElem, int HighElem, BySort&& bySort,
-                                   BySelection&& bySelection) const {
-  if (MathFeedBackProc) {
-    TDynArray<T, 1> work = WorkCopy(LowElem, HighElem);
-    return bySort(std::span<T>(work), [] { ProgressStep(); });
-  }
+template <class Statistic>
+auto TNumVector<T>::OrderStatistic(Statistic&& statistic) const {
   try {
-    const auto result = bySelection(Range(LowElem, HighElem));
-    ProgressStep();
-    return result;
+    return statistic();
   } catch (const std::bad_alloc&) {
     Raise<EZELVectorError>("\": not enough memory on heap");
   }
@@ -123,10 +115,7 @@ auto TNumVector<T>::OrderStatistic(int LowElem, int HighElem, BySort&& bySort,
 template <class T>
 bool TNumVector<T>::Quartiles(int LowElem, int HighElem, double& Q1, double& Q2, double& Q3) const {
   Q1 = Q2 = Q3 = 0;
-  const auto q = OrderStatistic(
-      LowElem, HighElem,
-      [](std::span<T> work, auto pass) { return kernels::quartilesBySort(work, pass); },
-      [](std::span<const T> range) { return kernels::quartilesBySelection(range); });
+  const auto q = OrderStatistic([&] { return detail::QuartilesOf(Range(LowElem, HighElem)); });
   Q1 = q.q1;
   Q2 = q.q2;
   Q3 = q.q3;
@@ -135,10 +124,12 @@ bool TNumVector<T>::Quartiles(int LowElem, int HighElem, double& Q1, double& Q2,
 
 template <class T>
 double TNumVector<T>::Percentile(double prob, int LowElem, int HighElem) const {
-  return OrderStatistic(
-      LowElem, HighElem,
-      [=](std::span<T> work, auto pass) { return kernels::percentileBySort(work, prob, pass); },
-      [=](std::span<const T> range) { return kernels::percentileBySelection(range, prob); });
+  return OrderStatistic([&] {
+    return detail::OrderStatistic(
+        Range(LowElem, HighElem),
+        [=](std::span<T> work, auto pass) { return kernels::percentileBySort(work, prob, pass); },
+        [=](std::span<const T> range) { return kernels::percentileBySelection(range, prob); });
+  });
 }
 
 template <class T>

@@ -242,6 +242,9 @@ class TNumVector : public TComponent {
   [[nodiscard]] const T* begin() const { return FVec.begin(); }
   [[nodiscard]] const T* end() const { return FVec.end(); }
   explicit operator std::vector<T>() const { return {begin(), end()}; }
+  /// Takes over size and values, unless there are none, without notification.
+  /// @throws EZELVectorError  `: not enough memory`; the vector is unchanged then
+  void SetElements(std::span<const T> values);
 
  protected:
   /// Elements of a clamped range.
@@ -250,9 +253,6 @@ class TNumVector : public TComponent {
   /// Copy of a range for an operation that rearranges it.
   /// @throws EZELVectorError  `: not enough memory on heap`
   [[nodiscard]] TDynArray<T, 1> WorkCopy(int LowElem, int HighElem) const;
-  /// Takes over the values, unless there are none, and marks the vector as written.
-  /// @throws EZELVectorError  `: not enough memory`
-  void SetElements(std::span<const T> values);
   /// Marks the vector as written.
   void MarkWritten() { FIsEmpty = false; }
   /// Raises `: vectors have different dimensions`.
@@ -282,9 +282,9 @@ class TNumVector : public TComponent {
   template <class Value>
   void StoreEach(std::int64_t first, std::size_t count, Value&& value);
 
-  /// Sorts a copy of the range with progress reports if somebody listens, else selects.
-  template <class BySort, class BySelection>
-  auto OrderStatistic(int LowElem, int HighElem, BySort&& bySort, BySelection&& bySelection) const;
+  /// Runs statistic() with the class's message for a lack of storage.
+  template <class Statistic>
+  auto OrderStatistic(Statistic&& statistic) const;
 
   bool FIsEmpty = true;
   TDynArray<T, 1> FVec;

@@ -1,0 +1,231 @@
+/// @file
+/// Dense matrix of doubles.
+#pragma once
+
+#include <functional>
+#include <initializer_list>
+#include <vector>
+
+#include "zel/matrix/matrixbase.h"
+
+namespace zel {
+
+/// Distance of two rows by the caller's own measure; the handler stores it in Distance.
+using TOnCalcDistanceEvent =
+    std::function<void(TObject* Sender, int Row1, int Row2, double& Distance)>;
+
+/// Matrix norms: largest column sum, largest row sum, largest singular value, root of the sum of
+/// squares.
+enum TNormType : std::uint8_t { ntColwise, ntRowwise, ntSpectral, ntFrobenius };
+
+/// Dense matrix of doubles. See TNumMatrix for the conventions and the members shared with other
+/// element types.
+///
+/// Element (c, r) is column c, row r: A(i, j) of a text book is GetVal(j, i). Products sum over the
+/// inner index upwards, by fused multiply-add: one rounding per term, the same bits on every
+/// machine and for every number of threads.
+class ZEL_API TMatrix : public TNumMatrix<double> {
+ public:
+  using TNumMatrix::CopyFromArray;
+  using TNumMatrix::CopyToArray;
+
+  /// Supplies the distances of mode dmUser.
+  TOnCalcDistanceEvent OnCalcDistance;
+
+  explicit TMatrix(TComponent* AOwner = nullptr);
+  /// Rows in braces: TMatrix{{1, 2, 3}, {4, 5, 6}} has three columns and two rows.
+  /// @throws EZELMatrixError  `: matrices do not match` if the rows differ in length
+  TMatrix(std::initializer_list<std::initializer_list<double>> rows);
+  ~TMatrix() override;
+  [[nodiscard]] std::string_view ClassName() const override;
+
+  /// Copies size, DataID, elements, both precisions and the handlers OnChange, OnSortExchange and
+  /// OnCalcDistance of a TMatrix; OnChange is not fired.
+  /// @throws EConvertError    for a source of another class, or null
+  /// @throws EZELMatrixError  `: not enough memory on heap`; the matrix is unchanged then
+  void Assign(const TPersistent* Source) override;
+  void AssignTo(TPersistent* Dest) const override;
+
+  /// Settings of the text and file writers, -1..25: slot 1 (any ix below 2) and slot 2; 15 and -1
+  /// at first. Values are limited.
+  [[nodiscard]] int GetFPrecis(int ix) const { return FPrecis[ix > 1 ? 1 : 0]; }
+  void SetFPrecis(int ix, int value);
+  [[nodiscard]] int Precision(int ix) const { return GetFPrecis(ix); }
+  void SetPrecision(int ix, int value) { SetFPrecis(ix, value); }
+
+  /// Copies a rectangle, each value rounded to the nearest integer, ties to even, and limited to
+  /// the range of int (not-a-number: 0).
+  void CopyToArray(TInt2DArray& DestArray, int LowCol, int HighCol, int LowRow, int HighRow) const;
+  void CopyFromArray(const TInt2DArray& SrcArray, int Col, int Row);
+
+  /// Uniform values in [RangeLow, RangeHigh) from the process-wide generator.
+  void FillRandomUniform(double RangeLow, double RangeHigh);
+  void FillRandomUniform(int LowCol, int HighCol, int LowRow, int HighRow, double RangeLow,
+                         double RangeHigh);
+  /// Normal deviates.
+  void FillRandomGauss(double Mean, double StdDev);
+  void FillRandomGauss(int LowCol, int HighCol, int LowRow, int HighRow, double Mean,
+                       double StdDev);
+
+  // Arithmetic. The Boolean operations return false, with nothing changed, if an operand is null or
+  // the sizes do not fit. A result may be one of the operands.
+
+  /// Adds (subtracts) element by element; the sizes must agree.
+  bool Add(const TMatrix* MatB);
+  bool Subtract(const TMatrix* MatB);
+  /// Multiplies every element by the scalar, or adds it.
+  void SMult(double Scalar);
+  void SAdd(double Scalar);
+  /// MatRes = element-wise (Hadamard) product; the sizes must agree. This and the products resize
+  /// the result, fire its OnChange once when it is complete (and once for a resize), and then
+  /// OnChange of this matrix.
+  /// @throws EZELMatrixError  `: not enough memory on heap`; nothing is changed then
+  bool EMult(const TMatrix* MatB, TMatrix* MatRes);
+  /// MatRes = A B; A has as many columns as B rows.
+  /// @throws EZELMatrixError  as EMult
+  bool Multiply(const TMatrix* MatB, TMatrix* MatRes);
+  /// MatRes = A B^T; A and B have as many columns.
+  bool MultiplyTransposed(const TMatrix* MatB, TMatrix* MatRes);
+  /// MatRes = A^T B; A and B have as many rows.
+  bool TransposeAndMultiply(const TMatrix* MatB, TMatrix* MatRes);
+  /// VecRes = A b; b has as many elements as A columns. The result has NrOfRows elements (at least
+  /// one, as any vector).
+  bool Multiply(const TVector* VecB, TVector* VecRes);
+  /// VecRes = A^T b; b has as many elements as A rows.
+  bool TransposeAndMultiply(const TVector* VecB, TVector* VecRes);
+  /// Replaces the matrix by its transpose.
+  /// @return true
+  /// @throws EZELMatrixError  `: not enough memory on heap`; the matrix is unchanged then
+  bool Transpose();
+
+  /// MatRes = A^T A / Norm, with the upper triangle computed once. The result's OnChange fires once
+  /// when it is complete (and once for a resize); this matrix fires nothing.
+  ///
+  /// AbortMathProc stops the work; the result is false then, and MatRes holds what was computed. A
+  /// progress step is made for each column. With more than one thread at most NThreads workers
+  /// compute, each column adds 1 to ProcStat, and the caller's thread calls MathFeedBackProc while
+  /// it waits; no worker outlives the call. The bits do not depend on the number of threads.
+  /// @param NThreads  below 1: 1; by default the number of logical processors
+  bool Square(TMatrix* MatRes, double Norm);
+  bool Square(TMatrix* MatRes, double Norm, int NThreads);
+
+  /// Replaces a square matrix by its inverse. Two progress steps per column; AbortMathProc stops.
+  /// OnChange fires once, whatever the outcome.
+  /// @return false for a matrix that is not square or has no elements (nothing happens), with a row
+  ///   of zeros (unchanged), with a pivot below 1E-100 in magnitude (it then holds the factors of
+  ///   its LU decomposition), or when stopped (unchanged or partly decomposed)
+  /// @throws EZELMatrixError  `: not enough memory on heap`; the matrix is unchanged then
+  /// Method: LU decomposition (Crout) with implicit row scaling and partial pivoting, then one
+  /// forward and one back substitution per column. O(n^3).
+  bool Invert();
+  /// Unit lower triangular L and upper triangular U with L U = A, its rows permuted by the
+  /// pivoting; the permutation is not returned. OnChange of both fires when they are complete.
+  /// @param NumPerm  +1 for an even, -1 for an odd number of row exchanges
+  /// @return false if the matrix is not square or an argument is null or doubles (nothing else
+  ///   changes); for a row of zeros, MatL being 0 and MatU a copy then; for a pivot below 1E-100,
+  ///   which is replaced by it, MatL being 0 and MatU holding both factors then
+  /// @throws EZELMatrixError  `: not enough memory on heap`
+  /// Method: as Invert.
+  bool LUdecomposition(TMatrix* MatL, TMatrix* MatU, int& NumPerm) const;
+  /// Lower triangular L with A = L L^T, for a symmetric positive definite matrix. Reads the
+  /// diagonal and the lower triangle; the strict upper triangle of this matrix takes L^T, without
+  /// notification.
+  /// @return false if the matrix is not square, or MatL is null or this matrix (nothing changes);
+  ///   false if it is not positive definite: elements of L from the first bad pivot on may be
+  ///   not-a-number then
+  /// @throws EZELMatrixError  `: not enough memory on heap`
+  bool CholeskyDecomp(TMatrix* MatL);
+  /// Determinant by LU decomposition; 0 if the matrix is not square or a pivot is below 1E-100 in
+  /// magnitude; 1 for 0 x 0. The product of the pivots does not over- or underflow on the way.
+  /// @throws EZELMatrixError  `: not enough memory on heap`
+  [[nodiscard]] double Determinant() const;
+  /// Norm of the matrix; 0 for an empty one and for other values of nt. ntSpectral makes four
+  /// progress steps per column and polls AbortMathProc.
+  /// @throws EZELMatrixError  "near singular covariance matrix" if the singular value decomposition
+  ///   does not converge or is stopped; `: not enough memory on heap`
+  [[nodiscard]] double Norm(TNormType nt) const;
+  /// Scales rows and columns by a diagonal similarity transformation until the off-diagonal
+  /// absolute row and column sums are nearly equal: passes over i = 1..n divide row i and multiply
+  /// column i by f = sqrt(row sum / column sum), until no f exceeds 1.05. Rows or columns whose sum
+  /// is 0 are passed over. At most 1000 passes. Fires no event.
+  /// @return false if the matrix is not square
+  /// Method: Osborne, J. ACM 7 (1960) 338.
+  bool Balance();
+  /// Sum of the diagonal; 0 if the matrix is not square.
+  [[nodiscard]] double Trace() const;
+  /// Replaces every column by its forward differences of the given order; the matrix loses as many
+  /// rows. Nothing happens unless 1 <= Order <= 10 and Order < NrOfRows.
+  void Diff(int Order);
+  /// HatMat = X (X^T X)^-1 X^T, the hat matrix of the regression on the columns of X.
+  /// @return false if X^T X cannot be inverted or HatMat is null; HatMat is unchanged then
+  /// @throws EZELMatrixError  `: not enough memory on heap`
+  bool CalcHatMatrix(TMatrix* HatMat);
+
+  // Statistics. See TNumMatrix for the others.
+
+  /// Sum of a rectangle, in double-double, rounded once.
+  /// @throws EZELMatrixError  as MeanVar
+  [[nodiscard]] double Sum(int LoC, int LoR, int HiC, int HiR) const;
+  /// Product-moment correlation of all elements of two matrices of the same size; 0 for fewer than
+  /// three elements or if one is constant, or for null.
+  /// @throws EZELMatrixError  `: matrices do not match`
+  [[nodiscard]] double Correlate(const TMatrix* OtherMat) const;
+
+  // Normalisations. Vectors may be null; where they are not resized, what exceeds their size is
+  // dropped. OnChange of the matrix fires once at the end, that of the vectors for each element.
+  // `: not enough memory on heap` (EZELMatrixError) leaves the matrix unchanged.
+
+  /// (x - mean) / standard deviation for each column (row), with MeanVar's rules; without spread a
+  /// column (row) stays.
+  void StandardizeColumns(TVector* Means, TVector* StdDevs);
+  void StandardizeRows(TVector* Means, TVector* StdDevs);
+  /// (x - median) / |median - q| for each column (row), q the percentile RefQuant (in percent),
+  /// both by Percentile; without difference a column (row) stays.
+  void QNormalizeColumns(double RefQuant, TVector* Medians, TVector* QuantDiffs);
+  void QNormalizeRows(double RefQuant, TVector* Medians, TVector* QuantDiffs);
+  /// Subtracts the mean of each column (row). Means is resized to their number.
+  void MeanCenterColumns(TVector* Means);
+  void MeanCenterRows(TVector* Means);
+
+  // Distances between objects, which are the rows.
+
+  /// Distance of two rows a, b; a row outside the matrix counts as zeros. dmTanimoto
+  /// sab / (saa + sbb - sab) and dmDice 2 sab / (saa + sbb) are similarities (0 for two zero rows);
+  /// dmManhattan sum |a - b|; dmEuclid and dmSqrEuclid sum (a - b)^2 with and without root; dmUser
+  /// what OnCalcDistance stores, 0 without handler. Other modes: 0. Plain sums over the columns,
+  /// upwards.
+  [[nodiscard]] double DistanceOfObjects(TDistMode Mode, int obj1, int obj2) const;
+  /// Fills a distance matrix of all rows, with a zero diagonal; its OnChange fires once. The
+  /// values are those of DistanceOfObjects.
+  /// @return 0; -1 if DMat is not square, -2 if it does not have as many columns as this matrix has
+  ///   rows (whether square or not), -3 if it is null: nothing is written then
+  /// @throws EZELMatrixError  `: not enough memory on heap`
+  int CalcDistMat(TDistMode Mode, TMatrix* DMat) const;
+
+ private:
+  [[nodiscard]] bool HasSizeOf(const TMatrix& other) const {
+    return NrOfColumns() == other.NrOfColumns() && NrOfRows() == other.NrOfRows();
+  }
+  /// Fills a rectangle with successive values of next().
+  template <class Next>
+  void FillBy(const TCells& cells, Next&& next);
+  /// Gives the target a result of the given size that compute(view) writes, then fires the events
+  /// of a product. The target may be an operand.
+  template <class Compute>
+  bool Produce(TMatrix* MatRes, int Nc, int Nr, Compute&& compute);
+  template <class Compute>
+  bool Produce(TVector* VecRes, int size, Compute&& compute);
+  /// Replaces each element by (x - centre) / scale, where measure(elements) gives the pair for its
+  /// column or row, and leaves it where the scale is not positive. The vectors take the pairs.
+  template <class Measure>
+  void NormalizeAlong(TDims dim, Measure&& measure, TVector* Centres, TVector* Scales);
+  void Standardize(TDims dim, TVector* Means, TVector* StdDevs);
+  void QNormalize(TDims dim, double RefQuant, TVector* Medians, TVector* QuantDiffs);
+  void MeanCenter(TDims dim, TVector* Means);
+  friend class TMatSq1ColThread;
+  void SquareColumn(int column, double Norm, TMatrix& result) const;
+
+  int FPrecis[2] = {15, -1};
+};
+
+}  // namespace zel

@@ -1,0 +1,331 @@
+/// @file
+/// What dense matrices of doubles and of integers share.
+#pragma once
+
+#include <cstdint>
+#include <ostream>
+#include <span>
+#include <string>
+#include <string_view>
+#include <type_traits>
+
+#include "zel/base/Zel_zelbase.h"
+#include "zel/vector/Zel_vector.h"
+
+namespace zel {
+
+namespace kernels {
+template <class T>
+struct MatrixSpan;
+}
+
+/// Two-dimensional container of numbers, stored column by column; TMatrix (double) derives from it.
+///
+/// Columns and rows are numbered from 1, and every pair of indices names the column first. Either
+/// number may be 0 (an empty matrix). A read outside the matrix gives 0 and a write there is
+/// ignored. A range argument pair (low, high) is clamped: (0, 0) is the whole dimension, otherwise
+/// each bound is limited to 1..N and a reversed pair is exchanged; a range of an empty dimension is
+/// empty. Operations that visit many elements go through the columns one after the other, each from
+/// the first row on; that order decides which of equal elements is found first.
+///
+/// OnChange fires after operations that change elements or size: once for those that write in bulk,
+/// for each element stored where the description says so.
+///
+/// Not-a-number elements: sums and moments become not-a-number, minimum, maximum and the searches
+/// never pick one, a sort leaves the rows in the order that its comparisons, which a not-a-number
+/// always fails, happen to produce; percentiles and quartiles read that order.
+template <class T>
+class TNumMatrix : public TComponent {
+ public:
+  using value_type = T;
+  using TVectorType = std::conditional_t<std::is_same_v<T, double>, TVector, TIntVector>;
+
+  /// Fired by Changed.
+  TNotifyEvent OnChange;
+  /// Fired by the sorts for each exchange: ExchgWhat 1 for columns, 2 for rows; the two exchanged
+  /// indices; first and last index of the cells that moved along the other dimension.
+  TSortExchgEvent OnSortExchange;
+  /// Progress of long operations.
+  TOnPercentDoneEvent OnPercentDone;
+
+  /// One column, one row, 0.
+  /// @throws EZELMatrixError  `: not enough memory on heap`
+  explicit TNumMatrix(TComponent* AOwner = nullptr);
+  ~TNumMatrix() override;
+
+  /// Fires OnChange.
+  void Changed();
+  /// Fires OnPercentDone.
+  void PercDone(TObject* Sender, int Percent);
+
+  [[nodiscard]] int NrOfColumns() const { return FNCol; }
+  [[nodiscard]] int NrOfRows() const { return FNRow; }
+  /// Resizes; a negative value is taken as 0.
+  void SetNrOfColumns(int value) { Resize(value, FNRow); }
+  void SetNrOfRows(int value) { Resize(FNCol, value); }
+  /// Text that identifies the data set; files carry it.
+  [[nodiscard]] const std::string& DataID() const { return FDataID; }
+  void SetDataID(std::string_view value) { FDataID = value; }
+
+  /// Sets the size; cells that both shapes have keep their values, new ones are 0. Negative numbers
+  /// are taken as 0. Adding columns one at a time costs amortised constant time per cell.
+  /// @return true; without notification if the size is that already
+  /// @throws EZELMatrixError  `: not enough memory on heap`; the matrix is unchanged then
+  bool Resize(int Nc, int Nr);
+  /// Resizes and sets every element to 0.
+  bool ResizeAndClear(int Nc, int Nr);
+
+  /// Element, 0 outside the matrix.
+  [[nodiscard]] T GetVal(int Nc, int Nr) const {
+    return Contains(Nc, Nr) ? Mat.data()[Offset(Nc, Nr)] : T{0};
+  }
+  /// Writes an element and fires OnChange; outside the matrix nothing happens.
+  void SetVal(int Nc, int Nr, T Value) {
+    if (!Contains(Nc, Nr)) return;
+    Mat.data()[Offset(Nc, Nr)] = Value;
+    if (OnChange) Changed();
+  }
+  [[nodiscard]] T Elem(int Nc, int Nr) const { return GetVal(Nc, Nr); }
+  [[nodiscard]] T operator()(int Nc, int Nr) const { return GetVal(Nc, Nr); }
+
+  void MakeValidColRange(int& LowCol, int& HighCol) const;
+  void MakeValidRowRange(int& LowRow, int& HighRow) const;
+
+  /// Makes this matrix an element-by-element copy; null: nothing happens. OnChange fires for a
+  /// resize, for each element and once more at the end.
+  void Clone(const TNumMatrix* MatSource);
+  /// Copies the source rectangle, each bound limited to the source and a reversed pair exchanged
+  /// ((0, 0) is index 1 here), so that its first cell goes to (DestCol, DestRow); what falls
+  /// outside this matrix is dropped. OnChange fires for each element stored and once more at the
+  /// end. Null: nothing happens. Copying within one matrix proceeds column by column, downwards.
+  void CopyFrom(const TNumMatrix* MatSource, int SourceColLo, int SourceRowLo, int SourceColHi,
+                int SourceRowHi, int DestCol, int DestRow);
+  /// Copies elements of a vector (range clamped by the vector's rule) along Dim, from (DestCol,
+  /// DestRow) on: dimColumns across one row, dimRows down one column. What falls outside is
+  /// dropped. OnChange fires for each element stored and once more at the end. Null: nothing
+  /// happens.
+  void CopyFromVec(TDims Dim, const TVectorType* VecSource, int Source1stElem, int SourceLastElem,
+                   int DestCol, int DestRow);
+  /// The same down one column.
+  void CopyFromVec(const TVectorType* VecSource, int Source1stElem, int SourceLastElem, int DestCol,
+                   int DestRow) {
+    CopyFromVec(dimRows, VecSource, Source1stElem, SourceLastElem, DestCol, DestRow);
+  }
+  /// Copies the elements FirstCol..LastCol of a row to the front of a vector, which keeps its size;
+  /// its other elements become 0. What does not fit is dropped. The vector's OnChange fires once
+  /// for the filling and for each element stored. Null: nothing happens.
+  /// @param Row  limited to 1..NrOfRows
+  void CopyRowToVec(TVectorType* DestVec, int Row, int FirstCol, int LastCol) const;
+  /// The same along a column.
+  void CopyColToVec(TVectorType* DestVec, int Col, int FirstRow, int LastRow) const;
+  /// Copies a rectangle to an array indexed [column][row] from 0, which gets its size.
+  void CopyToArray(TDynArray<T, 2>& DestArray, int LowCol, int HighCol, int LowRow,
+                   int HighRow) const;
+  /// Stores SrcArray[i][j] at (Col + i, Row + j); what falls outside is dropped. OnChange fires for
+  /// each element stored.
+  void CopyFromArray(const TDynArray<T, 2>& SrcArray, int Col, int Row);
+
+  /// Sets every element, or those of a rectangle; OnChange fires once, for an empty one too.
+  void Fill(T value);
+  void Fill(int LowCol, int HighCol, int LowRow, int HighRow, T value);
+  /// Sets the elements (i, i).
+  void FillDiag(T value);
+
+  /// Removes a column (a row); those behind it move up. Fires OnChange once.
+  /// @return false, with nothing changed, for an index outside the matrix and for the last column
+  /// (row)
+  bool RemoveColumn(int col);
+  bool RemoveRow(int row);
+  /// Exchanges two columns (rows) and fires OnChange. Outside the matrix: nothing happens.
+  void ExchangeColumns(int c1, int c2);
+  void ExchangeRows(int r1, int r2);
+  /// Reverses the order of the columns (rows).
+  void MirrorColumns();
+  void MirrorRows();
+  /// Sorts rows LowRow..HighRow by the values in column SortColIx; the cells of columns
+  /// LowCol..HighCol and of the key column move. Comb sort with shrink factor 1.3: not stable,
+  /// equal keys are never exchanged. OnSortExchange fires after each exchange, OnChange at the end;
+  /// fewer than two rows or a key column outside the matrix: nothing happens. With no
+  /// OnSortExchange handler only the keys are sorted, and each column is moved once, to the same
+  /// result. A handler that resizes the matrix ends the sort.
+  void SortRows(int SortColIx, bool Ascending, int LowCol, int LowRow, int HighCol, int HighRow);
+  /// The same for columns LowCol..HighCol by the values in row SortRowIx.
+  void SortCols(int SortRowIx, bool Ascending, int LowCol, int LowRow, int HighCol, int HighRow);
+
+  /// Position of the element nearest to Value, the first on ties; (0, 0) if every distance is
+  /// not-a-number or not below the largest double.
+  void Find(int LowCol, int HighCol, int LowRow, int HighRow, T Value, int& ColIx,
+            int& RowIx) const;
+  /// Binary search in a column, which must be sorted in the given direction.
+  /// @return row of an element equal to Value, else of the nearer of the two that enclose it, the
+  ///   higher row on ties; 0 for a column outside the matrix or without rows
+  [[nodiscard]] int FindInSortedColumn(int Col, bool ColIsAscending, T Value) const;
+
+  /// Fingerprint of the elements, column by column: one CRC-32 register (reflected polynomial
+  /// 0xEDB88320) for each byte place of the element type, each as eight upper-case hexadecimal
+  /// digits. The size does not enter; the bits count, so 0.0 and -0.0 differ.
+  [[nodiscard]] std::string CRCofData() const;
+
+  /// Smallest and largest element of a rectangle. They stay at the largest value of T and its
+  /// negative if no element lies strictly below (above).
+  void MinMax(int LowCol, int LowRow, int HighCol, int HighRow, T& Minimum, T& Maximum) const;
+  /// Mean and sample variance (divisor n - 1). The variance of one or two values is 1.0, that of
+  /// equal values exactly 0; both are 0 for an empty rectangle. Double-double sums, rounded once.
+  /// @throws EZELMatrixError  `: not enough memory on heap`; here and below only possible for a
+  ///   rectangle of several columns that leaves out rows
+  void MeanVar(int LowCol, int LowRow, int HighCol, int HighRow, double& Mean,
+               double& Variance) const;
+  /// exp(mean of ln x); 0 if an element is 0; 1 for an empty rectangle.
+  /// @throws EZELMatrixError  `: negative argument passed to GeometricMean`
+  [[nodiscard]] double GeometricMean(int LowCol, int LowRow, int HighCol, int HighRow) const;
+  /// n / sum of 1/x; 0 for an empty rectangle.
+  /// @throws EZELMatrixError  `: negative or zero argument passed to HarmonicMean`
+  [[nodiscard]] double HarmonicMean(int LowCol, int LowRow, int HighCol, int HighRow) const;
+  /// Skewness m3 / s^3 and excess kurtosis m4 / s^4 - 3 from population moments m3, m4 and the
+  /// sample standard deviation s. Both 0 for fewer than two values or no spread.
+  void SkewKurt(int LowCol, int LowRow, int HighCol, int HighRow, double& Skewness,
+                double& Kurtosis) const;
+  /// The same with corrections for the sample size: skewness times n^2 / ((n-1)(n-2)); kurtosis
+  /// (K + 3) n^2 (n+1) / ((n-1)(n-2)(n-3)) - 3 (n-1)^2 / ((n-2)(n-3)). Both 0 for fewer than four
+  /// values.
+  void SkewKurtSample(int LowCol, int LowRow, int HighCol, int HighRow, double& Skewness,
+                      double& Kurtosis) const;
+  /// Quartiles at positions (n + 1) q of the sorted values, interpolated linearly, limited to the
+  /// first and last value. While MathFeedBackProc is set the values are sorted with a progress step
+  /// for each pass, otherwise selected with one step.
+  /// @return true; false, with three zeros, for an empty rectangle
+  /// @throws EZELMatrixError  `: not enough memory on heap`
+  bool Quartiles(int LowCol, int LowRow, int HighCol, int HighRow, double& Q1, double& Q2,
+                 double& Q3) const;
+  /// Percentile without interpolation: the value of rank n prob / 100 counted from 0, rounded to
+  /// nearest, ties to even, at most n - 1; so the 50th percentile of (1, 2, 3, 4) is 3. 0 for an
+  /// empty rectangle. Linear time. (Not the rule of the vectors.)
+  /// @param prob  percent, limited to 0..100; not-a-number counts as 0
+  /// @throws EZELMatrixError  `: not enough memory on heap`
+  [[nodiscard]] double Percentile(double prob, int LowCol, int LowRow, int HighCol,
+                                  int HighRow) const;
+  /// The same estimated from SampleSize elements drawn with replacement, after the process-wide
+  /// generator was seeded from the clock. If prob falls into the block of zeros of the sample, the
+  /// result is 0. Exact for SampleSize 0 or below and for rectangles of at most SampleSize
+  /// elements.
+  [[nodiscard]] double Percentile(double prob, int LowCol, int LowRow, int HighCol, int HighRow,
+                                  int SampleSize) const;
+  /// Counts the elements of a rectangle in bins of equal width: bin k holds FirstBin + (k-1)
+  /// BinWidth <= x < FirstBin + k BinWidth; there are round(|LastBin - FirstBin| / BinWidth) + 1
+  /// bins. Values below FirstBin go to Underflow, those at or above LastBin + BinWidth to Overflow;
+  /// a bin beyond the last is dropped, a not-a-number is counted nowhere.
+  /// @param Histo   resized to the number of bins; OnChange fires for each value counted
+  /// @param MaxCnt  largest count of a bin
+  /// @return false, with nothing changed, for more than 500 bins, a bin width of 0 or below, bounds
+  ///   that are not finite, or Histo null
+  bool Histogram(int LoX, int LoY, int HiX, int HiY, T FirstBin, T LastBin, T BinWidth,
+                 TIntVector* Histo, int& Underflow, int& Overflow, int& MaxCnt) const;
+  /// Number of values with RangeLow <= x <= RangeHigh. Both column bounds come first.
+  [[nodiscard]] int CountValues(int LowCol, int HighCol, int LowRow, int HighRow, T RangeLow,
+                                T RangeHigh) const;
+  /// Image of the whole matrix, indexed [column][row] from 0: true where the element is above the
+  /// threshold.
+  /// @return number of true cells
+  int Dichotomize(T Threshold, TBool2DArray& ResultArray) const;
+  /// Mean of each column (dimColumns) or row (dimRows); the vector gets their number of elements,
+  /// but at least one. Null: nothing happens.
+  /// @throws EZELMatrixError  `: not enough memory on heap`
+  void MeanVec(TDims Dim, TVector* Means) const;
+  /// Aggregates each row (orVertical) or column (orHorizontal) to its minimum, maximum, sum or
+  /// mean; the vector gets their number of elements, but at least one. The extremes of nothing are
+  /// the largest double and its negative, the mean of nothing is 0. Null: nothing happens.
+  /// @throws EZELMatrixError  `: not enough memory on heap`
+  void EdgeVector(TOrientation Orient, TEdgeOp EdgeOp, TVector* DestVec) const;
+
+  // What C++ callers expect beside the operations above.
+  /// Elements of a column (numbered from 1); none outside the matrix.
+  [[nodiscard]] std::span<const T> Column(int c) const;
+  /// All elements, column by column.
+  [[nodiscard]] std::span<const T> Elements() const { return {Mat.data(), NrOfElements()}; }
+  [[nodiscard]] const T* begin() const { return Mat.data(); }
+  [[nodiscard]] const T* end() const { return Mat.data() + NrOfElements(); }
+
+ protected:
+  /// 1-based rectangle, clamped.
+  struct TCells {
+    int LowCol = 1;
+    int LowRow = 1;
+    int HighCol = 0;
+    int HighRow = 0;
+    [[nodiscard]] std::size_t Columns() const {
+      return static_cast<std::size_t>(HighCol - LowCol + 1);
+    }
+    [[nodiscard]] std::size_t Rows() const {
+      return static_cast<std::size_t>(HighRow - LowRow + 1);
+    }
+    [[nodiscard]] std::size_t Count() const { return Columns() * Rows(); }
+  };
+  [[nodiscard]] TCells Clamped(int LowCol, int LowRow, int HighCol, int HighRow) const;
+
+  /// Fires OnSortExchange.
+  void SortExchange(std::uint8_t ExchgWhat, int Index1, int Index2, int First, int Last);
+
+  [[nodiscard]] bool Contains(int Nc, int Nr) const {
+    // Indices below 1 become huge.
+    return static_cast<unsigned>(Nc) - 1U < static_cast<unsigned>(FNCol) &&
+           static_cast<unsigned>(Nr) - 1U < static_cast<unsigned>(FNRow);
+  }
+  /// Place of a cell of the matrix; a column with rows takes exactly them.
+  [[nodiscard]] std::size_t Offset(int Nc, int Nr) const {
+    return static_cast<std::size_t>(Nc - 1) * static_cast<std::size_t>(FNRow) +
+           static_cast<std::size_t>(Nr - 1);
+  }
+  [[nodiscard]] std::size_t NrOfElements() const {
+    return static_cast<std::size_t>(FNCol) * static_cast<std::size_t>(FNRow);
+  }
+  [[nodiscard]] std::span<T> Cells() { return {Mat.data(), NrOfElements()}; }
+  /// Views for the kernels.
+  [[nodiscard]] kernels::MatrixSpan<T> View();
+  [[nodiscard]] kernels::MatrixSpan<const T> View() const;
+  [[nodiscard]] kernels::MatrixSpan<const T> View(const TCells& cells) const;
+
+  /// Raises the out-of-memory message of the class.
+  [[noreturn]] void RaiseNoMemory() const;
+  /// Runs an operation whose allocations may fail: then the out-of-memory message.
+  template <class Operation>
+  decltype(auto) Guarded(Operation&& operation) const;
+  /// Calls use(span) with the elements of a rectangle in order: the storage itself where they are
+  /// contiguous, a copy otherwise.
+  template <class Use>
+  decltype(auto) WithCells(const TCells& cells, Use&& use) const;
+  /// Stores value(i, j), i and j from 0, at (col + i, row + j), firing OnChange for each.
+  template <class Value>
+  void StoreEach(std::int64_t col, std::int64_t row, std::int64_t nCols, std::int64_t nRows,
+                 Value&& value);
+  /// Takes over contents of the given size; OnChange does not fire.
+  void TakeOver(TDynArray<T, 2>& contents, int Nc, int Nr);
+
+ private:
+  /// Zeroes what an empty matrix still stores, so that it is 0 when it grows again.
+  void ClearHidden();
+  bool Remove(TDims dim, int index);
+
+  int FNCol = 1;
+  int FNRow = 1;
+  std::string FDataID;
+  TDynArray<T, 2> Mat;
+};
+
+/// Rows in braces.
+template <class T>
+std::ostream& operator<<(std::ostream& out, const TNumMatrix<T>& matrix) {
+  out << '{';
+  for (int r = 1; r <= matrix.NrOfRows(); ++r) {
+    out << (r == 1 ? "{" : ", {");
+    for (int c = 1; c <= matrix.NrOfColumns(); ++c) {
+      if (c > 1) out << ", ";
+      out << matrix(c, r);
+    }
+    out << '}';
+  }
+  return out << '}';
+}
+
+extern template class ZEL_API TNumMatrix<double>;
+
+}  // namespace zel
