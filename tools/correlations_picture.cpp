@@ -49,7 +49,7 @@ struct Layout {
   double left;  // of the cells
   double head;  // above them
   double right;
-  bool slanted;  // names of the columns
+  int angle;  // of the names of the columns, in degrees
 
   Layout(const std::vector<std::string>& names, const std::string& title) {
     const auto k = static_cast<double>(names.size());
@@ -62,9 +62,9 @@ struct Layout {
     for (const std::string& name : names) longest = std::max(longest, characterCount(name));
     const double name = character * static_cast<double>(std::min(longest, kLongestName + 3));
     left = kMargin + name + 0.12;
-    slanted = name > 0.92 * cell;
-    head = 0.68 + (slanted ? 0.71 * name + 0.12 : 0.22);
-    right = std::max(kBar + 0.35 + kMargin, slanted ? 0.71 * name : 0.0);
+    angle = name <= 0.92 * cell ? 0 : names.size() <= kMostWithValues ? 45 : 90;
+    head = 0.68 + (angle == 0 ? 0.22 : angle == 45 ? 0.71 * name + 0.12 : name + 0.12);
+    right = std::max(kBar + 0.35 + kMargin, angle == 45 ? 0.71 * name : 0.0);
     const double titleWidth = 0.088 * static_cast<double>(characterCount(title)) + 2 * kMargin;
     right += std::max(0.0, std::max(3.2, std::min(titleWidth, 8.0)) - (left + k * cell + right));
   }
@@ -133,8 +133,11 @@ std::string nameLabels(const std::vector<std::string>& names, const Layout& layo
     const std::string text = gnuplotText(names[i], kLongestName);
     const std::string middle = std::to_string(i) + ".5";
     script += "set label " + text + " at graph 0, first " + middle + " right offset -0.7, 0" + font;
-    script += "set label " + text + " at first " + middle + ", graph 1 " +
-              (layout.slanted ? "left rotate by 45 offset 0, 0.5" : "center offset 0, 0.7") + font;
+    script +=
+        "set label " + text + " at first " + middle + ", graph 1 " +
+        (layout.angle == 0 ? "center offset 0, 0.7"
+                           : "left rotate by " + std::to_string(layout.angle) + " offset 0, 0.5") +
+        font;
   }
   return script;
 }

@@ -170,8 +170,8 @@ ColumnValues readCsvTable(LineReader& file, Table& table) {
   std::vector<std::string> firstTexts;
   for (std::vector<Cell> cells; records.next(cells);) {
     if (cells.size() != drafts.size()) {
-      records.fail("there are " + std::to_string(cells.size()) +
-                   " cells, and the header line has " + std::to_string(drafts.size()));
+      records.fail("the row has " + counted(static_cast<long long>(cells.size()), "cell") +
+                   ", and the header line has " + std::to_string(drafts.size()));
     }
     if (table.rows == std::numeric_limits<int>::max()) records.fail("there are too many rows");
     ++table.rows;

@@ -80,23 +80,31 @@ std::string ticks(const Histogram& histogram) {
   return "set xtics (" + list + ")\n";
 }
 
-std::string panelScript(const HistogramPanel& panel) {
-  std::string script = set("name", gnuplotText(panel.name, 24));
+/// The name on the left and a note on the right, if there is room for it.
+std::string heading(const HistogramPanel& panel, const std::string& note, double inches) {
+  constexpr double kCharacter = 0.083;
+  const auto room = static_cast<std::size_t>(inches / kCharacter);
+  const bool fits = characterCount(panel.name) + characterCount(note) + 2 <= room;
+  return set("name", gnuplotText(panel.name, room - 3)) +
+         set("note", fits ? gnuplotText(note) : "''");
+}
+
+std::string panelScript(const HistogramPanel& panel, double inches) {
   if (!panel.histogram) {
     const bool none = panel.summary->n == 0;
-    return script + set("note", none ? "'no values'" : "'values too large to draw'") + kEmptyPanel;
+    return heading(panel, none ? "no values" : "values too large", inches) + kEmptyPanel;
   }
   const Histogram& histogram = *panel.histogram;
   const int decimals = std::max(decimalsFor(histogram.width()) - 1, 0);
   std::string median = trimmed(*panel.summary->median.value, decimals);
   if (median.find('e') != std::string::npos) median = significant(*panel.summary->median.value, 4);
-  script += "$bins << EOD\n";
+  std::string script = "$bins << EOD\n";
   for (std::size_t i = 0; i < histogram.counts.size(); ++i) {
     script += shortest(histogram.edge(i)) + ' ' + shortest(histogram.edge(i + 1)) + ' ' +
               std::to_string(histogram.counts[i]) + '\n';
   }
   const int most = *std::max_element(histogram.counts.begin(), histogram.counts.end());
-  return script + "EOD\n" + set("note", gnuplotText("median " + median)) +
+  return script + "EOD\n" + heading(panel, "median " + median, inches) +
          set("low", shortest(histogram.edge(0))) +
          set("high", shortest(histogram.edge(histogram.counts.size()))) +
          set("most", std::to_string(most)) +
@@ -131,7 +139,8 @@ void drawHistograms(const std::string& fileName, const std::string& title,
     const double top = kHeadHeight + kPanelHeight * static_cast<double>(i / across);
     script += screen("l", left) + screen("r", left + panelWidth - 0.04) +
               screen("t", 1 - (top + 0.42) / height) +
-              screen("b", 1 - (top + kPanelHeight - 0.3) / height) + panelScript(panels[i]);
+              screen("b", 1 - (top + kPanelHeight - 0.3) / height) +
+              panelScript(panels[i], kWidth * (panelWidth - 0.04));
   }
   drawPicture(fileName, {kWidth, height}, script + "unset multiplot\n");
 }
