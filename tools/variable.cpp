@@ -58,7 +58,7 @@ class Finder {
   /// Adds the column that a word means.
   /// @return false if there is none
   bool add(const std::string& word, std::vector<std::size_t>& chosen) const {
-    const auto isNamed = [&](const auto& column) { return column.name == word; };
+    const auto isNamed = [&](const auto& column) { return !word.empty() && column.name == word; };
     const auto number = numberIn(word);
     const auto isNumbered = [&](const auto& column) { return column.number == number; };
     const auto named = std::count_if(table_.columns.begin(), table_.columns.end(), isNamed) +
