@@ -84,8 +84,8 @@ std::string tableText(const Table& file, const Correlations& correlations, bool 
          });
 }
 
-std::string jsonText(const Table& file, const Correlations& correlations,
-                     const CorrelateOptions& options) {
+std::string jsonText(const Table& file, const std::vector<std::size_t>& columns,
+                     const Correlations& correlations, const CorrelateOptions& options) {
   JsonWriter json;
   const auto addSquare = [&](const char* key, const auto& rows) {
     json.beginArray(key);
@@ -101,10 +101,10 @@ std::string jsonText(const Table& file, const Correlations& correlations,
   json.add("comment", file.comment);
   json.add("rows", file.rows);
   json.beginArray("variables");
-  for (std::size_t i = 0; i < correlations.size(); ++i) {
+  for (const std::size_t c : columns) {
     json.beginObject();
-    json.add("column", correlations.numbers[i]);
-    json.add("name", correlations.names[i]);
+    json.add("column", file.columns[c].number);
+    json.add("name", file.columns[c].name);
     json.endObject();
   }
   json.endArray();
@@ -148,7 +148,7 @@ Result correlate(const CorrelateOptions& options) {
   }
   const Correlations correlations = correlate(file, choice.columns);
   if (!options.picture.empty()) drawCorrelations(options.picture, pictureTitle(file), correlations);
-  if (options.json) return {jsonText(file, correlations, options), choice.note};
+  if (options.json) return {jsonText(file, choice.columns, correlations, options), choice.note};
   std::string text = tableText(file, correlations, options.ascii);
   if (!options.picture.empty()) text += "\n  Picture: " + printable(options.picture) + '\n';
   return {text, choice.note};

@@ -67,7 +67,7 @@ std::string set(const char* name, const std::string& value) {
 std::string ticks(const Histogram& histogram) {
   const std::size_t edges = histogram.counts.size() + 1;
   std::size_t step = 1;
-  for (const std::size_t factor : {2, 5, 10, 20, 50, 100}) {
+  for (const std::size_t factor : {2U, 5U, 10U, 20U, 50U, 100U}) {
     if (edges > kMostTicks * step) step = factor;
   }
   std::string list;
