@@ -1,12 +1,12 @@
 #include "histograms_picture.h"
 
 #include <algorithm>
-#include <cmath>
 
 #include "failure.h"
 #include "gnuplot.h"
 #include "number_text.h"
 #include "utf8.h"
+#include "zel/foundation/scaling.h"
 
 namespace tool {
 namespace {
@@ -15,12 +15,11 @@ constexpr std::size_t kMostPanels = 40;
 constexpr double kWidth = 8;
 constexpr double kPanelHeight = 1.9;
 constexpr double kHeadHeight = 0.7;
-constexpr std::size_t kMostTicks = 5;
 
 constexpr const char* kStyle = R"(
 ink = '#333333'; bars = '#a3c1dd'; blue = '#2f6496'; pale = '#dfe9f3'; red = '#b3262e'; grey = '#777777'
 set border 1 lc rgb ink lw 0.75
-set xtics nomirror out scale 0.4 textcolor rgb ink font ',8' offset 0, 0.35
+set format '%.10g'
 unset ytics
 unset key
 set multiplot
@@ -33,6 +32,7 @@ set label 2 'Boxes: the quartiles with the median; lines: from minimum to maximu
 constexpr const char* kPanel = R"(
 set label 3 name at graph 0, graph 1.12 left noenhanced textcolor rgb ink font ',9.5'
 set label 4 note at graph 1, graph 1.12 right noenhanced textcolor rgb grey font ',8.5'
+set xtics tick nomirror out scale 0.4 textcolor rgb ink font ',8' offset 0, 0.35
 set xrange [low:high]
 set yrange [0:1.3 * most]
 middle = 1.17 * most; half = 0.06 * most
@@ -48,7 +48,7 @@ unset label 2
 constexpr const char* kEmptyPanel = R"(
 set label 3 name at graph 0, graph 1.12 left noenhanced textcolor rgb ink font ',9.5'
 set label 4 note at graph 1, graph 1.12 right noenhanced textcolor rgb grey font ',8.5'
-set xtics ('' 0)
+unset xtics
 set xrange [0:1]
 set yrange [0:1]
 unset object 1
@@ -63,21 +63,11 @@ std::string set(const char* name, const std::string& value) {
   return std::string(name) + " = " + value + '\n';
 }
 
-/// Ticks at a few of the edges, so that they have round numbers.
-std::string ticks(const Histogram& histogram) {
-  const std::size_t edges = histogram.counts.size() + 1;
-  std::size_t step = 1;
-  for (const std::size_t factor : {2U, 5U, 10U, 20U, 50U, 100U}) {
-    if (edges > kMostTicks * step) step = factor;
-  }
-  std::string list;
-  for (std::size_t i = 0; i < edges; ++i) {
-    const double multiple = histogram.firstMultiple + static_cast<double>(i);
-    if (std::fmod(multiple, static_cast<double>(step)) != 0) continue;
-    list += (list.empty() ? "'" : ", '") + shortest(histogram.edge(i) + 0.0) + "' " +
-            shortest(histogram.edge(i));
-  }
-  return "set xtics (" + list + ")\n";
+/// Distance of the ticks: a round number, not below the width of the bins, and so large that there
+/// is room for the labels.
+double tickDistance(double low, double high, double width) {
+  const std::size_t label = std::max(significant(low, 10).size(), significant(high, 10).size());
+  return std::max(zel::RoundPos125((high - low) / (label > 6 ? 2 : 4)), width);
 }
 
 /// The name on the left and a note on the right, if there is room for it.
@@ -95,6 +85,8 @@ std::string panelScript(const HistogramPanel& panel, double inches) {
     return heading(panel, none ? "no values" : "values too large", inches) + kEmptyPanel;
   }
   const Histogram& histogram = *panel.histogram;
+  const double low = histogram.edge(0);
+  const double high = histogram.edge(histogram.counts.size());
   const int decimals = std::max(decimalsFor(histogram.width()) - 1, 0);
   std::string median = trimmed(*panel.summary->median.value, decimals);
   if (median.find('e') != std::string::npos) median = significant(*panel.summary->median.value, 4);
@@ -104,15 +96,14 @@ std::string panelScript(const HistogramPanel& panel, double inches) {
               std::to_string(histogram.counts[i]) + '\n';
   }
   const int most = *std::max_element(histogram.counts.begin(), histogram.counts.end());
-  return script + "EOD\n" + heading(panel, "median " + median, inches) +
-         set("low", shortest(histogram.edge(0))) +
-         set("high", shortest(histogram.edge(histogram.counts.size()))) +
-         set("most", std::to_string(most)) +
+  return script + "EOD\n" + heading(panel, "median " + median, inches) + set("low", shortest(low)) +
+         set("high", shortest(high)) + set("most", std::to_string(most)) +
          set("smallest", shortest(*panel.summary->minimum.value)) +
          set("q1", shortest(*panel.summary->lowerQuartile.value)) +
          set("median", shortest(*panel.summary->median.value)) +
          set("q3", shortest(*panel.summary->upperQuartile.value)) +
-         set("largest", shortest(*panel.summary->maximum.value)) + ticks(histogram) + kPanel;
+         set("largest", shortest(*panel.summary->maximum.value)) +
+         set("tick", shortest(tickDistance(low, high, histogram.width()))) + kPanel;
 }
 
 }  // namespace
