@@ -66,12 +66,9 @@ std::string squareText(const Correlations& correlations, TextOf textOf) {
 }
 
 std::string tableText(const Table& file, const Correlations& correlations, bool ascii) {
-  std::string text = file.source + ": " +
-                     counted(static_cast<long long>(correlations.size()), "variable") + ", " +
-                     counted(file.rows, "row") + '\n';
-  if (!file.comment.empty()) text += printable(file.comment) + '\n';
+  std::string text = headingText(file, correlations.size());
   const auto [fewest, most] = correlations.rangeOfPairs();
-  text += "\n  Pearson correlation, n = " + std::to_string(fewest) +
+  text += "  Pearson correlation, n = " + std::to_string(fewest) +
           (fewest == most ? "" : " to " + std::to_string(most)) + "\n\n";
   text += squareText(correlations, [&](std::size_t i, std::size_t j) {
     const auto& r = correlations.r[i][j];

@@ -80,8 +80,9 @@ Description describeVariable(Variable variable, const std::vector<double>& perce
   const zel::TVector x(variable.values);
   Summary summary = summarize(x, variable, percents);
   std::optional<Histogram> histogram;
-  if (summary.n > 0)
+  if (summary.n > 0) {
     histogram = bins > 0 ? countInAbout(x, bins) : countInBins(x, kMostBinsByDefault);
+  }
   return {std::move(variable), std::move(summary), std::move(histogram)};
 }
 
@@ -139,11 +140,7 @@ std::string textOfSeveral(const Table& file, const std::vector<Description>& des
     textsOf(d, [&](const std::string&, const std::string& text) { texts.push_back(text); });
     columns.add(printable(d.variable.title, 24), std::move(texts));
   }
-  std::string text = file.source + ": " +
-                     counted(static_cast<long long>(descriptions.size()), "variable") + ", " +
-                     counted(file.rows, "row") + '\n';
-  if (!file.comment.empty()) text += printable(file.comment) + '\n';
-  return text + '\n' + columns.text(terminalColumns());
+  return headingText(file, descriptions.size()) + columns.text(terminalColumns());
 }
 
 void addVariable(JsonWriter& json, const Description& d, const DescribeOptions& options) {

@@ -81,6 +81,13 @@ std::string whyNotNumbers(const Table& table, const OtherColumn& column) {
          whyNotANumber(column.word, "a missing value is left empty or written NA, NAN or ###");
 }
 
+std::string headingText(const Table& table, std::size_t variables) {
+  std::string text = table.source + ": " + counted(static_cast<long long>(variables), "variable") +
+                     ", " + counted(table.rows, "row") + '\n';
+  if (!table.comment.empty()) text += printable(table.comment) + '\n';
+  return text + '\n';
+}
+
 std::string pictureTitle(const Table& table) {
   if (!table.comment.empty()) return table.comment;
   return table.source.substr(table.source.find_last_of('/') + 1);

@@ -52,6 +52,9 @@ Table readTable(const std::string& fileName);
 /// Why a column is none of numbers, as a sentence that names the file and the line.
 std::string whyNotNumbers(const Table& table, const OtherColumn& column);
 
+/// The lines above the tables of several variables.
+std::string headingText(const Table& table, std::size_t variables);
+
 /// The comment of a file; without one the file's own name.
 std::string pictureTitle(const Table& table);
 

@@ -28,6 +28,12 @@ std::string noteOfText(const Table& table) {
   }
   if (names.empty()) return {};
   const bool one = names.size() == 1;
+  constexpr std::size_t kMost = 12;
+  if (names.size() > kMost + 1) {
+    const std::string more = std::to_string(names.size() - kMost) + " more";
+    names.resize(kMost);
+    names.push_back(more);
+  }
   return table.source + ": " + (one ? "column " : "columns ") + inSentence(names) +
          (one ? " is left out: it holds" : " are left out: they hold") + " text";
 }
