@@ -1,10 +1,10 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
-#include <memory>
 #include <utility>
 
 #include "zel/kernels/decompositions.h"
+#include "zel/kernels/scratch.h"
 #include "zel/kernels/targets.h"
 
 #undef HWY_TARGET_INCLUDE
@@ -41,6 +41,9 @@ namespace zel::kernels::HWY_NAMESPACE {
 namespace {
 
 namespace hn = hwy::HWY_NAMESPACE;
+
+#include "zel/kernels/double_double-inl.h"
+#include "zel/kernels/fused_multiply_add-inl.h"
 
 #include "zel/kernels/triangular-inl.h"
 
@@ -86,7 +89,7 @@ bool choleskyFactor(Matrix a, double* storage) {
       for (std::size_t i = 0; i <= j; ++i) block(i, j) = work.block[i * kPanel + j];
       diagonal[j] = block(j, j);
     }
-    packTriangle(
+    packTriangle<4>(
         width, [&](std::size_t i, std::size_t k) { return work.block[k * kPanel + i]; },
         work.triangle);
 
@@ -97,7 +100,7 @@ bool choleskyFactor(Matrix a, double* storage) {
     double* sliver = work.slivers;
     for (std::size_t c = 0; c < rest; c += kSliver, sliver += kSliver * width) {
       packColumns(rows, c, sliver);
-      solveTriangle(work.triangle, 0, width, diagonal, sliver, kSliver);
+      solveTriangle<4, kVecs>(work.triangle, 0, width, diagonal, sliver, kSliver);
       unpackColumns(sliver, rows, c);
       const std::size_t end = HWY_MIN(c + kSliver, rest);
       for (std::size_t i = 0; i <= c; i += kSliver) {
@@ -129,13 +132,13 @@ namespace zel::kernels {
 HWY_EXPORT(choleskyFactor);
 
 bool choleskyDecompose(Matrix a, std::span<double> diagonal) {
-  const auto work = std::make_unique_for_overwrite<double[]>(cholesky::Workspace::length(a.rows));
+  const Scratch work(cholesky::Workspace::length(a.rows));
   for (std::size_t c = 0; c < a.columns; ++c) {
     for (std::size_t r = c + 1; r < a.rows; ++r) a(c, r) = a(r, c);
   }
   // The diagonal of the matrix serves as work space and comes back afterwards.
   for (std::size_t i = 0; i < a.rows; ++i) diagonal[i] = a(i, i);
-  const bool isPositive = HWY_DYNAMIC_DISPATCH(choleskyFactor)(a, work.get());
+  const bool isPositive = HWY_DYNAMIC_DISPATCH(choleskyFactor)(a, work.data());
   for (std::size_t i = 0; i < a.rows; ++i) std::swap(diagonal[i], a(i, i));
   return isPositive;
 }

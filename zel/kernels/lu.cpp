@@ -2,14 +2,15 @@
 #include <cstddef>
 #include <cstring>
 #include <exception>
-#include <memory>
 #include <utility>
 
 #include "zel/kernels/decompositions.h"
+#include "zel/kernels/scratch.h"
 #include "zel/kernels/targets.h"
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "zel/kernels/lu.cpp"
+#include "hwy/cache_control.h"
 #include "hwy/foreach_target.h"  // IWYU pragma: keep
 #include "hwy/highway.h"
 
@@ -66,7 +67,11 @@ inline void exchangeRows(Matrix a, const std::size_t* pivots, std::size_t first,
                          std::size_t from, std::size_t to) {
   for (std::size_t c = from; c < to; ++c) {
     double* x = a.column(c);
-    for (std::size_t i = first; i < last; ++i) std::swap(x[i], x[pivots[i]]);
+    const double* next = a.column(c + 1 < to ? c + 1 : c);
+    for (std::size_t i = first; i < last; ++i) {
+      hwy::Prefetch(next + pivots[i]);
+      std::swap(x[i], x[pivots[i]]);
+    }
   }
 }
 
@@ -78,6 +83,9 @@ namespace zel::kernels::HWY_NAMESPACE {
 namespace {
 
 namespace hn = hwy::HWY_NAMESPACE;
+
+#include "zel/kernels/double_double-inl.h"
+#include "zel/kernels/fused_multiply_add-inl.h"
 
 #include "zel/kernels/triangular-inl.h"
 
@@ -129,7 +137,7 @@ class LuFactors {
     if (first == last) return;
     const std::size_t below = j + width;
     const std::size_t rows = n_ - below;
-    packTriangle(
+    packTriangle<4>(
         width, [this, j](std::size_t i, std::size_t k) { return a_(j + i, j + k); },
         work_.triangle);
     // A few columns do not repay the packing of all rows, only of the last, incomplete sliver.
@@ -141,7 +149,7 @@ class LuFactors {
       lu::exchangeRows(a_, pivots_, j, below, c, end);
       const Matrix top = a_.block(j, c, width, end - c);
       packColumns(top, 0, work_.sliver);
-      solveTriangle(work_.triangle, 0, width, nullptr, work_.sliver, kSliver);
+      solveTriangle<4, kVecs>(work_.triangle, 0, width, nullptr, work_.sliver, kSliver);
       unpackColumns(work_.sliver, top, 0);
       for (std::size_t i = 0; i < rows; i += kSliver) {
         const bool isDirect = i < whole;
@@ -343,14 +351,12 @@ LuStatus luDecompose(Matrix a, std::span<std::size_t> pivots, int& sign, Poll sc
                      Matrix scratch) {
   const std::size_t n = a.rows;
   sign = 1;
-  const auto storage = std::make_unique_for_overwrite<double[]>(lu::Workspace::length(n));
-  const lu::Workspace work(storage.get(), n);
+  const Scratch storage(lu::Workspace::length(n));
+  const lu::Workspace work(storage.data(), n);
   // Blocks run ahead of the columns, so a stop needs the original.
-  std::unique_ptr<double[]> kept;
-  if (step && scratch.data == nullptr) {
-    kept = std::make_unique_for_overwrite<double[]>(n * n);
-    scratch = {kept.get(), n, n, n};
-  }
+  const bool isKept = step && scratch.data == nullptr;
+  const Scratch kept(isKept ? n * n : 0);
+  if (isKept) scratch = {kept.data(), n, n, n};
   for (std::size_t i = 0; i < n; ++i) {
     if (!scaled()) return LuStatus::stopped;
   }

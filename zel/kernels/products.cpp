@@ -1,67 +1,61 @@
 #include "zel/kernels/products.h"
 
-#include <cmath>
-#include <utility>
+#include <algorithm>
+#include <cstddef>
+
+#include "zel/kernels/scratch.h"
+#include "zel/kernels/strips.h"
 
 namespace zel::kernels {
 
 namespace {
 
-double entry(ConstMatrix m, Factor as, std::size_t r, std::size_t c) {
-  return as == Factor::plain ? m(r, c) : m(c, r);
+/// Rows r.. and columns c.. of a factor as it enters the product.
+ConstMatrix part(ConstMatrix m, Factor as, std::size_t r, std::size_t c, std::size_t rows,
+                 std::size_t columns) {
+  return as == Factor::plain ? m.block(r, c, rows, columns) : m.block(c, r, columns, rows);
+}
+
+void addProduct(ConstMatrix a, Factor asA, ConstMatrix b, Factor asB, bool isNegated, Start start,
+                Matrix c) {
+  if (c.empty()) return;
+  const std::size_t inner = asA == Factor::plain ? a.columns : a.rows;
+  const std::size_t depthBlock = std::min(inner, kDepthBlock);
+  const std::size_t leftSize = paddedLines(std::min(c.rows, kRowBlock)) * depthBlock;
+  const std::size_t rightSize = paddedLines(std::min(c.columns, kColumnBlock)) * depthBlock;
+  const Scratch scratch(leftSize + rightSize);
+  double* const left = scratch.data();
+  double* const right = left + leftSize;
+  for (std::size_t j = 0; j < c.columns; j += kColumnBlock) {
+    const std::size_t columns = std::min(kColumnBlock, c.columns - j);
+    for (std::size_t k = 0; k < inner; k += kDepthBlock) {
+      const std::size_t depth = std::min(kDepthBlock, inner - k);
+      packStrips(part(b, asB, k, j, depth, columns),
+                 asB == Factor::plain ? Lines::columns : Lines::rows, false, right);
+      for (std::size_t i = 0; i < c.rows; i += kRowBlock) {
+        const std::size_t rows = std::min(kRowBlock, c.rows - i);
+        packStrips(part(a, asA, i, k, rows, depth),
+                   asA == Factor::plain ? Lines::rows : Lines::columns, isNegated, left);
+        multiplyStrips(left, right, depth, k == 0 ? start : Start::present,
+                       static_cast<std::ptrdiff_t>(rows), c.block(i, j, rows, columns));
+      }
+    }
+  }
 }
 
 }  // namespace
 
 void multiply(ConstMatrix a, Factor asA, ConstMatrix b, Factor asB, Matrix c) {
   const std::size_t inner = asA == Factor::plain ? a.columns : a.rows;
-  for (std::size_t j = 0; j < c.columns; ++j) {
-    for (std::size_t i = 0; i < c.rows; ++i) {
-      double sum = 0;
-      for (std::size_t k = 0; k < inner; ++k) {
-        sum = std::fma(entry(a, asA, i, k), entry(b, asB, k, j), sum);
-      }
-      c(i, j) = sum;
-    }
+  if (inner == 0) {
+    for (std::size_t j = 0; j < c.columns; ++j) std::fill_n(c.column(j), c.rows, 0.0);
+    return;
   }
+  addProduct(a, asA, b, asB, false, Start::zero, c);
 }
 
 void subtractProduct(ConstMatrix a, Factor asA, ConstMatrix b, Factor asB, Matrix c) {
-  const std::size_t inner = asA == Factor::plain ? a.columns : a.rows;
-  for (std::size_t j = 0; j < c.columns; ++j) {
-    for (std::size_t i = 0; i < c.rows; ++i) {
-      for (std::size_t k = 0; k < inner; ++k) {
-        c(i, j) = std::fma(-entry(a, asA, i, k), entry(b, asB, k, j), c(i, j));
-      }
-    }
-  }
-}
-
-void multiplyVector(ConstMatrix a, Factor asA, std::span<const double> x, std::span<double> y) {
-  multiply(a, asA, {x.data(), x.size(), 1, x.size()}, Factor::plain,
-           {y.data(), y.size(), 1, y.size()});
-}
-
-void squareColumns(ConstMatrix a, double divisor, std::size_t first, std::size_t last, Matrix r) {
-  for (std::size_t i = first; i < last; ++i) {
-    for (std::size_t j = i; j < a.columns; ++j) {
-      double sum = 0;
-      for (std::size_t k = 0; k < a.rows; ++k) sum = std::fma(a(k, i), a(k, j), sum);
-      r(i, j) = r(j, i) = sum / divisor;
-    }
-  }
-}
-
-void transpose(ConstMatrix from, Matrix to) {
-  for (std::size_t c = 0; c < from.columns; ++c) {
-    for (std::size_t r = 0; r < from.rows; ++r) to(c, r) = from(r, c);
-  }
-}
-
-void transposeSquare(Matrix a) {
-  for (std::size_t c = 0; c < a.columns; ++c) {
-    for (std::size_t r = 0; r < c; ++r) std::swap(a(r, c), a(c, r));
-  }
+  addProduct(a, asA, b, asB, true, Start::present, c);
 }
 
 }  // namespace zel::kernels

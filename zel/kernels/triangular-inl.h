@@ -1,5 +1,6 @@
 // Building blocks of the decompositions: packed slivers, the triangular solution on them, and the
-// subtraction of a product from a tile. Included once per instruction set inside its namespace.
+// subtraction of a product from a tile. Included once per instruction set inside its namespace,
+// after fused_multiply_add-inl.h.
 //
 // A sliver is kSliver neighbouring columns of a block, stored row by row, so that one row of it is
 // three vectors side by side. A column of the sliver is a lane, and each lane takes its own
@@ -13,91 +14,106 @@ constexpr std::size_t kSliver = kVecs * kLanes;
 // Three vectors by four columns (eight with 32 registers of eight lanes) keep the accumulators in
 // registers, and enough of them to hide the latency of the multiply-add.
 constexpr std::size_t kTile = kLanes <= 2 ? 3 : kLanes;
-// Rows that the triangular solution advances at once.
-constexpr std::size_t kStep = 4;
 
 /// c - a b with one rounding.
 HWY_INLINE Vec fusedSubtract(Vec a, Vec b, Vec c) {
 #if HWY_NATIVE_FMA
   return hn::NegMulAdd(a, b, c);
 #else
-  const Tag d;
-  HWY_ALIGN double x[3][kLanes];
-  hn::Store(a, d, x[0]);
-  hn::Store(b, d, x[1]);
-  hn::Store(c, d, x[2]);
-  for (std::size_t i = 0; i < kLanes; ++i) x[2][i] = std::fma(-x[0][i], x[1][i], x[2][i]);
-  return hn::Load(d, x[2]);
+  return fusedMultiplyAdd(hn::Neg(a), b, c);
 #endif
 }
 
-/// Length of the packed form of `rows` rows of a lower triangle.
-HWY_INLINE std::size_t packedTriangle(std::size_t rows) {
-  const std::size_t steps = (rows + kStep - 1) / kStep;
-  return kStep * kStep * steps * (steps + 1) / 2;
-}
-
-/// Packs the strict lower triangle of entry(i, k), i < rows: for each kStep rows, their entries of
-/// one column side by side, columns upwards to the last of these rows.
-template <class Entry>
-HWY_INLINE void packTriangle(std::size_t rows, Entry entry, double* HWY_RESTRICT to) {
+/// Packs the strict lower triangle of entry(i, k), i < rows, for solveTriangle: for each kStep
+/// rows, their entries of one column side by side, columns upwards to the last of these rows.
+/// @return the end of the packed form
+template <std::size_t kStep, class Entry>
+HWY_INLINE double* packTriangle(std::size_t rows, Entry entry, double* HWY_RESTRICT to) {
   for (std::size_t i = 0; i < rows; i += kStep) {
     for (std::size_t k = 0; k < i + kStep; ++k, to += kStep) {
-      for (std::size_t r = 0; r < kStep; ++r) to[r] = k < i + r && i + r < rows ? entry(i + r, k) : 0;
+      for (std::size_t r = 0; r < kStep; ++r)
+        to[r] = k < i + r && i + r < rows ? entry(i + r, k) : 0;
     }
+  }
+  return to;
+}
+
+/// s -= L x for kRows rows, whose multipliers for one row of x are kStep apart.
+template <std::size_t kStep, std::size_t kRows, std::size_t kWidth>
+HWY_INLINE void subtractRows(const double* HWY_RESTRICT l, std::size_t inner,
+                             const double* HWY_RESTRICT x, std::size_t stride,
+                             Vec (&s)[kRows][kWidth]) {
+  const Tag d;
+  // What there are fewer of stays in registers beside the sums.
+  for (std::size_t k = 0; k < inner; ++k) {
+    if constexpr (kRows < kWidth) {
+      Vec factor[kRows];
+      for (std::size_t r = 0; r < kRows; ++r) factor[r] = hn::Set(d, l[r]);
+      for (std::size_t v = 0; v < kWidth; ++v) {
+        const Vec y = hn::LoadU(d, x + v * kLanes);
+        for (std::size_t r = 0; r < kRows; ++r) s[r][v] = fusedSubtract(factor[r], y, s[r][v]);
+      }
+    } else {
+      Vec y[kWidth];
+      for (std::size_t v = 0; v < kWidth; ++v) y[v] = hn::LoadU(d, x + v * kLanes);
+      for (std::size_t r = 0; r < kRows; ++r) {
+        const Vec factor = hn::Set(d, l[r]);
+        for (std::size_t v = 0; v < kWidth; ++v) s[r][v] = fusedSubtract(factor, y[v], s[r][v]);
+      }
+    }
+    l += kStep;
+    x += stride;
   }
 }
 
-/// kRows rows of the solution, from row i of the block on; `triangle` begins at their entries.
-/// diagonal: null for a unit triangle, or the divisors.
-template <std::size_t kRows>
-HWY_INLINE void solveRows(const double* HWY_RESTRICT triangle, std::size_t i,
-                          const double* diagonal, double* HWY_RESTRICT b, std::size_t stride) {
+/// kRows rows of the solution; `inner` solved rows before them begin at x. diagonal: null for a
+/// unit triangle, or the divisors.
+template <std::size_t kStep, std::size_t kRows, std::size_t kWidth>
+HWY_INLINE void solveRows(const double* HWY_RESTRICT l, std::size_t inner, const double* diagonal,
+                          double* x, std::size_t stride) {
   const Tag d;
-  Vec s[kRows][kVecs];
-  double* rows = b + i * stride;
+  Vec s[kRows][kWidth];
+  double* rows = x + inner * stride;
   for (std::size_t r = 0; r < kRows; ++r) {
-    for (std::size_t v = 0; v < kVecs; ++v) s[r][v] = hn::LoadU(d, rows + r * stride + v * kLanes);
+    for (std::size_t v = 0; v < kWidth; ++v) s[r][v] = hn::LoadU(d, rows + r * stride + v * kLanes);
   }
-  for (std::size_t k = 0; k < i; ++k) {
-    Vec x[kVecs];
-    for (std::size_t v = 0; v < kVecs; ++v) x[v] = hn::LoadU(d, b + k * stride + v * kLanes);
-    for (std::size_t r = 0; r < kRows; ++r) {
-      const Vec l = hn::Set(d, triangle[k * kStep + r]);
-      for (std::size_t v = 0; v < kVecs; ++v) s[r][v] = fusedSubtract(l, x[v], s[r][v]);
-    }
-  }
-  triangle += i * kStep;
+  subtractRows<kStep>(l, inner, x, stride, s);
+  l += inner * kStep;
   for (std::size_t r = 0; r < kRows; ++r) {
     for (std::size_t k = 0; k < r; ++k) {
-      const Vec l = hn::Set(d, triangle[k * kStep + r]);
-      for (std::size_t v = 0; v < kVecs; ++v) s[r][v] = fusedSubtract(l, s[k][v], s[r][v]);
+      const Vec factor = hn::Set(d, l[k * kStep + r]);
+      for (std::size_t v = 0; v < kWidth; ++v) s[r][v] = fusedSubtract(factor, s[k][v], s[r][v]);
     }
-    for (std::size_t v = 0; v < kVecs; ++v) {
+    for (std::size_t v = 0; v < kWidth; ++v) {
       if (diagonal != nullptr) s[r][v] = hn::Div(s[r][v], hn::Set(d, diagonal[r]));
       hn::StoreU(s[r][v], d, rows + r * stride + v * kLanes);
     }
   }
 }
 
-/// Rows first..last-1 of the solution of L x = b for the kSliver columns of b, whose rows lie
-/// `stride` apart; first is a multiple of kStep, and rows before it are solved.
+/// Solves L X = B in place for kWidth vectors of columns; rows of X lie `stride` apart, and the
+/// solution before row `first`, a multiple of kStep, is zero.
+template <std::size_t kStep, std::size_t kWidth>
 HWY_INLINE void solveTriangle(const double* HWY_RESTRICT triangle, std::size_t first,
-                              std::size_t last, const double* diagonal, double* HWY_RESTRICT b,
+                              std::size_t rows, const double* diagonal, double* x,
                               std::size_t stride) {
-  triangle += packedTriangle(first);
-  for (std::size_t i = first; i < last; i += kStep) {
+  static_assert(kStep == 2 || kStep == 4);
+  for (std::size_t i = 0; i < rows; triangle += kStep * (i + kStep), i += kStep) {
+    if (i < first) continue;
+    const double* l = triangle + first * kStep;
     const double* divisors = diagonal == nullptr ? nullptr : diagonal + i;
-    switch (last - i) {
-      case 1:
-        return solveRows<1>(triangle, i, divisors, b, stride);
-      case 2:
-        return solveRows<2>(triangle, i, divisors, b, stride);
-      case 3:
-        return solveRows<3>(triangle, i, divisors, b, stride);
-      default:
-        solveRows<kStep>(triangle, i, divisors, b, stride);
-        triangle += kStep * (i + kStep);
+    double* from = x + first * stride;
+    const std::size_t inner = i - first;
+    if (rows - i >= kStep) {
+      solveRows<kStep, kStep, kWidth>(l, inner, divisors, from, stride);
+    } else if (rows - i == 1) {
+      solveRows<kStep, 1, kWidth>(l, inner, divisors, from, stride);
+    } else if constexpr (kStep == 4) {
+      if (rows - i == 2) {
+        solveRows<kStep, 2, kWidth>(l, inner, divisors, from, stride);
+      } else {
+        solveRows<kStep, 3, kWidth>(l, inner, divisors, from, stride);
+      }
     }
   }
 }

@@ -1,6 +1,8 @@
 // TMatrix: distances between rows.
 #include "zel/kernels/distances.h"
 
+#include <algorithm>
+
 #include "zel/matrix/TMatrix.h"
 #include "zel/matrix/container_impl.h"
 
@@ -21,25 +23,30 @@ int TMatrix::CalcDistMat(TDistMode Mode, TMatrix* DMat) const {
   if (!DMat) return -3;
   if (DMat->NrOfColumns() != NrOfRows()) return -2;
   if (DMat->NrOfColumns() != DMat->NrOfRows()) return -1;
-  const int n = NrOfRows();
-  // The distances are complete before the result changes: it may be this matrix, and a handler may
-  // throw.
-  TDouble2DArray distances;
-  Guarded([&] {
-    distances.SetLength(std::max(n, 1), std::max(n, 1));
-    if (!kernels::isStandardDistance(Mode)) return;
-    const auto size = static_cast<std::size_t>(n);
-    kernels::rowDistances(View(), Mode, {distances.data(), size, size, size});
-  });
+  if (DMat == this) {
+    TMatrix objects;
+    objects.Assign(this);
+    return objects.CalcDistMat(Mode, DMat);
+  }
   if (Mode == dmUser) {
+    // Complete before the result changes, since the handler may throw, or resize it.
+    const int n = NrOfRows();
+    TMatrix distances;
+    distances.Resize(n, n);
     for (int i = 1; i < n; ++i) {
       for (int j = i + 1; j <= n; ++j) {
-        const double d = DistanceOfObjects(Mode, i, j);
-        distances(i - 1, j - 1) = distances(j - 1, i - 1) = d;
+        distances.SetVal(i, j, DistanceOfObjects(Mode, i, j));
+        distances.SetVal(j, i, distances(i, j));
       }
     }
+    if (DMat->HasSizeOf(distances))
+      std::copy(distances.begin(), distances.end(), DMat->Cells().begin());
+  } else if (kernels::isStandardDistance(Mode)) {
+    Guarded([&] { kernels::rowDistances(View(), Mode, DMat->View()); });
+  } else {
+    const auto cells = DMat->Cells();
+    std::fill(cells.begin(), cells.end(), 0.0);
   }
-  if (DMat->NrOfColumns() == n && DMat->NrOfRows() == n) DMat->TakeOver(distances, n, n);
   DMat->Changed();
   return 0;
 }

@@ -229,12 +229,12 @@ class TNumMatrix : public TComponent {
   int Dichotomize(T Threshold, TBool2DArray& ResultArray) const;
   /// Mean of each column (dimColumns) or row (dimRows); the vector gets their number of elements,
   /// but at least one. Null: nothing happens.
-  /// @throws EZELMatrixError  `: not enough memory on heap`
+  /// @throws EZELMatrixError, EZELVectorError (the vector)  `: not enough memory`...
   void MeanVec(TDims Dim, TVector* Means) const;
   /// Aggregates each row (orVertical) or column (orHorizontal) to its minimum, maximum, sum or
   /// mean; the vector gets their number of elements, but at least one. The extremes of nothing are
   /// the largest double and its negative, the mean of nothing is 0. Null: nothing happens.
-  /// @throws EZELMatrixError  `: not enough memory on heap`
+  /// @throws EZELMatrixError, EZELVectorError (the vector)  `: not enough memory`...
   void EdgeVector(TOrientation Orient, TEdgeOp EdgeOp, TVector* DestVec) const;
 
   // What C++ callers expect beside the operations above.

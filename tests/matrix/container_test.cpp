@@ -1,0 +1,258 @@
+#include <climits>
+#include <cmath>
+#include <sstream>
+
+#include "tests/matrix/matrices.h"
+#include "tests/support/expect_message.h"
+#include "zel/base/random.h"
+
+namespace zel {
+namespace {
+
+using test::contents;
+using Values = std::vector<double>;
+
+TEST(Matrix, StartsWithOneCellAndLimitsItsPrecisions) {
+  TMatrix m;
+  EXPECT_EQ(contents(m), (Values{1, 1, 0}));
+  EXPECT_EQ(m.DataID(), "");
+  EXPECT_EQ(m.Precision(1), 15);
+  EXPECT_EQ(m.Precision(2), -1);
+  m.SetFPrecis(-5, 40);
+  m.SetPrecision(7, -7);
+  EXPECT_EQ(m.GetFPrecis(1), 25);
+  EXPECT_EQ(m.GetFPrecis(2), -1);
+  EXPECT_THROW((TMatrix{{1, 2}, {3}}), EZELMatrixError);
+}
+
+TEST(Matrix, ResizeKeepsCommonCellsAndNothingElse) {
+  TMatrix m{{1, 2}, {3, 4}};
+  int events = 0;
+  m.OnChange = [&](TObject*) { ++events; };
+  EXPECT_TRUE(m.Resize(3, 3));
+  EXPECT_EQ(contents(m), (Values{3, 3, 1, 3, 0, 2, 4, 0, 0, 0, 0}));
+  EXPECT_TRUE(m.Resize(3, 3));
+  EXPECT_EQ(events, 1) << "no event for the size it has";
+  m.SetNrOfRows(1);
+  m.SetNrOfColumns(2);
+  EXPECT_EQ(contents(m), (Values{2, 1, 1, 2}));
+  m.SetNrOfRows(-4);
+  EXPECT_EQ(m.NrOfColumns(), 2);
+  EXPECT_EQ(m.NrOfRows(), 0);
+  m.SetVal(1, 1, 5);
+  EXPECT_EQ(m.GetVal(1, 1), 0);
+  m.Resize(2, 2);
+  EXPECT_EQ(contents(m), (Values{2, 2, 0, 0, 0, 0})) << "cut cells do not come back";
+  EXPECT_EQ(events, 5);
+  m.ResizeAndClear(2, 2);
+  EXPECT_EQ(events, 6);
+}
+
+TEST(Matrix, IndicesOutsideReadZeroAndWriteNothing) {
+  TMatrix m{{1, 2}, {3, 4}};
+  int events = 0;
+  m.OnChange = [&](TObject*) { ++events; };
+  for (const int bad : {0, -1, 3, INT_MAX, INT_MIN}) {
+    m.SetVal(bad, 1, 9);
+    m.SetVal(1, bad, 9);
+    EXPECT_EQ(m.GetVal(bad, 1), 0);
+    EXPECT_EQ(m.Elem(1, bad), 0);
+    m.ExchangeColumns(1, bad);
+    m.ExchangeRows(bad, 2);
+  }
+  EXPECT_EQ(events, 0);
+  EXPECT_EQ(contents(m), (Values{2, 2, 1, 3, 2, 4}));
+  EXPECT_TRUE(m.Column(0).empty());
+  EXPECT_EQ(m.Column(2)[1], 4);
+  std::ostringstream text;
+  text << m;
+  EXPECT_EQ(text.str(), "{{1, 2}, {3, 4}}");
+}
+
+TEST(Matrix, AssignTakesAllButTheProgressHandler) {
+  TMatrix a{{1, 2, 3}};
+  a.SetDataID("id");
+  a.SetFPrecis(1, 3);
+  int events = 0;
+  a.OnPercentDone = [](TObject*, int) {};
+  a.OnCalcDistance = [](TObject*, int, int, double& d) { d = 7; };
+  a.OnChange = [&](TObject*) { ++events; };
+  TMatrix b;
+  b.Assign(&a);
+  EXPECT_EQ(contents(b), contents(a));
+  EXPECT_EQ(b.DataID(), "id");
+  EXPECT_EQ(b.Precision(1), 3);
+  EXPECT_EQ(b.DistanceOfObjects(dmUser, 1, 1), 7);
+  EXPECT_FALSE(b.OnPercentDone);
+  EXPECT_EQ(events, 0);
+  b.Changed();
+  EXPECT_EQ(events, 1);
+  TMatrix empty;
+  empty.Resize(0, 3);
+  b.Assign(&empty);
+  b.Resize(1, 3);
+  EXPECT_EQ(contents(b), (Values{1, 3, 0, 0, 0}));
+  TVector v;
+  EXPECT_THROW(b.Assign(&v), EConvertError);
+  EXPECT_THROW(b.AssignTo(&v), EConvertError);
+}
+
+TEST(Matrix, FillsReachTheirRectangleAndTellOnce) {
+  TMatrix m;
+  m.Resize(3, 3);
+  int events = 0;
+  m.OnChange = [&](TObject*) { ++events; };
+  m.Fill(2);
+  m.Fill(2, 3, 9, 2, 5);
+  m.FillDiag(1);
+  EXPECT_EQ(contents(m), (Values{3, 3, 1, 2, 2, 2, 1, 5, 2, 5, 1}));
+  SetRandSeed(42);
+  m.FillRandomUniform(3, 3, 0, 0, -1, 1);
+  SetRandSeed(42);
+  for (int r = 1; r <= 3; ++r) EXPECT_EQ(m(3, r), Random() * 2 - 1);
+  m.FillRandomGauss(1, 1, 1, 1, 100, 0);
+  EXPECT_EQ(m(1, 1), 100);
+  EXPECT_EQ(events, 5);
+  m.Resize(0, 3);
+  m.Fill(8);
+  m.Fill(0, 0, 0, 0, 8);
+  m.FillRandomGauss(0, 1);
+  EXPECT_EQ(events, 9);
+  m.Resize(1, 3);
+  EXPECT_EQ(contents(m), (Values{1, 3, 0, 0, 0}));
+}
+
+/// Any bounds and places, with and without a handler, against the rule spelled out.
+TEST(Matrix, CopiesPutEachCellWhereItBelongs) {
+  std::mt19937 random(5);
+  const auto any = [&] { return static_cast<int>(random() % 12) - 3; };
+  for (int trial = 0; trial < 400; ++trial) {
+    SCOPED_TRACE(trial);
+    TMatrix source;
+    TMatrix target;
+    test::fillNormal(source, trial % 5, trial % 7, 1);
+    test::fillNormal(target, 4, 5, 2);
+    TMatrix expected;
+    expected.Clone(&target);
+    int stored = 0;
+    const auto put = [&](int c, int r, double value) {
+      if (c < 1 || c > 4 || r < 1 || r > 5) return;
+      expected.SetVal(c, r, value);
+      ++stored;
+    };
+    int events = 0;
+    if (trial % 2 == 1) target.OnChange = [&](TObject*) { ++events; };
+    int bounds[4] = {any(), any(), any(), any()};  // column low, row low, column high, row high
+    const int col = any();
+    const int row = any();
+    int last = 1;
+    if (trial % 3 == 0) {
+      target.CopyFrom(&source, bounds[0], bounds[1], bounds[2], bounds[3], col, row);
+      const int size[2] = {source.NrOfColumns(), source.NrOfRows()};
+      for (int k = 0; k < 4; ++k) bounds[k] = std::max(1, std::min(bounds[k], size[k % 2]));
+      if (bounds[0] > bounds[2]) std::swap(bounds[0], bounds[2]);
+      if (bounds[1] > bounds[3]) std::swap(bounds[1], bounds[3]);
+      for (int c = bounds[0]; c <= std::min(bounds[2], size[0]); ++c) {
+        for (int r = bounds[1]; r <= std::min(bounds[3], size[1]); ++r) {
+          put(c - bounds[0] + col, r - bounds[1] + row, source(c, r));
+        }
+      }
+    } else if (trial % 3 == 1) {
+      const TVector v{1, 2, 3, 4, 5, 6};
+      target.CopyFromVec(trial % 4 < 2 ? dimColumns : dimRows, &v, bounds[0], bounds[1], col, row);
+      v.MakeValidElemRange(bounds[0], bounds[1]);
+      for (int k = bounds[0]; k <= bounds[1]; ++k) {
+        const int step = k - bounds[0];
+        put(trial % 4 < 2 ? col + step : col, trial % 4 < 2 ? row : row + step, v(k));
+      }
+    } else {
+      const TInt2DArray array{{1, 2, 3}, {4, 5, 6}};
+      target.CopyFromArray(array, col, row);
+      for (int i = 0; i < 2; ++i) {
+        for (int j = 0; j < 3; ++j) put(col + i, row + j, array(i, j));
+      }
+      last = 0;
+    }
+    EXPECT_EQ(contents(target), contents(expected));
+    EXPECT_EQ(events, trial % 2 == 1 ? stored + last : 0);
+  }
+}
+
+TEST(Matrix, CopiesAtTheEndsOfTheIntegersAndWithinOneMatrix) {
+  TMatrix m{{1, 2}, {3, 4}};
+  TMatrix other;
+  other.CopyFrom(&m, 0, 0, 2, 2, INT_MAX, INT_MAX);
+  other.CopyFrom(&m, 0, 0, 2, 2, INT_MIN, 1);
+  EXPECT_EQ(contents(other), (Values{1, 1, 0}));
+  other.CopyFrom(nullptr, 1, 1, 1, 1, 1, 1);
+  m.Resize(2, 4);
+  m.CopyFrom(&m, 1, 1, 2, 3, 1, 2);
+  EXPECT_EQ(contents(m), (Values{2, 4, 1, 1, 1, 1, 2, 2, 2, 2})) << "proceeds downwards";
+}
+
+TEST(Matrix, RowsAndColumnsGoToTheFrontOfAVector) {
+  const TMatrix m{{1, 2, 3}, {4, 5, 6}};
+  TVector v{9, 9, 9, 9};
+  m.CopyRowToVec(&v, 7, 2, 3);
+  EXPECT_EQ(contents(v), (Values{5, 6, 0, 0}));
+  m.CopyColToVec(&v, -1, 0, 0);
+  EXPECT_EQ(contents(v), (Values{1, 4, 0, 0}));
+  TVector single;
+  m.CopyRowToVec(&single, 1, 0, 0);
+  EXPECT_EQ(contents(single), (Values{1}));
+  m.CopyRowToVec(nullptr, 1, 0, 0);
+}
+
+TEST(Matrix, ArraysTakeARectangle) {
+  const TMatrix m{{2.5, 3.5, 1e300}, {-2.5, NAN, -0.5}};
+  TDouble2DArray d(9, 9);
+  m.CopyToArray(d, 2, 1, 1, 1);
+  EXPECT_EQ(d, (TDouble2DArray{{2.5}, {3.5}}));
+  TInt2DArray i;
+  m.CopyToArray(i, 0, 0, 0, 0);
+  EXPECT_EQ(i, (TInt2DArray{{2, -2}, {4, 0}, {INT_MAX, 0}}));
+}
+
+TEST(Matrix, FailedAllocationsNameTheMatrixAndChangeNothing) {
+  TMatrix m{{1, 2, 3}, {4, 5, 6}};
+  m.SetName("M1");
+  const auto before = contents(m);
+  int events = 0;
+  m.OnChange = [&](TObject*) { ++events; };
+  const auto unchanged = [&] {
+    EXPECT_EQ(contents(m), before);
+    EXPECT_EQ(events, 0);
+  };
+  const std::string message = "Component \"M1\": not enough memory on heap";
+  double q = 0;
+  TDouble2DArray array;
+  TVector means{0, 0};
+  test::expectFailuresHarmless([&] { static_cast<void>(m.Percentile(40, 1, 1, 2, 1)); }, message,
+                               unchanged);
+  test::expectFailuresHarmless([&] { m.Quartiles(0, 0, 0, 0, q, q, q); }, message, unchanged);
+  test::expectFailuresHarmless([&] { m.MeanVar(1, 1, 3, 1, q, q); }, message, unchanged);
+  test::expectFailuresHarmless([&] { m.MeanVec(dimRows, &means); }, message, unchanged);
+  test::expectFailuresHarmless(
+      [&] {
+        array = {};
+        m.CopyToArray(array, 0, 0, 0, 0);
+      },
+      message, unchanged);
+  EXPECT_THROW_MSG(m.Resize(INT_MAX, INT_MAX), EZELMatrixError, message);
+  unchanged();
+  test::expectFailuresHarmless([&] { m.Resize(40, 30); }, message, unchanged);
+  const test::FailingStorage fail(0);
+  EXPECT_THROW_MSG(TMatrix(), EZELMatrixError, "Component \"\": not enough memory on heap");
+}
+
+TEST(Matrix, ProgressGoesToItsHandler) {
+  TMatrix m;
+  m.PercDone(&m, 10);
+  int percent = 0;
+  m.OnPercentDone = [&](TObject* sender, int done) { percent = sender == &m ? done : -1; };
+  m.PercDone(&m, 20);
+  EXPECT_EQ(percent, 20);
+}
+
+}  // namespace
+}  // namespace zel

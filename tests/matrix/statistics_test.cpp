@@ -1,0 +1,280 @@
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "tests/matrix/matrices.h"
+#include "tests/support/expect_message.h"
+#include "zel/base/Zel_univconst.h"
+#include "zel/base/progress.h"
+
+namespace zel {
+namespace {
+
+using test::contents;
+using Values = std::vector<double>;
+
+/// A vector with the elements of a rectangle, whose statistics follow the same rules.
+TVector cellsOf(const TMatrix& m, int lowCol, int lowRow, int highCol, int highRow) {
+  std::vector<double> cells;
+  for (int c = lowCol; c <= highCol; ++c) {
+    for (int r = lowRow; r <= highRow; ++r) cells.push_back(m(c, r));
+  }
+  return TVector(cells);
+}
+
+TEST(MatrixStatistics, RectanglesGiveWhatTheirElementsGive) {
+  TMatrix m;
+  test::fillNormal(m, 7, 40);
+  m.SAdd(10);
+  for (const auto& [c1, r1, c2, r2] : std::vector<std::array<int, 4>>{{1, 1, 7, 40},
+                                                                      {2, 1, 5, 40},
+                                                                      {3, 4, 3, 30},
+                                                                      {1, 8, 7, 8},
+                                                                      {2, 3, 6, 39},
+                                                                      {4, 4, 4, 4}}) {
+    const TVector v = cellsOf(m, c1, r1, c2, r2);
+    double a[4];
+    double b[4];
+    m.MeanVar(c1, r1, c2, r2, a[0], a[1]);
+    v.MeanVar(0, 0, b[0], b[1]);
+    m.MinMax(c1, r1, c2, r2, a[2], a[3]);
+    v.MinMax(0, 0, b[2], b[3]);
+    EXPECT_EQ((Values{a, a + 4}), (Values{b, b + 4}));
+    EXPECT_EQ(m.Sum(c1, r1, c2, r2), v.Sum(0, 0));
+    EXPECT_EQ(m.GeometricMean(c1, r1, c2, r2), v.GeometricMean(0, 0));
+    EXPECT_EQ(m.HarmonicMean(c1, r1, c2, r2), v.HarmonicMean(0, 0));
+    m.SkewKurtSample(c1, r1, c2, r2, a[0], a[1]);
+    v.SkewKurtSample(0, 0, b[0], b[1]);
+    m.Quartiles(c1, r1, c2, r2, a[2], a[3], a[0]);
+    v.Quartiles(0, 0, b[2], b[3], b[0]);
+    EXPECT_EQ((Values{a, a + 4}), (Values{b, b + 4}));
+    std::vector<double> sorted(v.begin(), v.end());
+    std::sort(sorted.begin(), sorted.end());
+    const double n = static_cast<double>(sorted.size());
+    for (const double prob : {-3.0, 0.0, 12.5, 50.0, 61.0, 99.9, 100.0, 1e9}) {
+      const double rank = std::nearbyint(n * std::clamp(prob, 0.0, 100.0) / 100);
+      EXPECT_EQ(m.Percentile(prob, c1, r1, c2, r2),
+                sorted[static_cast<std::size_t>(std::min(rank, n - 1))]);
+    }
+  }
+}
+
+TEST(MatrixStatistics, FewValues) {
+  const TMatrix m{{1, 2, 3, 4}};
+  double a = 9;
+  double b = 9;
+  m.MeanVar(1, 1, 2, 1, a, b);
+  EXPECT_EQ((Values{a, b}), (Values{1.5, 1})) << "variance of two values";
+  m.MeanVar(0, 0, 0, 0, a, b);
+  EXPECT_EQ((Values{a, b}), (Values{2.5, 5.0 / 3}));
+  // (1, 2): mean 1.5, variance 0.5, m4 = 1/16.
+  m.SkewKurt(1, 1, 2, 1, a, b);
+  EXPECT_EQ((Values{a, b}), (Values{0, 0.0625 / 0.25 - 3}));
+  m.SkewKurt(1, 1, 1, 1, a, b);
+  EXPECT_EQ((Values{a, b}), (Values{0, 0}));
+  m.SkewKurtSample(1, 1, 3, 1, a, b);
+  EXPECT_EQ((Values{a, b}), (Values{0, 0}));
+  EXPECT_EQ(m.Percentile(50, 0, 0, 0, 0), 3);
+  EXPECT_EQ(m.Percentile(NAN, 0, 0, 0, 0), 1);
+}
+
+TEST(MatrixStatistics, EmptyMatricesGiveTheInitialResults) {
+  TMatrix m;
+  m.Resize(0, 3);
+  double a = 9;
+  double b = 9;
+  double c = 9;
+  m.MinMax(0, 0, 0, 0, a, b);
+  EXPECT_EQ((Values{a, b}), (Values{uc_MaxReal, -uc_MaxReal}));
+  m.MeanVar(0, 0, 0, 0, a, b);
+  EXPECT_EQ((Values{a, b}), (Values{0, 0}));
+  EXPECT_FALSE(m.Quartiles(0, 0, 0, 0, a, b, c));
+  EXPECT_EQ((Values{a, b, c}), (Values{0, 0, 0}));
+  EXPECT_EQ(m.Percentile(50, 0, 0, 0, 0), 0);
+  EXPECT_EQ(m.Sum(1, 1, 2, 2), 0);
+  EXPECT_EQ(m.CountValues(0, 0, 0, 0, -1, 1), 0);
+  TBool2DArray image(2, 2);
+  EXPECT_EQ(m.Dichotomize(0, image), 0);
+  EXPECT_TRUE(image.empty());
+  TIntVector histogram;
+  int counts[3] = {9, 9, 9};
+  EXPECT_TRUE(m.Histogram(0, 0, 0, 0, 0, 10, 1, &histogram, counts[0], counts[1], counts[2]));
+  EXPECT_EQ(histogram.NrOfElem(), 11);
+  EXPECT_EQ(counts[0] + counts[1] + counts[2], 0);
+  TVector v{7, 7};
+  m.EdgeVector(orVertical, eoMax, &v);
+  EXPECT_EQ(contents(v), (Values{-uc_MaxDouble, -uc_MaxDouble, -uc_MaxDouble}));
+  m.StandardizeRows(&v, nullptr);
+  EXPECT_EQ(contents(v), (Values{0, 0, 0}));
+}
+
+TEST(MatrixStatistics, BadArgumentsOfTheMeansAreNamed) {
+  TMatrix m{{-1, 4}};
+  m.SetName("M");
+  EXPECT_THROW_MSG(static_cast<void>(m.GeometricMean(0, 0, 0, 0)), EZELMatrixError,
+                   "Component \"M\": negative argument passed to GeometricMean");
+  EXPECT_THROW_MSG(static_cast<void>(m.HarmonicMean(0, 0, 0, 0)), EZELMatrixError,
+                   "Component \"M\": negative or zero argument passed to HarmonicMean");
+  const TMatrix row{{1, 2}};
+  const TMatrix column{{1}, {2}};
+  m.Resize(1, 1);
+  EXPECT_THROW_MSG(static_cast<void>(m.Correlate(&row)), EZELMatrixError,
+                   "Component \"M\": matrices do not match");
+  EXPECT_THROW(static_cast<void>(row.Correlate(&column)), EZELMatrixError);
+}
+
+TEST(MatrixStatistics, QuartilesReportTheirPasses) {
+  TMatrix m;
+  test::fillNormal(m, 3, 30);
+  double q[3];
+  double listened[3];
+  ProcStat = 0;
+  m.Quartiles(1, 2, 3, 29, q[0], q[1], q[2]);
+  EXPECT_EQ(ProcStat, 1);
+  MathFeedBackProc = [](double) {};
+  m.Quartiles(1, 2, 3, 29, listened[0], listened[1], listened[2]);
+  MathFeedBackProc = nullptr;
+  EXPECT_GT(ProcStat, 5);
+  EXPECT_TRUE(std::equal(q, q + 3, listened));
+}
+
+TEST(MatrixStatistics, SampledPercentiles) {
+  TMatrix m;
+  test::fillNormal(m, 20, 100);
+  EXPECT_EQ(m.Percentile(30, 0, 0, 0, 0, 0), m.Percentile(30, 0, 0, 0, 0));
+  EXPECT_EQ(m.Percentile(30, 1, 1, 2, 50, 100), m.Percentile(30, 1, 1, 2, 50));
+  // 1500 draws: the sample's median lies between the 40th and 60th percentile but for odds of
+  // 1e-14 (binomial with standard deviation 0.013).
+  const double median = m.Percentile(50, 0, 0, 0, 0, 1500);
+  EXPECT_GT(median, m.Percentile(40, 0, 0, 0, 0));
+  EXPECT_LT(median, m.Percentile(60, 0, 0, 0, 0));
+  m.Fill(3);
+  m.Fill(1, 19, 0, 0, 0);
+  EXPECT_EQ(m.Percentile(50, 0, 0, 0, 0, 200), 0);
+}
+
+TEST(MatrixStatistics, HistogramBinsAreHalfOpen) {
+  const TMatrix m{{9.99, 10, 10.5}, {11, -0.5, NAN}, {0, 3, 3}};
+  TIntVector histogram;
+  int under = 0;
+  int over = 0;
+  int most = 0;
+  EXPECT_TRUE(m.Histogram(0, 0, 0, 0, 0, 10, 1, &histogram, under, over, most));
+  EXPECT_EQ(histogram.NrOfElem(), 11);
+  EXPECT_EQ((std::array<int, 5>{histogram(1), histogram(4), histogram(10), histogram(11), under}),
+            (std::array<int, 5>{1, 2, 1, 2, 1}));
+  EXPECT_EQ((std::array<int, 2>{over, most}), (std::array<int, 2>{1, 2}));
+  EXPECT_TRUE(m.Histogram(2, 2, 0, 0, 0, 499, 1, &histogram, under, over, most)) << "500 bins";
+  EXPECT_FALSE(m.Histogram(2, 2, 0, 0, 0, 500, 1, &histogram, under, over, most));
+  EXPECT_FALSE(m.Histogram(2, 2, 0, 0, 0, 5, 0, &histogram, under, over, most));
+  EXPECT_EQ(histogram.NrOfElem(), 500);
+}
+
+TEST(MatrixStatistics, CountsAndThresholds) {
+  const TMatrix m{{1, 2}, {3, NAN}, {3, 4}};
+  EXPECT_EQ(m.CountValues(0, 0, 0, 0, 1, 3), 4) << "both ends included";
+  EXPECT_EQ(m.CountValues(1, 1, 2, 3, 1, 3), 2) << "column bounds come first";
+  TBool2DArray image;
+  EXPECT_EQ(m.Dichotomize(2, image), 3);
+  EXPECT_EQ(image, (TBool2DArray{{false, true, true}, {false, false, true}}));
+}
+
+TEST(MatrixStatistics, EdgeVectorsAggregateLines) {
+  TMatrix m;
+  test::fillNormal(m, 5, 37);
+  m.SetVal(2, 3, NAN);
+  for (const TEdgeOp op : {eoMin, eoMax, eoSum, eoMean}) {
+    TVector rows;
+    TVector columns;
+    m.EdgeVector(orVertical, op, &rows);
+    m.EdgeVector(orHorizontal, op, &columns);
+    const auto expected = [op](const TVector& line) {
+      double low = 0;
+      double high = 0;
+      double mean = 0;
+      double variance = 0;
+      line.MinMax(0, 0, low, high);
+      line.MeanVar(0, 0, mean, variance);
+      return op == eoMin ? low : op == eoMax ? high : op == eoSum ? line.Sum(0, 0) : mean;
+    };
+    for (int r = 1; r <= 37; ++r) {
+      const double x = expected(cellsOf(m, 1, r, 5, r));
+      EXPECT_TRUE(rows(r) == x || (std::isnan(rows(r)) && std::isnan(x))) << r;
+    }
+    for (int c = 3; c <= 5; ++c) EXPECT_EQ(columns(c), expected(cellsOf(m, c, 1, c, 37)));
+  }
+  TVector means;
+  m.MeanVec(dimRows, &means);
+  EXPECT_EQ(means.NrOfElem(), 37);
+  m.MeanVec(dimColumns, &means);
+  EXPECT_EQ(means.NrOfElem(), 5);
+  m.MeanVec(dimColumns, nullptr);
+}
+
+TEST(MatrixStatistics, NormalisationsByColumnAndByRow) {
+  TMatrix m;
+  test::fillNormal(m, 4, 25);
+  m.SAdd(3);
+  m.Fill(2, 2, 0, 0, 1.5);  // no spread
+  const auto byRow = [&](auto operation) {
+    TMatrix turned;
+    turned.Clone(&m);
+    turned.Transpose();
+    operation(turned);
+    turned.Transpose();
+    return contents(turned);
+  };
+  const auto byColumn = [&](auto operation) {
+    TMatrix copy;
+    copy.Clone(&m);
+    int events = 0;
+    copy.OnChange = [&](TObject*) { ++events; };
+    operation(copy);
+    EXPECT_EQ(events, 1);
+    return contents(copy);
+  };
+  TVector centres{0, 0, 0};  // one too short, which is nobody's fault
+  TVector scales;
+  scales.Resize(4);
+  const auto standard = byColumn([&](TMatrix& x) { x.StandardizeColumns(&centres, &scales); });
+  EXPECT_EQ(byRow([](TMatrix& x) { x.StandardizeRows(nullptr, nullptr); }), standard);
+  double mean = 0;
+  double variance = 0;
+  m.MeanVar(1, 1, 1, 25, mean, variance);
+  EXPECT_EQ(standard[3], (m(1, 2) - mean) / std::sqrt(variance));
+  EXPECT_EQ(standard[30], 1.5) << "no spread, no change";
+  EXPECT_EQ(centres(1), mean);
+  EXPECT_EQ(centres.NrOfElem(), 3);
+  EXPECT_EQ((Values{scales(1), scales(2)}), (Values{std::sqrt(variance), 0}));
+
+  const auto quantile = byColumn([&](TMatrix& x) { x.QNormalizeColumns(20, &centres, &scales); });
+  EXPECT_EQ(byRow([](TMatrix& x) { x.QNormalizeRows(20, nullptr, nullptr); }), quantile);
+  const double median = m.Percentile(50, 1, 1, 1, 25);
+  const double difference = median - m.Percentile(20, 1, 1, 1, 25);
+  EXPECT_EQ(quantile[3], (m(1, 2) - median) / difference);
+  EXPECT_EQ((Values{centres(1), scales(1), scales(2)}), (Values{median, difference, 0}));
+
+  const auto centred = byColumn([&](TMatrix& x) { x.MeanCenterColumns(&centres); });
+  EXPECT_EQ(byRow([](TMatrix& x) { x.MeanCenterRows(nullptr); }), centred);
+  EXPECT_EQ(centres.NrOfElem(), 4) << "this one is resized";
+  EXPECT_EQ(centred[3], m(1, 2) - mean);
+}
+
+TEST(MatrixStatistics, CorrelationOfAllElements) {
+  TMatrix a;
+  TMatrix b;
+  test::fillNormal(a, 3, 20, 1);
+  test::fillNormal(b, 3, 20, 2);
+  EXPECT_EQ(a.Correlate(&a), 1);
+  const TVector x(a.Elements());
+  const TVector y(b.Elements());
+  EXPECT_EQ(a.Correlate(&b), x.PearsonCorrCoeff(&y));
+  b.Fill(4);
+  EXPECT_EQ(a.Correlate(&b), 0);
+  const TMatrix two{{1, 2}};
+  EXPECT_EQ(two.Correlate(&two), 0) << "fewer than three elements";
+  EXPECT_EQ(a.Correlate(nullptr), 0);
+}
+
+}  // namespace
+}  // namespace zel

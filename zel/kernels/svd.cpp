@@ -1,0 +1,211 @@
+#include "zel/kernels/svd.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <limits>
+
+#include "zel/kernels/bidiagonal.h"
+#include "zel/kernels/scratch.h"
+
+namespace zel::kernels {
+
+namespace {
+
+constexpr int kMostIterations = 30;
+
+/// sqrt(a^2 + b^2) without overflow; unlike the library function the same on every machine.
+double hypotenuse(double a, double b) {
+  const double big = std::max(std::abs(a), std::abs(b));
+  const double small = std::min(std::abs(a), std::abs(b));
+  if (big == 0) return 0;
+  const double ratio = small / big;
+  return big * std::sqrt(1 + ratio * ratio);
+}
+
+struct Rotation {
+  double c = 1;
+  double s = 0;
+  double length = 0;
+
+  /// The one that turns (a, b) into (length, 0).
+  Rotation(double a, double b) : length(hypotenuse(a, b)) {
+    if (length == 0) return;
+    c = a / length;
+    s = b / length;
+  }
+};
+
+/// QR iterations on a bidiagonal matrix, whose rotations go to the columns of U and V if these are
+/// wanted.
+class Diagonalisation {
+ public:
+  /// @param rotations  4 * columns numbers of scratch memory
+  Diagonalisation(const Bidiagonal& b, std::size_t columns, Matrix u, Matrix v, double* rotations)
+      : d_(b.diagonal),
+        e_(b.above),
+        u_(u),
+        v_(v),
+        rightC_(rotations),
+        rightS_(rightC_ + columns),
+        leftC_(rightS_ + columns),
+        leftS_(leftC_ + columns) {
+    double norm = 0;
+    for (std::size_t i = 0; i < columns; ++i) {
+      norm = std::max(norm, std::abs(d_[i]) + std::abs(e_[i]));
+    }
+    negligible_ = norm * (std::numeric_limits<double>::epsilon() / 2);
+  }
+
+  /// Isolates element k of the diagonal, those after it being isolated.
+  /// @return false if that takes too many iterations
+  bool isolate(std::size_t k) {
+    for (int iteration = 0;; ++iteration) {
+      std::size_t l = k;
+      while (l > 0 && std::abs(e_[l]) > negligible_ && std::abs(d_[l - 1]) > negligible_) --l;
+      if (l > 0 && std::abs(e_[l]) > negligible_) cancel(l, k);
+      const bool isConverged = l == k;
+      if (isConverged || iteration == kMostIterations) {
+        makePositive(k);
+        return isConverged;
+      }
+      sweep(l, k);
+    }
+  }
+
+ private:
+  /// d[l - 1] is negligible, so rotations of rows l - 1 and l .. k push e[l] out of the matrix.
+  void cancel(std::size_t l, std::size_t k) {
+    double f = e_[l];
+    e_[l] = 0;
+    for (std::size_t i = l; i <= k && std::abs(f) > negligible_; ++i) {
+      const Rotation r(d_[i], f);
+      d_[i] = r.length;
+      if (i < k) {
+        f = -r.s * e_[i + 1];
+        e_[i + 1] *= r.c;
+      }
+      if (u_.data == nullptr) continue;
+      double* x = u_.column(l - 1);
+      double* y = u_.column(i);
+      for (std::size_t row = 0; row < u_.rows; ++row) {
+        const double old = x[row];
+        x[row] = r.c * old - r.s * y[row];
+        y[row] = r.c * y[row] + r.s * old;
+      }
+    }
+  }
+
+  /// One implicit QR step on rows l..k with the eigenvalue of the trailing 2 x 2 block of B^T B
+  /// that is nearer to its last element as the shift.
+  void sweep(std::size_t l, std::size_t k) {
+    double x = d_[l];
+    double y = d_[k - 1];
+    double z = d_[k];
+    double g = k - 1 > l ? e_[k - 1] : 0;
+    double h = e_[k];
+    double f = ((y - z) * (y + z) + (g - h) * (g + h)) / (2 * h * y);
+    f = ((x - z) * (x + z) + h * (y / (f + std::copysign(hypotenuse(f, 1), f)) - h)) / x;
+    h = e_[l + 1];
+    for (std::size_t j = l; j < k; ++j) {
+      // f and h: what the right rotation of columns j and j + 1 brings together.
+      const Rotation right(f, h);
+      if (j > l) e_[j] = right.length;
+      f = right.c * x + right.s * e_[j + 1];
+      g = right.c * e_[j + 1] - right.s * x;
+      h = right.s * d_[j + 1];
+      y = right.c * d_[j + 1];
+      const Rotation left(f, h);
+      d_[j] = left.length;
+      f = left.c * g + left.s * y;
+      x = left.c * y - left.s * g;
+      if (j + 1 < k) {
+        h = left.s * e_[j + 2];
+        e_[j + 2] *= left.c;
+      }
+      rightC_[j - l] = right.c;
+      rightS_[j - l] = right.s;
+      leftC_[j - l] = left.c;
+      leftS_[j - l] = left.s;
+      e_[j + 1] = f;
+      d_[j + 1] = x;
+    }
+    if (v_.data != nullptr) rotateColumns(v_, l, k - l, rightC_, rightS_);
+    if (u_.data != nullptr) rotateColumns(u_, l, k - l, leftC_, leftS_);
+  }
+
+  void makePositive(std::size_t k) {
+    if (!std::signbit(d_[k])) return;
+    d_[k] = -d_[k];
+    if (v_.data == nullptr) return;
+    for (double& x : v_[k]) x = -x;
+  }
+
+  double* d_;
+  double* e_;
+  Matrix u_;
+  Matrix v_;
+  double* rightC_;
+  double* rightS_;
+  double* leftC_;
+  double* leftS_;
+  double negligible_ = 0;
+};
+
+SvdStatus decompose(Matrix a, std::span<double> w, Matrix v, Poll step) {
+  const std::size_t n = a.columns;
+  const bool isWanted = v.data != nullptr;
+  const Scratch scratch(8 * n + a.rows);
+  const Bidiagonal b{w.data(), scratch.data(), scratch.data() + n, scratch.data() + 2 * n};
+  double* const work = scratch.data() + 3 * n;
+
+  double big = 0;
+  bool isFinite = true;
+  for (std::size_t c = 0; c < n; ++c) {
+    for (const double x : a[c]) {
+      isFinite &= std::abs(x) <= std::numeric_limits<double>::max();
+      big = std::max(big, std::abs(x));
+    }
+  }
+  if (!isFinite) return SvdStatus::notConverged;
+  // An exact factor keeps the squares of the values that matter in range. What falls below the
+  // range of doubles is far below the roundoff of the rest.
+  int exponent = big > 0 ? std::ilogb(big) : 0;
+  if (std::abs(exponent) < 300) exponent = 0;
+  const int half = exponent / 2;  // 2^exponent itself may be out of range
+  if (exponent != 0) {
+    for (std::size_t c = 0; c < n; ++c) {
+      for (double& x : a[c]) x = x * std::ldexp(1.0, -half) * std::ldexp(1.0, half - exponent);
+    }
+  }
+
+  if (!reduceToBidiagonal(a, v, b, work, step)) return SvdStatus::stopped;
+  if (isWanted) {
+    if (!multiplyReflections(v, 1, b.right, step)) return SvdStatus::stopped;
+    if (!multiplyReflections(a, 0, b.left, step)) return SvdStatus::stopped;
+  } else {
+    for (std::size_t i = 0; i < 2 * n; ++i) {
+      if (!step()) return SvdStatus::stopped;
+    }
+  }
+  Diagonalisation diagonalisation(b, n, isWanted ? a : Matrix{}, v, work);
+  bool isConverged = true;
+  for (std::size_t k = n; k-- > 0;) {
+    if (!step()) return SvdStatus::stopped;
+    isConverged &= diagonalisation.isolate(k);
+  }
+  for (double& x : w) x = std::ldexp(x, exponent);
+  return isConverged ? SvdStatus::done : SvdStatus::notConverged;
+}
+
+}  // namespace
+
+SvdStatus singularValueDecompose(Matrix a, std::span<double> w, Matrix v, Poll step) {
+  return decompose(a, w, v, step);
+}
+
+SvdStatus singularValues(Matrix a, std::span<double> w, Poll step) {
+  return decompose(a, w, {}, step);
+}
+
+}  // namespace zel::kernels
