@@ -126,18 +126,19 @@ std::string cellScript(const Correlations& correlations) {
 }
 
 std::string nameLabels(const std::vector<std::string>& names, const Layout& layout) {
-  std::string script;
   const std::string font =
       " noenhanced textcolor rgb ink font '," + fixedPoint(layout.nameFont, 1) + "'\n";
+  const std::string across =
+      layout.angle == 0 ? "center offset 0, 0.7"
+                        : "left rotate by " + std::to_string(layout.angle) + " offset 0, 0.5";
+  std::string script;
   for (std::size_t i = 0; i < names.size(); ++i) {
-    const std::string text = gnuplotText(names[i], kLongestName);
+    const std::string label = "set label " + gnuplotText(names[i], kLongestName) + " at ";
     const std::string middle = std::to_string(i) + ".5";
-    script += "set label " + text + " at graph 0, first " + middle + " right offset -0.7, 0" + font;
-    script +=
-        "set label " + text + " at first " + middle + ", graph 1 " +
-        (layout.angle == 0 ? "center offset 0, 0.7"
-                           : "left rotate by " + std::to_string(layout.angle) + " offset 0, 0.5") +
-        font;
+    script.append(label).append("graph 0, first ").append(middle);
+    script.append(" right offset -0.7, 0").append(font);
+    script.append(label).append("first ").append(middle).append(", graph 1 ");
+    script.append(across).append(font);
   }
   return script;
 }

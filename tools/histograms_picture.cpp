@@ -126,8 +126,9 @@ void drawHistograms(const std::string& fileName, const std::string& title,
                        set("legendHeight", shortest(1 - 0.47 / height)) + kStyle;
   const double panelWidth = 0.97 / static_cast<double>(across);
   for (std::size_t i = 0; i < panels.size(); ++i) {
+    const std::size_t row = i / across;
     const double left = 0.03 + panelWidth * static_cast<double>(i % across);
-    const double top = kHeadHeight + kPanelHeight * static_cast<double>(i / across);
+    const double top = kHeadHeight + kPanelHeight * static_cast<double>(row);
     script += screen("l", left) + screen("r", left + panelWidth - 0.04) +
               screen("t", 1 - (top + 0.42) / height) +
               screen("b", 1 - (top + kPanelHeight - 0.3) / height) +

@@ -66,8 +66,8 @@ void TextColumns::add(std::string heading, std::vector<std::string> texts) {
   std::size_t width = characterCount(heading);
   for (std::string& text : texts) {
     if (isNumber(text)) {
-      text = blanks(before - widthBeforePoint(text)) + text;
-      text += blanks(before + after - characterCount(text));
+      text.insert(0, before - widthBeforePoint(text), ' ');
+      text.append(before + after - characterCount(text), ' ');
     }
     width = std::max(width, characterCount(text));
   }
