@@ -15,7 +15,6 @@ namespace {
 using zel_test::ascText;
 using zel_test::expectFailure;
 using zel_test::JsonFields;
-using zel_test::readBytes;
 using zel_test::runZel;
 using zel_test::TempDir;
 using zel_test::writeBytes;

@@ -31,7 +31,7 @@ std::string failure(const std::string& name, const std::string& content,
     tool::chooseColumns(read(name, content), columns);
   } catch (const tool::Failure& stopped) {
     const std::string sentence = stopped.what();
-    const std::size_t start = sentence.find("/");
+    const std::size_t start = sentence.find('/');
     return sentence.substr(0, start) + sentence.substr(sentence.find(name, start));
   }
   return "none";
