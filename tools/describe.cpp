@@ -38,8 +38,8 @@ The figures:
   percentiles         at (n - 1) p of the sorted values from 0, interpolated
   mode                the smallest of the most frequent values
 
-Several columns make one table and one picture of all histograms; a single one
-is shown in more detail.
+Several columns make one table, one picture of all histograms and, in JSON, the
+array "variables"; a single one is shown in more detail.
 
 Examples:
   zel describe data/sunspots.asc
