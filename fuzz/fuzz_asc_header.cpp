@@ -8,38 +8,27 @@
 #include "zel/base/Zel_stringl.h"
 
 namespace zel_fuzz {
-namespace {
-
-struct Header {
-  std::string comment;
-  int columns = -1;
-  int rows = -1;
-  bool flags[4] = {};
-  int read(std::istream& in) {
-    return zel::ReadHeaderOfASC(in, comment, columns, rows, flags[0], flags[1], flags[2], flags[3]);
-  }
-  bool operator==(const Header&) const = default;
-};
-
-}  // namespace
 
 int FuzzAscHeader(const std::uint8_t* data, std::size_t size) {
   const std::string text(textOf(data, size));
   std::istringstream in(text);
-  Header header;
-  const int result = header.read(in);
+  zel::TASCHeader header;
+  const int result = zel::ReadHeaderOfASC(in, header);
   require(result >= 0 && result <= 4, "the result is 0 or a line number");
-  require(header.columns >= 0 && header.rows >= 0, "counts are not negative");
+  require(header.NCols >= 0 && header.NRows >= 0, "counts are not negative");
   if (result == 0) {
     std::ostringstream out;
-    out << header.comment << "\r\n"
-        << header.columns << "\t;nr. of columns\r\n"
-        << header.rows << "\t;nr. of rows\r\n";
-    for (const bool flag : header.flags) out << (flag ? "TRUE " : "FALSE ");
+    out << header.Comment << "\r\n"
+        << header.NCols << "\t;nr. of columns\r\n"
+        << header.NRows << "\t;nr. of rows\r\n";
+    for (const bool flag : {header.RowAttr, header.ColNames, header.RowNames, header.Nominal}) {
+      out << (flag ? "TRUE " : "FALSE ");
+    }
     out << "\t;legend\r\n";
     std::istringstream again(out.str());
-    Header copy;
-    require(copy.read(again) == 0 && copy == header, "a written header reads the same");
+    zel::TASCHeader copy;
+    require(zel::ReadHeaderOfASC(again, copy) == 0 && copy == header,
+            "a written header reads the same");
   }
   std::size_t read = 0;
   while (in.good()) {

@@ -2,43 +2,35 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cmath>
-#include <filesystem>
 #include <optional>
-#include <system_error>
 #include <utility>
 
-#include "asc_column.h"
 #include "bins.h"
+#include "column_option.h"
 #include "describe_picture.h"
 #include "failure.h"
+#include "figures.h"
+#include "file_names.h"
 #include "gnuplot.h"
+#include "histograms_picture.h"
 #include "json.h"
 #include "number_text.h"
 #include "summary.h"
+#include "table_file.h"
 #include "text_histogram.h"
 #include "text_table.h"
 #include "utf8.h"
+#include "variable.h"
 #include "zel/base/numbertext.h"
 
 namespace tool {
 namespace {
 
 constexpr int kMostBinsByDefault = 30;
+constexpr int kSparklineBins = 10;
+constexpr int kPanelBins = 16;
 
-constexpr const char* kHelp =
-    R"(FILE is an ASC file of one column: four header lines, then a row per line.
-  any comment
-  1 ;nr. of columns
-  3 ;nr. of rows
-  FALSE FALSE FALSE FALSE ;row attributes, column names, row names, nominal
-  12.5
-  NAN
-  1e3
-If the flags say so, the name of the column follows the header, and each row
-starts with an attribute (a number) and a name (in double quotes). NAN and ###
-stand for a missing value. Texts after ";" in the header are ignored.
-
+constexpr const char* kHelp = R"(
 The figures:
   standard deviation  divisor n - 1; the standard error is that of the mean
   skewness, kurtosis  corrected for the sample size; 0 for a normal population
@@ -46,10 +38,14 @@ The figures:
   percentiles         at (n - 1) p of the sorted values from 0, interpolated
   mode                the smallest of the most frequent values
 
+Several columns make one table, one picture of all histograms and, in JSON, the
+array "variables"; a single one is shown in more detail.
+
 Examples:
   zel describe data/sunspots.asc
   zel describe data/sunspots.asc --plot sunspots.png
   zel describe data/faithful_waiting.asc --percentiles 1,2.5,97.5,99 --bins 20
+  zel describe data/iris.csv --column Petal.Length,Petal.Width
   zel describe - --json < data/sunspots.asc
 
 Exit status: 0 all done; 2 a wrong argument, a file that cannot be read or
@@ -73,93 +69,24 @@ std::vector<double> parsePercentiles(std::string_view list) {
   return percents;
 }
 
-std::string placeOf(const AscColumn& column, int row) {
-  std::string place = "row " + std::to_string(row);
-  if (!column.rowNames.empty()) {
-    place += " (" + printable(column.rowNames[static_cast<std::size_t>(row - 1)], 30) + ')';
-  }
-  return place;
-}
-
-/// The table of the figures, rounded so that the digits shown mean something.
-class FigureTable {
- public:
-  FigureTable(const Summary& summary, bool ascii) : dash_(ascii ? "-" : "–") {
-    if (summary.standardDeviation.value > 0.0) {
-      decimals_ = decimalsFor(*summary.standardDeviation.value);
-    }
-  }
-  void addCount(const std::string& label, int count) { table_.add(label, std::to_string(count)); }
-  /// On the scale of the data: to the last digit that matters beside their spread.
-  void addOnScale(const std::string& label, const Figure& figure) {
-    add(label, figure,
-        [&](double x) { return decimals_ ? fixedPoint(x, *decimals_) : significant(x, 12); });
-  }
-  /// To five digits of its own.
-  void addStandardError(const std::string& label, const Figure& figure) {
-    add(label, figure, [&](double x) { return x > 0 ? fixedPoint(x, decimalsFor(x)) : "0"; });
-  }
-  /// A figure without unit.
-  void addShape(const std::string& label, const Figure& figure) {
-    add(label, figure, [](double x) { return fixedPoint(x, 4); });
-  }
-  /// A value between two of the data. Beyond twelve digits the interpolation leaves its own traces.
-  void addInterpolated(const std::string& label, const Figure& figure) {
-    add(label, figure, [](double x) { return significant(x, 12); });
-  }
-  /// A value of the data, as it is.
-  void addValue(const std::string& label, const Figure& figure, const std::string& note) {
-    add(label, figure, shortest, note);
-  }
-  void addBlankLine() { table_.addBlankLine(); }
-  [[nodiscard]] std::string text() const { return table_.text(); }
-
- private:
-  template <class Format>
-  void add(const std::string& label, const Figure& figure, Format format,
-           const std::string& note = {}) {
-    if (figure.value) {
-      table_.add(label, format(*figure.value), note);
-    } else {
-      table_.add(label, dash_, figure.reason);
-    }
-  }
-
-  TextTable table_;
-  std::string dash_;
-  std::optional<int> decimals_;
+/// A variable with all that is said of it.
+struct Description {
+  Variable variable;
+  Summary summary;
+  std::optional<Histogram> histogram;
 };
 
-std::string tableText(const AscColumn& column, const Summary& s, bool ascii) {
-  FigureTable table(s, ascii);
-  table.addCount("n", s.n);
-  table.addCount("missing", s.missing);
-  if (s.n == 0) return table.text() + "\n  There are no values to describe.\n";
-  table.addOnScale("mean", s.mean);
-  table.addOnScale("standard deviation", s.standardDeviation);
-  table.addStandardError("standard error", s.standardError);
-  table.addShape("skewness", s.skewness);
-  table.addShape("excess kurtosis", s.excessKurtosis);
-  table.addOnScale("geometric mean", s.geometricMean);
-  table.addBlankLine();
-  table.addValue("minimum", s.minimum, placeOf(column, s.minimumRow));
-  auto percentile = s.percentiles.begin();
-  const auto addPercentilesUpTo = [&](double percent) {
-    for (; percentile != s.percentiles.end() && percentile->percent <= percent; ++percentile) {
-      table.addInterpolated(shortest(percentile->percent) + " %", percentile->at);
-    }
-  };
-  addPercentilesUpTo(25);
-  table.addInterpolated("lower quartile", s.lowerQuartile);
-  addPercentilesUpTo(50);
-  table.addInterpolated("median", s.median);
-  addPercentilesUpTo(75);
-  table.addInterpolated("upper quartile", s.upperQuartile);
-  addPercentilesUpTo(100);
-  table.addValue("maximum", s.maximum, placeOf(column, s.maximumRow));
-  table.addValue("mode", s.mode, counted(s.modeCount, "time"));
-  return table.text();
+Description describeVariable(Variable variable, const std::vector<double>& percents, int bins) {
+  const zel::TVector x(variable.values);
+  Summary summary = summarize(x, variable, percents);
+  std::optional<Histogram> histogram;
+  if (summary.n > 0) {
+    histogram = bins > 0 ? countInAbout(x, bins) : countInBins(x, kMostBinsByDefault);
+  }
+  return {std::move(variable), std::move(summary), std::move(histogram)};
 }
+
+std::string dash(const DescribeOptions& options) { return options.ascii ? "-" : "–"; }
 
 std::string histogramText(const Summary& s, const std::optional<Histogram>& histogram, bool ascii) {
   if (!histogram) return "  No histogram: the values are too large.\n";
@@ -173,13 +100,52 @@ std::string histogramText(const Summary& s, const std::optional<Histogram>& hist
          textHistogram(*histogram, marks, terminalColumns(), ascii);
 }
 
-std::string jsonText(const AscColumn& column, const Summary& s,
-                     const std::optional<Histogram>& histogram, const DescribeOptions& options) {
-  JsonWriter json;
-  json.beginObject();
-  json.add("file", options.file);
-  json.add("comment", column.comment);
-  json.add("name", column.name);
+std::string textOfOne(const Table& file, const Description& d, const DescribeOptions& options) {
+  const auto& [variable, summary, histogram] = d;
+  std::string text =
+      file.source + (variable.name.empty() ? "" : ": " + printable(variable.name)) + '\n';
+  if (!file.comment.empty()) text += printable(file.comment) + '\n';
+  std::vector<FigureLine> lines = figureLines(variable, summary, dash(options));
+  if (summary.n == 0) lines.resize(2);  // n and missing
+  TextTable table;
+  for (const FigureLine& line : lines) table.add(line.label, line.number, line.note);
+  text += '\n' + table.text();
+  if (summary.n == 0) return text + "\n  There are no values to describe.\n";
+  if (!options.noHistogram) text += '\n' + histogramText(summary, histogram, options.ascii);
+  return text;
+}
+
+/// One column of the table for each variable.
+std::string textOfSeveral(const Table& file, const std::vector<Description>& descriptions,
+                          const DescribeOptions& options) {
+  const bool sparklines = !options.noHistogram && !options.ascii;
+  const auto textsOf = [&](const Description& d, auto&& add) {
+    for (const FigureLine& line : figureLines(d.variable, d.summary, dash(options))) {
+      add(line.label, line.number);
+      if (!line.detailLabel.empty()) add(line.detailLabel, line.detail);
+    }
+    if (!sparklines) return;
+    const zel::TVector x(d.variable.values);
+    std::optional<Histogram> few;
+    if (d.summary.n > 0) few = countInAbout(x, kSparklineBins);
+    add("", "");
+    add("histogram", few ? sparkline(*few) : dash(options));
+  };
+  std::vector<std::string> labels;
+  textsOf(descriptions[0],
+          [&](const std::string& label, const std::string&) { labels.push_back(label); });
+  TextColumns columns(labels);
+  for (const Description& d : descriptions) {
+    std::vector<std::string> texts;
+    textsOf(d, [&](const std::string&, const std::string& text) { texts.push_back(text); });
+    columns.add(printable(d.variable.title, 24), std::move(texts));
+  }
+  return headingText(file, descriptions.size()) + columns.text(terminalColumns());
+}
+
+void addVariable(JsonWriter& json, const Description& d, const DescribeOptions& options) {
+  const Summary& s = d.summary;
+  json.add("name", d.variable.name);
   json.add("n", s.n);
   json.add("missing", s.missing);
   json.add("mean", s.mean.value);
@@ -191,8 +157,8 @@ std::string jsonText(const AscColumn& column, const Summary& s,
   const auto addExtreme = [&](const std::string& key, const Figure& figure, int row) {
     json.add(key, figure.value);
     s.n > 0 ? json.add(key + "_row", row) : json.addNull(key + "_row");
-    if (!column.rowNames.empty() && s.n > 0) {
-      json.add(key + "_row_name", column.rowNames[static_cast<std::size_t>(row - 1)]);
+    if (!d.variable.rowNames.empty() && s.n > 0) {
+      json.add(key + "_row_name", d.variable.rowNames[static_cast<std::size_t>(row - 1)]);
     }
   };
   addExtreme("minimum", s.minimum, s.minimumRow);
@@ -210,38 +176,72 @@ std::string jsonText(const AscColumn& column, const Summary& s,
   addExtreme("maximum", s.maximum, s.maximumRow);
   json.add("mode", s.mode.value);
   json.add("mode_count", s.modeCount);
-  if (histogram && !options.noHistogram) {
+  if (d.histogram && !options.noHistogram) {
     json.beginObject("histogram");
-    json.add("first_edge", histogram->edge(0));
-    json.add("bin_width", histogram->width());
+    json.add("first_edge", d.histogram->edge(0));
+    json.add("bin_width", d.histogram->width());
     json.beginArray("counts");
-    for (const int count : histogram->counts) json.add("", count);
+    for (const int count : d.histogram->counts) json.add("", count);
     json.endArray();
     json.endObject();
   } else {
     json.addNull("histogram");
+  }
+}
+
+std::string jsonText(const Table& file, const std::vector<Description>& descriptions,
+                     const DescribeOptions& options) {
+  JsonWriter json;
+  json.beginObject();
+  json.add("file", options.file);
+  json.add("comment", file.comment);
+  if (descriptions.size() == 1) {
+    addVariable(json, descriptions[0], options);
+  } else {
+    json.add("rows", file.rows);
+    json.beginArray("variables");
+    for (const Description& d : descriptions) {
+      json.beginObject();
+      json.add("column", d.variable.number);
+      addVariable(json, d, options);
+      json.endObject();
+    }
+    json.endArray();
   }
   if (!options.picture.empty()) json.add("picture", options.picture);
   json.endObject();
   return json.text();
 }
 
-/// A picture that replaced the data it shows would be a nasty surprise.
-void requireDifferentFiles(const std::string& data, const std::string& picture) {
-  std::error_code ignored;
-  if (std::filesystem::equivalent(data, picture, ignored)) {
-    throw Failure("the picture " + printable(picture) + " would replace the data file");
+void draw(const Table& file, const std::vector<Description>& descriptions,
+          const DescribeOptions& options) {
+  if (descriptions.size() == 1) {
+    const auto& [variable, summary, histogram] = descriptions[0];
+    drawDescription(options.picture, pictureTitle(file), zel::TVector(variable.values), variable,
+                    summary, histogram);
+    return;
   }
+  std::vector<HistogramPanel> panels;
+  for (const Description& d : descriptions) {
+    HistogramPanel& panel = panels.emplace_back(HistogramPanel{d.variable.title, &d.summary, {}});
+    // All of about as many bins, so that they can be compared.
+    if (d.summary.n > 0) {
+      panel.histogram = countInAbout(zel::TVector(d.variable.values),
+                                     options.bins > 0 ? options.bins : kPanelBins);
+    }
+  }
+  drawHistograms(options.picture, pictureTitle(file), panels);
 }
 
 }  // namespace
 
 CLI::App* addDescribe(CLI::App& program, DescribeOptions& options) {
   CLI::App* command =
-      program.add_subcommand("describe", "Describe a column of numbers: table, histogram, picture");
-  command->add_option("FILE", options.file, "ASC file of one column; - is standard input")
+      program.add_subcommand("describe", "Describe columns of numbers: table, histogram, picture");
+  command->add_option("FILE", options.file, "CSV or ASC file; - is standard input")
       ->required()
       ->option_text(" ");
+  addColumnOption(*command, options.columns);
   command
       ->add_option("--percentiles", options.percentiles,
                    "percentiles to show, 0 to 100 [5,10,90,95]")
@@ -255,36 +255,28 @@ CLI::App* addDescribe(CLI::App& program, DescribeOptions& options) {
       ->option_text("PICTURE");
   command->add_flag("--json", options.json, "print JSON, all digits, null for what is undefined");
   command->add_flag("--ascii", options.ascii, "print bars and dashes as ASCII characters");
-  command->footer(kHelp);
+  command->footer(std::string(kFileHelp) + kHelp);
   return command;
 }
 
-std::string describe(const DescribeOptions& options) {
+Result describe(const DescribeOptions& options) {
   if (!options.picture.empty()) {
     requirePictureName(options.picture);
     requireDifferentFiles(options.file, options.picture);
   }
   const std::vector<double> percents = parsePercentiles(options.percentiles);
-  const AscColumn column = readAscColumn(options.file);
-  const zel::TVector x(column.values);
-  const Summary summary = summarize(x, column, percents);
-  std::optional<Histogram> histogram;
-  if (summary.n > 0) {
-    histogram =
-        options.bins > 0 ? countInAbout(x, options.bins) : countInBins(x, kMostBinsByDefault);
+  const Table file = readTable(options.file);
+  const ColumnChoice choice = chooseColumns(file, options.columns);
+  std::vector<Description> descriptions;
+  for (const std::size_t c : choice.columns) {
+    descriptions.push_back(describeVariable(variableOf(file, c), percents, options.bins));
   }
-  if (!options.picture.empty()) drawDescription(options.picture, x, column, summary, histogram);
-  if (options.json) return jsonText(column, summary, histogram, options);
-
-  std::string text =
-      column.source + (column.name.empty() ? "" : ": " + printable(column.name)) + '\n';
-  if (!column.comment.empty()) text += printable(column.comment) + '\n';
-  text += '\n' + tableText(column, summary, options.ascii);
-  if (!options.noHistogram && summary.n > 0) {
-    text += '\n' + histogramText(summary, histogram, options.ascii);
-  }
+  if (!options.picture.empty()) draw(file, descriptions, options);
+  if (options.json) return {jsonText(file, descriptions, options), choice.note};
+  std::string text = descriptions.size() == 1 ? textOfOne(file, descriptions[0], options)
+                                              : textOfSeveral(file, descriptions, options);
   if (!options.picture.empty()) text += "\n  Picture: " + printable(options.picture) + '\n';
-  return text;
+  return {text, choice.note};
 }
 
 }  // namespace tool

@@ -3,6 +3,9 @@
 #pragma once
 
 #include <string>
+#include <vector>
+
+#include "result.h"
 
 namespace CLI {
 class App;
@@ -13,6 +16,7 @@ namespace tool {
 /// What the command line asks for.
 struct DescribeOptions {
   std::string file;
+  std::vector<std::string> columns;  // empty: all
   std::string percentiles = "5,10,90,95";
   int bins = 0;  // 0: as suits the data
   bool noHistogram = false;
@@ -25,8 +29,7 @@ struct DescribeOptions {
 CLI::App* addDescribe(CLI::App& program, DescribeOptions& options);
 
 /// Does what the options ask for.
-/// @return what belongs on standard output
 /// @throws Failure  nothing was written then
-std::string describe(const DescribeOptions& options);
+Result describe(const DescribeOptions& options);
 
 }  // namespace tool

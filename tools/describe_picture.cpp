@@ -20,9 +20,9 @@ constexpr int kMostStretches = 2000;
 constexpr int kMostDots = 120;
 
 /// The row names as numbers, if all are and they ascend.
-std::vector<double> numericNames(const AscColumn& column) {
+std::vector<double> numericNames(const Variable& variable) {
   std::vector<double> numbers;
-  for (const std::string& name : column.rowNames) {
+  for (const std::string& name : variable.rowNames) {
     const auto number = zel::ParseNumber(name);
     if (!number || (!numbers.empty() && *number <= numbers.back())) return {};
     numbers.push_back(*number);
@@ -40,12 +40,12 @@ std::string binsBlock(const Histogram& histogram) {
 }
 
 /// Points of the series; a blank line breaks the curve where rows are missing.
-std::string seriesBlock(const zel::TVector& x, const AscColumn& column,
+std::string seriesBlock(const zel::TVector& x, const Variable& variable,
                         const std::vector<double>& names) {
   std::string block = "$series << EOD\n";
   int lastRow = 0;
   const auto add = [&](int position, int widestGap) {
-    const int row = column.rowOf(position);
+    const int row = variable.rowOf(position);
     if (lastRow != 0 && row - lastRow > widestGap) block += '\n';
     lastRow = row;
     const double abscissa = names.empty() ? row : names[static_cast<std::size_t>(row - 1)];
@@ -124,24 +124,25 @@ unset multiplot
 
 }  // namespace
 
-void drawDescription(const std::string& fileName, const zel::TVector& x, const AscColumn& column,
-                     const Summary& summary, const std::optional<Histogram>& histogram) {
+void drawDescription(const std::string& fileName, const std::string& title, const zel::TVector& x,
+                     const Variable& variable, const Summary& summary,
+                     const std::optional<Histogram>& histogram) {
   requirePictureName(fileName);
   const std::string undrawable = "the picture " + printable(fileName) + " was not written: ";
   if (summary.n == 0) throw Failure(undrawable + "there are no values to draw");
   if (!histogram) throw Failure(undrawable + "the values are too large to draw");
 
-  const std::vector<double> names = numericNames(column);
+  const std::vector<double> names = numericNames(variable);
   const int decimals = std::max(decimalsFor(histogram->width()) - 1, 0);
   const auto label = [&](const char* what, const Figure& figure) {
     std::string number = trimmed(*figure.value, decimals);
     if (number.find('e') != std::string::npos) number = significant(*figure.value, 4);
     return gnuplotText(std::string(what) + ' ' + number);
   };
-  const std::string variable = gnuplotText(column.name.empty() ? "value" : column.name, 60);
+  const std::string name = gnuplotText(variable.name.empty() ? "value" : variable.name, 60);
   const int most = *std::max_element(histogram->counts.begin(), histogram->counts.end());
 
-  const int rows = column.rowOf(summary.n);
+  const int rows = variable.rowOf(summary.n);
   // The margins leave room for the tick labels.
   std::size_t labelWidth = std::max<std::size_t>(4, std::to_string(most).size());
   for (std::size_t i = 0; i <= histogram->counts.size(); ++i) {
@@ -153,8 +154,8 @@ void drawDescription(const std::string& fileName, const zel::TVector& x, const A
   const auto set = [](const char* name, const std::string& value) {
     return std::string(name) + " = " + value + '\n';
   };
-  std::string script = binsBlock(*histogram) + seriesBlock(x, column, names);
-  script += set("title", gnuplotText(column.comment, 95)) + set("variable", variable) +
+  std::string script = binsBlock(*histogram) + seriesBlock(x, variable, names);
+  script += set("title", gnuplotText(title, 95)) + set("variable", name) +
             set("abscissa", gnuplotText(names.empty() ? "row" : "")) +
             set("q1", shortest(*summary.lowerQuartile.value)) +
             set("median", shortest(*summary.median.value)) +
@@ -169,7 +170,7 @@ void drawDescription(const std::string& fileName, const zel::TVector& x, const A
             set("constant", *summary.minimum.value == *summary.maximum.value ? "1" : "0") +
             set("fewRows", names.empty() && rows <= 10 ? "1" : "0");
   script += kDrawing;
-  drawPicture(fileName, 6, script);
+  drawPicture(fileName, {8, 6}, script);
 }
 
 }  // namespace tool

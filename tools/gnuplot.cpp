@@ -4,28 +4,22 @@
 #include <cmath>
 
 #include "failure.h"
+#include "file_names.h"
 #include "run_program.h"
 #include "utf8.h"
-#include "zel/base/stringhelpers.h"
 #include "zel/base/wholefile.h"
 
 namespace tool {
 namespace {
 
-bool endsWith(std::string_view name, std::string_view extension) {
-  return name.size() > extension.size() &&
-         zel::EqualIgnoringCase(name.substr(name.size() - extension.size()), extension);
-}
-
 /// The PNG terminal counts fonts in points of 1/96 inch and lines in dots; so these factors make
 /// points of 1/72 inch of both at 200 dots per inch. The SVG terminal's unit is made such a point.
-std::string terminalFor(const std::string& fileName, double heightInches) {
-  constexpr double kWidthInches = 8;
+std::string terminalFor(const std::string& fileName, const PictureSize& picture) {
   const auto size = [&](double dotsPerInch) {
-    return std::to_string(std::lround(kWidthInches * dotsPerInch)) + ',' +
-           std::to_string(std::lround(heightInches * dotsPerInch));
+    return std::to_string(std::lround(picture.width * dotsPerInch)) + ',' +
+           std::to_string(std::lround(picture.height * dotsPerInch));
   };
-  if (endsWith(fileName, ".svg")) {
+  if (hasExtension(fileName, ".svg")) {
     return "set terminal svg enhanced size " + size(72) +
            " font 'DejaVu Sans,Verdana,sans-serif,10' background '#ffffff'\n";
   }
@@ -34,7 +28,7 @@ std::string terminalFor(const std::string& fileName, double heightInches) {
 }
 
 bool isComplete(const std::string& fileName, std::string_view picture) {
-  if (endsWith(fileName, ".svg")) {
+  if (hasExtension(fileName, ".svg")) {
     return picture.starts_with("<?xml") && picture.find("</svg>") != std::string_view::npos;
   }
   return picture.starts_with("\x89PNG\r\n\x1a\n") && picture.find("IEND") != std::string_view::npos;
@@ -55,19 +49,18 @@ std::string reasonIn(std::string_view errors) {
 }  // namespace
 
 void requirePictureName(const std::string& fileName) {
-  if (!endsWith(fileName, ".png") && !endsWith(fileName, ".svg")) {
+  if (!hasExtension(fileName, ".png") && !hasExtension(fileName, ".svg")) {
     throw Failure("the picture " + printable(fileName) +
                   " must have a name that ends in .png or .svg");
   }
 }
 
-void drawPicture(const std::string& fileName, double heightInches, std::string_view script) {
+void drawPicture(const std::string& fileName, const PictureSize& size, std::string_view script) {
   requirePictureName(fileName);
   const std::string failed = "the picture " + printable(fileName) + " was not written: ";
   // -d: no start-up files of the user, so that a picture looks the same for everybody.
-  const ProgramResult drawn =
-      runProgram({"gnuplot", "-d"},
-                 "set encoding utf8\n" + terminalFor(fileName, heightInches) + std::string(script));
+  const ProgramResult drawn = runProgram(
+      {"gnuplot", "-d"}, "set encoding utf8\n" + terminalFor(fileName, size) + std::string(script));
   if (!drawn.started) {
     throw Failure(failed + "the program gnuplot, which draws it, cannot be started (" +
                   drawn.startError + ')');

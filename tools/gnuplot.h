@@ -11,13 +11,19 @@ namespace tool {
 /// @throws Failure  it does not
 void requirePictureName(const std::string& fileName);
 
+/// In inches.
+struct PictureSize {
+  double width = 8;
+  double height = 6;
+};
+
 /// Runs a gnuplot script and stores what it draws; the file appears complete or not at all.
 ///
-/// The script draws at its leisure, but sets neither the terminal nor the output: the picture is 8
-/// by heightInches inches, as PNG at 200 dots per inch, in a sans serif font of 10 points. Line
+/// The script draws at its leisure, but sets neither the terminal nor the output: the picture has
+/// the given size, as PNG at 200 dots per inch, in a sans serif font of 10 points. Line
 /// widths and point sizes are in points for both kinds.
 /// @throws Failure  gnuplot is not there or fails, or the picture cannot be written
-void drawPicture(const std::string& fileName, double heightInches, std::string_view script);
+void drawPicture(const std::string& fileName, const PictureSize& size, std::string_view script);
 
 /// A text as gnuplot takes it literally, quotation marks included.
 std::string gnuplotText(std::string_view text, std::size_t limit = 100);

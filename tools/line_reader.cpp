@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <system_error>
+#include <utility>
 
 #include "failure.h"
 #include "utf8.h"
@@ -62,7 +63,18 @@ bool LineReader::refill() {
   return !ended_;
 }
 
+void LineReader::putBack(std::vector<std::string> lines) {
+  putBack_ = std::move(lines);
+  again_ = 0;
+  lineNumber_ = 0;
+}
+
 bool LineReader::next(std::string_view& line) {
+  if (again_ < putBack_.size()) {
+    line = putBack_[again_++];
+    ++lineNumber_;
+    return true;
+  }
   std::size_t searched = begin_;
   std::size_t end = buffer_.find('\n', searched);
   while (end == std::string::npos && !ended_ && buffer_.size() - begin_ <= kLongestLine) {

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tool {
 
@@ -23,6 +24,8 @@ class LineReader {
   /// @return false at the end of the file
   /// @throws Failure  a read error, a zero byte (a binary file) or a line of more than 1 MiB
   bool next(std::string_view& line);
+  /// Makes next give again the lines that it gave so far, or what the caller has made of them.
+  void putBack(std::vector<std::string> lines);
   /// Number of the line that next gave last, from 1; 0 before the first.
   [[nodiscard]] std::int64_t lineNumber() const { return lineNumber_; }
   /// The file as messages name it.
@@ -42,6 +45,8 @@ class LineReader {
   std::size_t begin_ = 0;  // what is left of the buffer starts here
   bool ended_ = false;
   std::int64_t lineNumber_ = 0;
+  std::vector<std::string> putBack_;  // comes before the buffer
+  std::size_t again_ = 0;             // of these lines, given again so far
 };
 
 }  // namespace tool

@@ -6,14 +6,18 @@
 #include <cerrno>
 #include <cstdio>
 #include <exception>
+#include <functional>
 #include <iostream>
+#include <iterator>
 #include <new>
 #include <string>
 #include <string_view>
 #include <system_error>
 
+#include "correlate.h"
 #include "describe.h"
 #include "failure.h"
+#include "result.h"
 #include "utf8.h"
 
 namespace {
@@ -23,6 +27,7 @@ constexpr int kFailed = 2;
 constexpr const char* kHelp = R"(Examples:
   zel describe data/sunspots.asc
   zel describe data/sunspots.asc --plot sunspots.png
+  zel correlate data/iris.csv
   zel describe --help
 
 Exit status: 0 all done; 2 something failed, and one line on standard error
@@ -47,11 +52,16 @@ std::string oneLine(const std::string& message) {
   return tool::printable(message.substr(0, message.find('\n')), 300);
 }
 
-/// CLI11 would only say that some command is required.
-bool hasCommand(const CLI::App& program, std::string_view name) {
-  const auto commands = program.get_subcommands([](const CLI::App*) { return true; });
-  return std::any_of(commands.begin(), commands.end(),
-                     [&](const CLI::App* command) { return command->get_name() == name; });
+/// A command and what runs it once its options are parsed.
+struct Command {
+  CLI::App* app;
+  std::function<tool::Result()> run;
+};
+
+int run(const Command& command) {
+  const tool::Result result = command.run();
+  if (!result.note.empty()) std::cerr << "zel: " << result.note << '\n';
+  return print(result.text);
 }
 
 }  // namespace
@@ -64,20 +74,33 @@ int main(int argc, char** argv) {
   program.require_subcommand(1);
   program.footer(kHelp);
   tool::DescribeOptions describeOptions;
-  CLI::App* describeCommand = tool::addDescribe(program, describeOptions);
+  tool::CorrelateOptions correlateOptions;
+  const Command commands[] = {{tool::addDescribe(program, describeOptions),
+                               [&] { return tool::describe(describeOptions); }},
+                              {tool::addCorrelate(program, correlateOptions),
+                               [&] { return tool::correlate(correlateOptions); }}};
+  const auto find = [&](auto&& condition) {
+    return std::find_if(std::begin(commands), std::end(commands),
+                        [&](const Command& command) { return condition(*command.app); });
+  };
+  const auto parsed = [&] { return find([](const CLI::App& app) { return app.parsed(); }); };
   try {
-    if (argc > 1 && argv[1][0] != '-' && !hasCommand(program, argv[1])) {
+    // CLI11 would only say that some command is required.
+    if (argc > 1 && argv[1][0] != '-' && find([&](const CLI::App& app) {
+                                           return app.get_name() == argv[1];
+                                         }) == std::end(commands)) {
       return failed("there is no command " + tool::inQuotes(argv[1]) + " (zel --help lists them)");
     }
     program.parse(argc, argv);
-    return print(tool::describe(describeOptions));
+    return run(*parsed());
   } catch (const CLI::CallForVersion& version) {
     return print(std::string(version.what()) + '\n');
   } catch (const CLI::CallForHelp&) {
     return print(program.help());
   } catch (const CLI::ParseError& error) {
-    const std::string help = describeCommand->parsed() ? "zel describe --help" : "zel --help";
-    return failed(oneLine(error.what()) + " (" + help + " shows how)");
+    const Command* command = parsed();
+    const std::string name = command == std::end(commands) ? "" : command->app->get_name() + ' ';
+    return failed(oneLine(error.what()) + " (zel " + name + "--help shows how)");
   } catch (const tool::Failure& failure) {
     return failed(failure.what());
   } catch (const std::bad_alloc&) {

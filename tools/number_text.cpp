@@ -1,9 +1,12 @@
 #include "number_text.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <system_error>
 
+#include "utf8.h"
 #include "zel/base/numbertext.h"
 
 namespace tool {
@@ -46,6 +49,21 @@ std::string significant(double x, int digits) {
 int decimalsFor(double x) {
   const double places = 4 - std::floor(std::log10(x));
   return places > 0 ? static_cast<int>(places) : 0;
+}
+
+std::string whyNotANumber(std::string_view word, std::string_view missing) {
+  double ignored = 0;
+  const std::string_view digits = word.starts_with('+') ? word.substr(1) : word;
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), ignored);
+  if (error == std::errc::result_out_of_range && end == digits.data() + digits.size()) {
+    return inQuotes(word) + " is too large for a double";
+  }
+  std::string pointed(word);
+  std::replace(pointed.begin(), pointed.end(), ',', '.');
+  if (zel::ParseNumber(pointed)) {
+    return inQuotes(word) + " is not a number: the decimal separator is a point";
+  }
+  return inQuotes(word) + " is not a number (" + std::string(missing) + ')';
 }
 
 std::string counted(long long n, const std::string& noun) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace tool {
 
@@ -21,6 +22,10 @@ std::string significant(double x, int digits);
 
 /// The decimals that show a positive number to five significant digits, 0 for a large one.
 int decimalsFor(double x);
+
+/// Why a word is not a number that ParseNumber takes.
+/// @param missing  says how a missing value is written, where the word may have been meant as one
+std::string whyNotANumber(std::string_view word, std::string_view missing);
 
 /// "1 value", "2 values".
 std::string counted(long long n, const std::string& noun);

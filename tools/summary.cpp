@@ -56,7 +56,7 @@ void addMoments(const zel::TVector& x, Summary& s) {
   }
 }
 
-void addExtremes(const zel::TVector& x, const AscColumn& column, Summary& s) {
+void addExtremes(const zel::TVector& x, const Variable& variable, Summary& s) {
   double low = 0;
   double high = 0;
   int lowAt = 0;
@@ -67,17 +67,17 @@ void addExtremes(const zel::TVector& x, const AscColumn& column, Summary& s) {
   if (highAt == 0) highAt = x.Find(0, 0, high = x.Percentile(100, 0, 0));
   s.minimum = finite(low);
   s.maximum = finite(high);
-  s.minimumRow = column.rowOf(lowAt);
-  s.maximumRow = column.rowOf(highAt);
+  s.minimumRow = variable.rowOf(lowAt);
+  s.maximumRow = variable.rowOf(highAt);
 }
 
 }  // namespace
 
-Summary summarize(const zel::TVector& x, const AscColumn& column,
+Summary summarize(const zel::TVector& x, const Variable& variable,
                   std::span<const double> percents) {
   Summary s;
-  s.n = static_cast<int>(column.values.size());
-  s.missing = static_cast<int>(column.missingRows.size());
+  s.n = static_cast<int>(variable.values.size());
+  s.missing = static_cast<int>(variable.missingRows.size());
   for (const double p : percents) s.percentiles.push_back({p, none("there are no values")});
   if (s.n == 0) {
     for (Figure* f : {&s.mean, &s.standardDeviation, &s.standardError, &s.skewness,
@@ -87,7 +87,7 @@ Summary summarize(const zel::TVector& x, const AscColumn& column,
     }
     return s;
   }
-  addExtremes(x, column, s);
+  addExtremes(x, variable, s);
   addMoments(x, s);
   s.geometricMean = none("needs values above 0");
   if (s.minimum.value > 0.0) s.geometricMean = finite(x.GeometricMean(0, 0));

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "asc_column.h"
+#include "variable.h"
 #include "zel/vector/Zel_vector.h"
 
 namespace tool {
@@ -46,8 +46,9 @@ struct Summary {
   int modeCount = 0;
 };
 
-/// @param x         the values of the column; read only if the column has some
+/// @param x         the values of the variable; read only if it has some
 /// @param percents  0..100
-Summary summarize(const zel::TVector& x, const AscColumn& column, std::span<const double> percents);
+Summary summarize(const zel::TVector& x, const Variable& variable,
+                  std::span<const double> percents);
 
 }  // namespace tool

@@ -55,6 +55,17 @@ std::string textHistogram(const Histogram& histogram, const std::vector<BinMark>
   return text;
 }
 
+std::string sparkline(const Histogram& histogram) {
+  constexpr const char* kEighths[] = {"▁", "▂", "▃", "▄", "▅", "▆", "▇", "█"};
+  const int most = *std::max_element(histogram.counts.begin(), histogram.counts.end());
+  std::string text;
+  for (const int count : histogram.counts) {
+    const std::int64_t eighths = (std::int64_t{count} * 8 + most - 1) / most;  // any count shows
+    text += count == 0 ? " " : kEighths[eighths - 1];
+  }
+  return text;
+}
+
 int terminalColumns() {
   constexpr int kWidest = 100;
   struct winsize size {};

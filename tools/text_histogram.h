@@ -21,6 +21,9 @@ struct BinMark {
 std::string textHistogram(const Histogram& histogram, const std::vector<BinMark>& marks,
                           int columns, bool ascii);
 
+/// The counts as one line of small bars, a character for each bin.
+std::string sparkline(const Histogram& histogram);
+
 /// Columns of the terminal that standard output goes to, 80 if it is none, at most 100: longer bars
 /// are hard to compare.
 int terminalColumns();

@@ -11,24 +11,18 @@
 namespace zel {
 namespace {
 
-struct Header {
-  std::string comment = "before";
-  int columns = 77;
-  int rows = 77;
-  bool rowAttr = true;
-  bool colNames = true;
-  bool rowNames = true;
-  bool nominal = true;
+/// Reads through the form with single variables, which stands on the other.
+struct Header : TASCHeader {
+  Header() : TASCHeader{"before", 77, 77, true, true, true, true} {}
 
   template <class Source>
   int read(Source&& source) {
-    return ReadHeaderOfASC(source, comment, columns, rows, rowAttr, colNames, rowNames, nominal);
+    return ReadHeaderOfASC(source, Comment, NCols, NRows, RowAttr, ColNames, RowNames, Nominal);
   }
   int readText(const std::string& text) {
     std::istringstream in(text);
     return read(in);
   }
-  bool operator==(const Header&) const = default;
 };
 
 constexpr char kVectorFile[] =
@@ -39,20 +33,20 @@ constexpr char kVectorFile[] =
 TEST(ReadHeaderOfASC, TakesTheVariantsThatAreWritten) {
   Header h;
   EXPECT_EQ(h.readText(kVectorFile), 0);
-  EXPECT_EQ(h,
-            (Header{"Exported by ZEL TVector component: a.asc", 1, 2, false, false, false, false}));
+  EXPECT_EQ(h, (TASCHeader{"Exported by ZEL TVector component: a.asc", 1, 2, false, false, false,
+                           false}));
   EXPECT_EQ(h.readText("pairs\r\n2\t;nr. of columns\r\n30\t;nr. of rows\r\n"
                        "FALSE TRUE FALSE\t;row attributes, column names, row names\r\nx   y\r\n"),
             0);
-  EXPECT_EQ(h, (Header{"pairs", 2, 30, false, true, false, false}));
+  EXPECT_EQ(h, (TASCHeader{"pairs", 2, 30, false, true, false, false}));
 }
 
 TEST(ReadHeaderOfASC, TakesHeadersWrittenByHand) {
   Header h;
   EXPECT_EQ(h.readText("\n +3;\n2147483647 rows\ntrue\tfalse  True TRUE"), 0);
-  EXPECT_EQ(h, (Header{"", 3, INT_MAX, true, false, true, true}));
+  EXPECT_EQ(h, (TASCHeader{"", 3, INT_MAX, true, false, true, true}));
   EXPECT_EQ(h.readText(" c \t\r\n0\r\n0\r\nFALSE FALSE TRUE;x"), 0);
-  EXPECT_EQ(h, (Header{" c \t", 0, 0, false, false, true, false}));
+  EXPECT_EQ(h, (TASCHeader{" c \t", 0, 0, false, false, true, false}));
 }
 
 TEST(ReadHeaderOfASC, NamesTheBadLine) {
@@ -66,10 +60,10 @@ TEST(ReadHeaderOfASC, NamesTheBadLine) {
       if (line == 1) continue;  // every line is a comment
       Header h;
       EXPECT_EQ(h.readText(start + bad + "\n" + good[3]), line) << bad;
-      EXPECT_EQ(h.comment, "c");
-      EXPECT_EQ(h.columns, line > 2 ? 1 : 0);
-      EXPECT_EQ(h.rows, line > 3 ? 2 : 0);
-      EXPECT_FALSE(h.rowAttr || h.colNames || h.rowNames || h.nominal);
+      EXPECT_EQ(h.Comment, "c");
+      EXPECT_EQ(h.NCols, line > 2 ? 1 : 0);
+      EXPECT_EQ(h.NRows, line > 3 ? 2 : 0);
+      EXPECT_FALSE(h.RowAttr || h.ColNames || h.RowNames || h.Nominal);
     }
     start += good[line - 1];
   }

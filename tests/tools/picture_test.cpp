@@ -20,7 +20,6 @@ const std::string kSunspots = "describe '" ZEL_TEST_DATA "/sunspots.asc' --plot 
 void expectPng(const std::string& bytes) {
   ASSERT_GT(bytes.size(), 5000U);
   EXPECT_EQ("\x89PNG\r\n\x1a\n", bytes.substr(0, 8));
-  EXPECT_EQ(std::string("\0\0\x06\x40\0\0\x04\xb0", 8), bytes.substr(16, 8));  // 1600 x 1200
   EXPECT_EQ("IEND", bytes.substr(bytes.size() - 8, 4));
 }
 
@@ -35,7 +34,9 @@ TEST(Picture, PngAndSvg) {
   const ZelRun run = runZel(folder, kSunspots + "s.png");
   EXPECT_EQ(0, run.status) << run.errors;
   EXPECT_TRUE(run.output.ends_with("\n  Picture: s.png\n"));
-  expectPng(readBytes(folder.file("s.png")));
+  const std::string png = readBytes(folder.file("s.png"));
+  expectPng(png);
+  EXPECT_EQ(std::string("\0\0\x06\x40\0\0\x04\xb0", 8), png.substr(16, 8));  // 1600 x 1200
   EXPECT_EQ(0, runZel(folder, kSunspots + "S.SVG --json").status);
   expectSvg(readBytes(folder.file("S.SVG")), "upper quartile 68.95");
   EXPECT_EQ(2, folder.count());
@@ -59,16 +60,64 @@ TEST(Picture, AwkwardData) {
   EXPECT_LT(readBytes(folder.file("x.svg")).size(), 200000U);
 }
 
+// Many variables, and some for which there is nothing to draw.
+TEST(Picture, OfSeveralVariables) {
+  const TempDir folder;
+  std::string names = "const,none,one,huge";
+  std::string rows[3] = {"5,,1,-1e308", "5,,,1.7e308", "5,,,0"};
+  const auto grow = [&](int from, int to) {
+    for (int i = from; i < to; ++i) {
+      names += ",x" + std::to_string(i);
+      for (int r = 0; r < 3; ++r) rows[r] += ',' + std::to_string((i + 1) * (r + 2) % 7);
+    }
+    writeBytes(folder.file("x.csv"),
+               names + '\n' + rows[0] + '\n' + rows[1] + '\n' + rows[2] + '\n');
+  };
+  const auto draw = [&](const std::string& command) {
+    const ZelRun run = runZel(folder, command + " x.csv --plot x.png");
+    EXPECT_EQ(0, run.status) << command << run.errors;
+    expectPng(readBytes(folder.file("x.png")));
+    std::filesystem::remove(folder.file("x.png"));
+  };
+  const auto expectTooMany = [&](const std::string& command, const std::string& numbers) {
+    zel_test::expectFailure(
+        runZel(folder, command + " x.csv --plot x.png"),
+        "the picture x.png was not written: it has room for " + numbers + " (--column chooses)");
+  };
+  grow(0, 1);
+  draw("describe");
+  draw("describe --column 1,2");
+  for (const char* columns : {"1,2", "3,4", "5,5,1", "4,5"}) {
+    draw("correlate --column " + std::string(columns));
+  }
+  grow(1, 40);
+  expectTooMany("describe", "40 variables, not 44");
+  draw("correlate");
+  grow(40, 97);
+  expectTooMany("correlate", "100 variables, not 101");
+
+  EXPECT_EQ(0, runZel(folder, "correlate '" ZEL_TEST_DATA "/iris.csv' --plot i.svg").status);
+  const std::string map = readBytes(folder.file("i.svg"));
+  for (const char* text : {"iris.csv", "n = 150", "Petal.Length", "−0.43", "0.96"}) {
+    expectSvg(map, text);
+  }
+}
+
 // Texts of the file are shown, never run.
 TEST(Picture, TextsAreNoCommands) {
   const TempDir folder;
   const std::string evil = "it's `touch a` '; system('touch b'); # {/Bold x}_y";
+  const std::string name = "`touch c`$'\\n';!touch d";
   writeBytes(folder.file("x.asc"),
-             evil + "\n1\n2\nFALSE TRUE FALSE\n\"`touch c` $'\\n'; !touch d\"\n1\n2\n");
-  const ZelRun run = runZel(folder, "describe x.asc --plot x.svg");
-  EXPECT_EQ(0, run.status) << run.errors;
-  EXPECT_EQ(2, folder.count());
-  expectSvg(readBytes(folder.file("x.svg")), evil);
+             evil + "\n2\n2\nFALSE TRUE FALSE\n\"" + name + "\" \"" + name + "\"\n1 2\n2 3\n");
+  for (const char* command : {"describe --column 1", "describe", "correlate"}) {
+    const ZelRun run = runZel(folder, std::string(command) + " x.asc --plot x.svg");
+    EXPECT_EQ(0, run.status) << run.errors;
+    EXPECT_EQ(2, folder.count());
+    const std::string picture = readBytes(folder.file("x.svg"));
+    expectSvg(picture, evil);
+    expectSvg(picture, name);
+  }
 }
 
 TEST(Picture, FailuresLeaveNothing) {
@@ -94,6 +143,8 @@ TEST(Picture, FailuresLeaveNothing) {
   expectFailure(kSunspots + "d.png", "", "d.png was not written: Is a directory");
   expectFailure(kSunspots + "full.png", "", "full.png was not written: No space left on device");
   expectFailure(kSunspots + "old.png", "ulimit -f 8;", old + "File too large");
+  expectFailure("correlate '" ZEL_TEST_DATA "/iris.csv' --plot full.png", "",
+                "full.png was not written: No space left on device");
   expectFailure("describe none.asc --plot old.png", "", old + "there are no values to draw");
   expectFailure(
       kSunspots + "old.png", "PATH=/nonexistent;",

@@ -2,6 +2,7 @@
 /// Runs the program zel as a user does.
 #pragma once
 
+#include <gtest/gtest.h>
 #include <sys/wait.h>
 
 #include <algorithm>
@@ -31,6 +32,13 @@ inline ZelRun runZel(const TempDir& folder, const std::string& arguments,
   const int status = std::system(command.c_str());
   return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, readBytes(results.file("out")),
           readBytes(results.file("err"))};
+}
+
+/// The program failed with one line on standard error and printed nothing else.
+inline void expectFailure(const ZelRun& run, const std::string& sentence) {
+  EXPECT_EQ(2, run.status) << sentence;
+  EXPECT_EQ("zel: " + sentence + '\n', run.errors);
+  EXPECT_EQ("", run.output);
 }
 
 /// An ASC file of one column without names.

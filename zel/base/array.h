@@ -337,7 +337,7 @@ class TDynArray {
     } else if (nothingKept) {
       ResetCells(FData, FData + old);
     } else {
-      ReshapeInPlace(shape, cells, old);
+      ReshapeInPlace(shape, old);
     }
     FShape = shape;
   }
@@ -353,7 +353,7 @@ class TDynArray {
   /// Cells beyond the size are always 0, so that growing within the capacity only has to move.
   /// Shrinking dimensions move runs toward the front, growing ones toward the back; a shape that
   /// does both goes through the shape of their common cells.
-  void ReshapeInPlace(const Shape& shape, std::size_t cells, std::size_t old) {
+  void ReshapeInPlace(const Shape& shape, std::size_t old) {
     Shape common;
     for (std::size_t d = 0; d < Rank; ++d) common[d] = std::min(FShape[d], shape[d]);
     std::size_t kept = 1;
@@ -374,7 +374,6 @@ class TDynArray {
         ResetCells(FData + from, FData + std::min(from + o.run, to));
       });
     }
-    static_cast<void>(cells);
   }
 
   template <class P>

@@ -1,8 +1,9 @@
 #include "zel/base/ascheader.h"
 
+#include <algorithm>
 #include <charconv>
 #include <fstream>
-#include <initializer_list>
+#include <utility>
 
 #include "zel/base/stringhelpers.h"
 #include "zel/base/wholefile.h"
@@ -43,20 +44,32 @@ bool parseFlag(std::string_view word, bool& flag) {
   return flag || EqualIgnoringCase(word, "FALSE");
 }
 
+template <class Source>
+int readInto(Source&& source, std::string& comment, int& columns, int& rows, bool& rowAttributes,
+             bool& columnNames, bool& rowNames, bool& nominal) {
+  TASCHeader header;
+  const int result = ReadHeaderOfASC(source, header);
+  comment = std::move(header.Comment);
+  columns = header.NCols;
+  rows = header.NRows;
+  rowAttributes = header.RowAttr;
+  columnNames = header.ColNames;
+  rowNames = header.RowNames;
+  nominal = header.Nominal;
+  return result;
+}
+
 }  // namespace
 
-int ReadHeaderOfASC(std::istream& f, std::string& Comment, int& NCols, int& NRows, bool& RowAttr,
-                    bool& ColNames, bool& RowNames, bool& Nominal) {
-  Comment.clear();
-  NCols = NRows = 0;
-  RowAttr = ColNames = RowNames = Nominal = false;
+int ReadHeaderOfASC(std::istream& f, TASCHeader& Header) {
+  Header = {};
   if (!f.good()) return -1;
   const auto failed = [&](int number) { return f.bad() ? -1 : number; };
 
-  if (!readLine(f, Comment)) return failed(1);
+  if (!readLine(f, Header.Comment)) return failed(1);
   std::string line;
-  if (!readLine(f, line) || !parseCount(line, NCols)) return failed(2);
-  if (!readLine(f, line) || !parseCount(line, NRows)) return failed(3);
+  if (!readLine(f, line) || !parseCount(line, Header.NCols)) return failed(2);
+  if (!readLine(f, line) || !parseCount(line, Header.NRows)) return failed(3);
   if (!readLine(f, line)) return failed(4);
   std::string_view rest = line;
   bool flags[4] = {};
@@ -65,18 +78,27 @@ int ReadHeaderOfASC(std::istream& f, std::string& Comment, int& NCols, int& NRow
     // The fourth flag may be missing, but must not be another word.
     if (!parseFlag(word, flags[i]) && !(i == 3 && word.empty())) return 4;
   }
-  RowAttr = flags[0];
-  ColNames = flags[1];
-  RowNames = flags[2];
-  Nominal = flags[3];
+  Header.RowAttr = flags[0];
+  Header.ColNames = flags[1];
+  Header.RowNames = flags[2];
+  Header.Nominal = flags[3];
   return 0;
+}
+
+int ReadHeaderOfASC(std::string_view FName, TASCHeader& Header) {
+  std::ifstream f;
+  OpenForReading(f, FName);
+  return ReadHeaderOfASC(f, Header);
+}
+
+int ReadHeaderOfASC(std::istream& f, std::string& Comment, int& NCols, int& NRows, bool& RowAttr,
+                    bool& ColNames, bool& RowNames, bool& Nominal) {
+  return readInto(f, Comment, NCols, NRows, RowAttr, ColNames, RowNames, Nominal);
 }
 
 int ReadHeaderOfASC(std::string_view FName, std::string& Comment, int& NCols, int& NRows,
                     bool& RowAttr, bool& ColNames, bool& RowNames, bool& Nominal) {
-  std::ifstream f;
-  OpenForReading(f, FName);
-  return ReadHeaderOfASC(f, Comment, NCols, NRows, RowAttr, ColNames, RowNames, Nominal);
+  return readInto(FName, Comment, NCols, NRows, RowAttr, ColNames, RowNames, Nominal);
 }
 
 }  // namespace zel

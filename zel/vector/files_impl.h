@@ -5,6 +5,7 @@
 #include <fstream>
 #include <limits>
 #include <type_traits>
+#include <utility>
 
 #include "zel/base/Zel_filesys.h"
 #include "zel/base/Zel_streams.h"
@@ -180,33 +181,26 @@ int TNumVector<T>::ImportASC(std::string_view FName, std::string& Comment) {
   if (!FileExists(FName)) return noSuchFile;
   std::ifstream file;
   if (!OpenForReading(file, FName)) return -1;
-  int columns = 0;
-  int rows = 0;
-  bool rowAttributes = false;
-  bool columnNames = false;
-  bool rowNames = false;
-  bool nominal = false;
-  const int header =
-      ReadHeaderOfASC(file, Comment, columns, rows, rowAttributes, columnNames, rowNames, nominal);
-  if (header != 0) return header;
-  if (columns > 1) return tooManyColumns;
+  TASCHeader header;
+  const int headerResult = ReadHeaderOfASC(file, header);
+  Comment = std::move(header.Comment);
+  if (headerResult != 0) return headerResult;
+  if (header.NCols > 1) return tooManyColumns;
 
   const auto skipName = [&] {
     std::string name;
     ReadQuotedName(file, '"', name);
   };
-  if (columnNames) {
-    for (int c = 0; c < columns; ++c) skipName();
-  }
+  if (header.ColNames && header.NCols == 1) skipName();
 
   TPositions read;
   int result = 0;
-  ReadPositions(1, rows, read, [&](T& value) {
-    if (double attribute = 0; rowAttributes && !ReadNumber(file, attribute)) {
+  ReadPositions(1, header.NRows, read, [&](T& value) {
+    if (double attribute = 0; header.RowAttr && !ReadNumber(file, attribute)) {
       result = badAttribute;
       return TReadResult::ended;
     }
-    if (rowNames) skipName();
+    if (header.RowNames) skipName();
     const std::string word = ReadNextWordInTextFile(file);
     if (word == "NAN" || word == "###") {
       value = 0;
@@ -223,7 +217,7 @@ int TNumVector<T>::ImportASC(std::string_view FName, std::string& Comment) {
   if (file.bad()) throw EInOutError("ImportASC: error while reading " + std::string(FName));
 
   // A failing row counts: the vector ends with it, and its element is what it was before.
-  Resize(result == 0 ? rows : static_cast<int>(read.values.size()) + 1);
+  Resize(result == 0 ? header.NRows : static_cast<int>(read.values.size()) + 1);
   StoreQuietly(0, read);
   Changed();
   return result;

@@ -1,0 +1,135 @@
+// zel correlate against R, and what it says.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "tests/tools/json_fields.h"
+#include "tests/tools/run_zel.h"
+
+namespace {
+
+using zel_test::expectFailure;
+using zel_test::JsonFields;
+using zel_test::runZel;
+using zel_test::TempDir;
+using zel_test::writeBytes;
+using zel_test::ZelRun;
+
+constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
+
+/// Compares the upper triangle, row by row, and the symmetry.
+void expectCorrelations(const JsonFields& json, int k, const std::vector<double>& upper) {
+  auto expected = upper.begin();
+  for (int i = 0; i < k; ++i) {
+    for (int j = i; j < k; ++j, ++expected) {
+      const auto path = [](int a, int b) {
+        return "correlation/" + std::to_string(a) + '/' + std::to_string(b);
+      };
+      EXPECT_EQ(json.text(path(i, j)), json.text(path(j, i)));
+      if (std::isnan(*expected)) {
+        EXPECT_EQ("null", json.text(path(i, j))) << path(i, j);
+      } else {
+        EXPECT_NEAR(*expected, json.number(path(i, j)), 2e-15) << path(i, j);
+      }
+    }
+  }
+}
+
+// R 4.2.2: cor(iris[, 1:4]), cor(USArrests)
+TEST(Correlate, RealDataAsR) {
+  const TempDir folder;
+  const ZelRun iris = runZel(folder, "correlate '" ZEL_TEST_DATA "/iris.csv' --json");
+  EXPECT_EQ(0, iris.status);
+  EXPECT_TRUE(iris.errors.ends_with(": column \"Species\" is left out: it holds text\n"));
+  expectCorrelations(JsonFields(iris.output), 4,
+                     {1, -0.11756978413300206, 0.87175377588658320, 0.81794112627157578, 1,
+                      -0.42844010433053969, -0.36612593253643910, 1, 0.96286543140279601, 1});
+  const ZelRun arrests = runZel(folder, "correlate '" ZEL_TEST_DATA "/USArrests.csv' --json");
+  EXPECT_EQ("", arrests.errors);
+  const JsonFields json(arrests.output);
+  expectCorrelations(json, 4,
+                     {1, 0.80187331172494036, 0.069572621735993434, 0.56357883295771927, 1,
+                      0.25887170195299936, 0.66524122970040811, 1, 0.41134123562409930, 1});
+  EXPECT_EQ("50", json.text("rows"));
+  EXPECT_EQ("Murder", json.text("variables/0/name"));
+  EXPECT_EQ("2", json.text("variables/0/column"));
+  EXPECT_EQ("50", json.text("n/3/0"));
+}
+
+// R 4.2.2: cor(cbind(x, y, z), use = "pairwise.complete.obs"); one is constant where x is known,
+// few has one value.
+TEST(Correlate, PairsWithoutMissingValues) {
+  const TempDir folder;
+  writeBytes(folder.file("x.csv"),
+             "x,y,z,one,few\n1,2,10,1,\n2,1,NA,1,\n,4,NA,5,\n4,NA,7,1,3\n5,3.5,7,1,\n6,6,2,1,\n"
+             "7.5,5,3,1,\n");
+  const JsonFields json(runZel(folder, "correlate x.csv --json").output);
+  expectCorrelations(json, 5,
+                     {1, 0.87747450566564622, -0.90236475632612922, kNone, kNone,  //
+                      1, -0.99183659813417557, json.number("correlation/1/3"), kNone, 1, kNone,
+                      kNone, 1, kNone, kNone});
+  EXPECT_NE("null", json.text("correlation/1/3"));
+  EXPECT_EQ("5", json.text("n/0/1"));
+  EXPECT_EQ("1", json.text("n/4/4"));
+  EXPECT_EQ(R"(x.csv: 3 variables, 7 rows
+
+  Pearson correlation, n = 1 to 7
+
+            x     one  few
+  x    1.0000  -         -
+  one  -       1.0000    -
+  few  -       -         -
+
+  n, the rows in which neither value is missing
+
+       x  one  few
+  x    6    6    1
+  one  6    7    1
+  few  1    1    1
+)",
+            runZel(folder, "correlate x.csv --ascii --column 1,one,few").output);
+}
+
+// The columns of long names are numbered; the values of a double reach far.
+TEST(Correlate, LongNamesAndExtremeValues) {
+  const TempDir folder;
+  writeBytes(folder.file("x.asc"),
+             "Extremes\n3\n3\nFALSE TRUE FALSE\n\"with a long name\" tiny huge\n"
+             "1 1e-300 -1e300\n2 2e-300 -2e300\n4 4e-300 -4e300\n");
+  EXPECT_EQ(R"(x.asc: 3 variables, 3 rows
+Extremes
+
+  Pearson correlation, n = 3
+
+                             1        2        3
+  1  with a long name   1.0000   1.0000  -1.0000
+  2  tiny               1.0000   1.0000  -1.0000
+  3  huge              -1.0000  -1.0000   1.0000
+)",
+            runZel(folder, "correlate x.asc").output);
+}
+
+TEST(Correlate, Refusals) {
+  const TempDir folder;
+  writeBytes(folder.file("one.csv"), "a,b\n1,s\n2,s\n");
+  expectFailure(runZel(folder, "correlate one.csv"),
+                "one.csv has one column of numbers, and a correlation takes two");
+  writeBytes(folder.file("x.csv"), "a,b\n1,2\n2,3\n");
+  expectFailure(runZel(folder, "correlate x.csv --column a --column 1"),
+                "--column names one column, and a correlation takes two");
+  expectFailure(runZel(folder, "correlate none.csv"),
+                "none.csv cannot be opened: No such file or directory");
+  expectFailure(runZel(folder, "correlate x.csv --plot x.gif"),
+                "the picture x.gif must have a name that ends in .png or .svg");
+  expectFailure(runZel(folder, "correlate --frobnicate"),
+                "FILE is required (zel correlate --help shows how)");
+  const std::string help = runZel(folder, "correlate --help").output;
+  for (const char* word : {"--column", "--plot", "Pearson", "CSV", "Examples:", "Exit status:"}) {
+    EXPECT_NE(std::string::npos, help.find(word)) << word;
+  }
+}
+
+}  // namespace

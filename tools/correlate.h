@@ -1,0 +1,32 @@
+/// @file
+/// The command zel correlate.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "result.h"
+
+namespace CLI {
+class App;
+}
+
+namespace tool {
+
+/// What the command line asks for.
+struct CorrelateOptions {
+  std::string file;
+  std::vector<std::string> columns;  // empty: all
+  std::string picture;               // empty: none
+  bool json = false;
+  bool ascii = false;
+};
+
+/// Adds the command with its options and help; parsing fills the options.
+CLI::App* addCorrelate(CLI::App& program, CorrelateOptions& options);
+
+/// Does what the options ask for.
+/// @throws Failure  nothing was written then
+Result correlate(const CorrelateOptions& options);
+
+}  // namespace tool

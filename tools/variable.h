@@ -1,0 +1,47 @@
+/// @file
+/// Variables: the columns of a table that a command works on, without their missing cells.
+#pragma once
+
+#include <span>
+#include <string>
+#include <vector>
+
+#include "table_file.h"
+
+namespace tool {
+
+/// A column as a sample. Rows are numbered from 1.
+struct Variable {
+  std::string name;                       // may be empty
+  std::string title;                      // what to call it if it is one of several
+  int number = 0;                         // of the column in the file
+  std::vector<double> values;             // those present, in the order of the rows
+  std::vector<int> missingRows;           // ascending
+  std::span<const std::string> rowNames;  // the table's
+
+  /// Row of a value.
+  /// @param position  1-based among the values present
+  [[nodiscard]] int rowOf(int position) const;
+};
+
+/// The values of a column without those in the given rows.
+/// @param rows  ascending
+std::vector<double> withoutRows(std::span<const double> values, const std::vector<int>& rows);
+
+/// @param c  position in table.columns, from 0
+Variable variableOf(const Table& table, std::size_t c);
+
+/// Columns that a command shall work on.
+struct ColumnChoice {
+  std::vector<std::size_t> columns;  // positions in table.columns
+  std::string note;                  // says which columns of text are left out; or empty
+};
+
+/// The columns with the given names or numbers, each once and in this order; all columns of numbers
+/// if none is given.
+/// @param wanted  each a name, a number among all columns of the file, or several, with commas
+/// between
+/// @throws Failure  there is no such column, or it has other words than numbers in it
+ColumnChoice chooseColumns(const Table& table, const std::vector<std::string>& wanted);
+
+}  // namespace tool
