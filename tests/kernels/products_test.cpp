@@ -106,7 +106,7 @@ void checkProducts(std::size_t rows, std::size_t columns, std::size_t inner) {
 // Up to the largest product that is not packed, and of packed ones every number of rows and columns
 // up to more than a tile of any instruction set, with inner extents around the tiles of the
 // packing.
-TEST(Products, EveryRemainder) {
+TEST(MatrixProducts, EveryRemainder) {
   std::size_t turn = 0;
   for (std::size_t rows = 0; rows <= 16; ++rows) {
     for (std::size_t columns = 0; columns <= 17; ++columns) {
@@ -121,7 +121,7 @@ TEST(Products, EveryRemainder) {
   for (std::size_t n = 20; n <= 70; n += 5) checkProducts(n, 71 - n, n);
 }
 
-TEST(Products, AroundTheBlocks) {
+TEST(MatrixProducts, AroundTheBlocks) {
   checkProducts(95, 3, 383);
   checkProducts(96, 5, 384);
   checkProducts(97, 10, 385);
@@ -161,7 +161,7 @@ std::vector<double> hostileFactors() {
 
 // One multiply-add per cell. The summands cancel the product, or nearly, or put the sum next to the
 // middle of two numbers, where rounding twice goes wrong, or have nothing to do with it.
-TEST(Products, OneRoundingForEveryValue) {
+TEST(MatrixProducts, OneRoundingForEveryValue) {
   std::vector<double> factors = hostileFactors();
   const std::size_t n = factors.size();
   std::mt19937_64 random(23);
@@ -201,7 +201,7 @@ TEST(Products, OneRoundingForEveryValue) {
   }
 }
 
-TEST(Products, MatrixTimesVector) {
+TEST(MatrixProducts, MatrixTimesVector) {
   const std::size_t extents[] = {0, 1, 2, 3, 4, 5, 7, 8, 9, 15, 16, 17, 31, 35, 70};
   const auto check = [](std::size_t rows, std::size_t columns) {
     SCOPED_TRACE(testing::Message() << rows << " x " << columns);
@@ -229,7 +229,7 @@ TEST(Products, MatrixTimesVector) {
 }
 
 // The columns in several calls, each of which writes its own cells only.
-TEST(Products, SquareByRunsOfColumns) {
+TEST(MatrixProducts, SquareByRunsOfColumns) {
   const std::pair<std::size_t, std::size_t> shapes[] = {{0, 3},   {1, 1},    {3, 2},   {5, 12},
                                                         {385, 9}, {384, 33}, {40, 70}, {770, 61}};
   std::mt19937_64 random(3);
@@ -266,7 +266,7 @@ TEST(Products, SquareByRunsOfColumns) {
   }
 }
 
-TEST(Products, SquareOfManyColumns) {
+TEST(MatrixProducts, SquareOfManyColumns) {
   constexpr std::size_t n = 2060;  // more than a block
   Spaced a(2, n, normal());
   std::vector<double> r(n * n);
@@ -279,7 +279,7 @@ TEST(Products, SquareOfManyColumns) {
   EXPECT_EQ(wrong, 0u);
 }
 
-TEST(Products, Transpose) {
+TEST(MatrixProducts, Transpose) {
   const std::size_t extents[] = {0, 1, 2, 3, 7, 8, 9, 12, 16, 31, 32, 33, 70};
   test::forEachTarget([&] {
     for (const std::size_t rows : extents) {
@@ -305,7 +305,7 @@ TEST(Products, Transpose) {
   });
 }
 
-TEST(Products, FailedAllocationLeavesTheResult) {
+TEST(MatrixProducts, FailedAllocationLeavesTheResult) {
   Spaced a(100, 100, normal());
   Spaced r(100, 100, [] { return kUntouched; });
   const auto expectRefused = [&](const std::function<void()>& call) {
