@@ -30,7 +30,7 @@ HWY_NOINLINE V fusedByNumber(V a, V b, V c) {
 /// a * b + c with one rounding: the exact product and the exact sum leave three parts, of which the
 /// two smaller are added with rounding to odd, so that the last addition rounds like one of all
 /// three (Boldo and Melquiond, IEEE Trans. Comput. 57 (2008) 462). Holds while no part leaves the
-/// range of doubles.
+/// range of doubles; a NaN fails the test of that or ends up in the sum.
 template <class V>
 HWY_INLINE V fusedMultiplyAdd(V a, V b, V c) {
   const hn::DFromV<V> d;

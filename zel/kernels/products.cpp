@@ -10,6 +10,14 @@ namespace zel::kernels {
 
 namespace {
 
+constexpr std::size_t kSmall = 16;
+
+/// Packing the factors would cost more than it saves.
+bool isThin(Factor asA, std::size_t rows, std::size_t columns, std::size_t inner) {
+  if (std::max({rows, columns, inner}) <= kSmall) return true;
+  return asA == Factor::plain && (inner <= 8 || (columns <= 8 && inner <= 64));
+}
+
 /// Rows r.. and columns c.. of a factor as it enters the product.
 ConstMatrix part(ConstMatrix m, Factor as, std::size_t r, std::size_t c, std::size_t rows,
                  std::size_t columns) {
@@ -20,6 +28,16 @@ void addProduct(ConstMatrix a, Factor asA, ConstMatrix b, Factor asB, bool isNeg
                 Matrix c) {
   if (c.empty()) return;
   const std::size_t inner = asA == Factor::plain ? a.columns : a.rows;
+  const Lines linesOfB = asB == Factor::plain ? Lines::columns : Lines::rows;
+  if (isThin(asA, c.rows, c.columns, inner)) {
+    double plain[kSmall * kSmall];
+    if (asA == Factor::transposed) {
+      transpose(a, {plain, c.rows, inner, c.rows});
+      a = {plain, c.rows, inner, c.rows};
+    }
+    multiplyUnpacked(a, isNegated, b, linesOfB, start, c);
+    return;
+  }
   const std::size_t depthBlock = std::min(inner, kDepthBlock);
   const std::size_t leftSize = paddedLines(std::min(c.rows, kRowBlock)) * depthBlock;
   const std::size_t rightSize = paddedLines(std::min(c.columns, kColumnBlock)) * depthBlock;
@@ -30,8 +48,7 @@ void addProduct(ConstMatrix a, Factor asA, ConstMatrix b, Factor asB, bool isNeg
     const std::size_t columns = std::min(kColumnBlock, c.columns - j);
     for (std::size_t k = 0; k < inner; k += kDepthBlock) {
       const std::size_t depth = std::min(kDepthBlock, inner - k);
-      packStrips(part(b, asB, k, j, depth, columns),
-                 asB == Factor::plain ? Lines::columns : Lines::rows, false, right);
+      packStrips(part(b, asB, k, j, depth, columns), linesOfB, false, right);
       for (std::size_t i = 0; i < c.rows; i += kRowBlock) {
         const std::size_t rows = std::min(kRowBlock, c.rows - i);
         packStrips(part(a, asA, i, k, rows, depth),

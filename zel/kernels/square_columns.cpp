@@ -9,6 +9,10 @@ namespace zel::kernels {
 
 namespace {
 
+// Columns beyond the range are packed a few at a time, so that they stay in the second-level cache.
+constexpr std::size_t kOthers = 48;
+static_assert(kOthers % kStripGroup == 0);
+
 /// Divides rows first..last-1 of the upper triangle and copies them below the diagonal, block by
 /// block, since one of the two runs across the columns.
 void divideAndMirror(double divisor, std::size_t first, std::size_t last, Matrix r) {
@@ -36,29 +40,29 @@ void squareColumns(ConstMatrix a, double divisor, std::size_t first, std::size_t
   const std::size_t rows = last - first;
   const std::size_t columns = a.columns - first;
   const std::size_t depthBlock = std::min(a.rows, kDepthBlock);
-  const std::size_t leftSize = paddedLines(std::min(rows, kRowBlock)) * depthBlock;
-  const Scratch scratch(leftSize + paddedLines(std::min(columns, kColumnBlock)) * depthBlock);
-  double* const left = scratch.data();
-  double* const right = left + leftSize;
+  const std::size_t ownSize = paddedLines(rows) * depthBlock;
+  const Scratch scratch(ownSize + kOthers * depthBlock);
+  double* const own = scratch.data();
+  double* const others = own + ownSize;
   if (a.rows == 0) {
     for (std::size_t j = first; j < a.columns; ++j) std::fill_n(r.column(j) + first, rows, 0.0);
   }
   for (std::size_t k = 0; k < a.rows; k += kDepthBlock) {
     const std::size_t depth = std::min(kDepthBlock, a.rows - k);
-    const Start start = k == 0 ? Start::zero : Start::present;
-    for (std::size_t j = 0; j < columns; j += kColumnBlock) {
-      const std::size_t width = std::min(kColumnBlock, columns - j);
-      packStrips(a.block(k, first + j, depth, width), Lines::columns, false, right);
+    packStrips(a.block(k, first, depth, rows), Lines::columns, false, own);
+    for (std::size_t j = 0; j < columns;) {
+      const bool isOwn = j < rows;
+      const std::size_t width =
+          isOwn ? std::min(kColumnBlock, rows - j) : std::min(kOthers, columns - j);
+      if (!isOwn) packStrips(a.block(k, first + j, depth, width), Lines::columns, false, others);
       for (std::size_t i = 0; i < std::min(rows, j + width); i += kRowBlock) {
         const std::size_t height = std::min(kRowBlock, rows - i);
-        const bool isPacked = i >= j && i + height <= j + width;
-        if (!isPacked) {
-          packStrips(a.block(k, first + i, depth, height), Lines::columns, false, left);
-        }
-        multiplyStrips(isPacked ? right + (i - j) * depth : left, right, depth, start,
+        multiplyStrips(own + i * depth, isOwn ? own + j * depth : others, depth,
+                       k == 0 ? Start::zero : Start::present,
                        static_cast<std::ptrdiff_t>(j) - static_cast<std::ptrdiff_t>(i),
                        r.block(first + i, first + j, height, width));
       }
+      j += width;
     }
   }
   divideAndMirror(divisor, first, last, r);

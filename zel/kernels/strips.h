@@ -45,4 +45,11 @@ enum class Start : std::uint8_t { zero, present };
 void multiplyStrips(const double* left, const double* right, std::size_t depth, Start start,
                     std::ptrdiff_t diagonal, Matrix c);
 
+/// The same straight from the factors, of which the left one is plain: faster than packing them if
+/// they are small or thin.
+/// @param lines      what holds the lines of b: its columns if it is plain
+/// @param isNegated  changes the signs of a
+void multiplyUnpacked(ConstMatrix a, bool isNegated, ConstMatrix b, Lines lines, Start start,
+                      Matrix c);
+
 }  // namespace zel::kernels

@@ -33,6 +33,7 @@ constexpr std::size_t kColumns = 8;
 constexpr std::size_t kColumns = 4;
 #endif
 constexpr std::size_t kStrips = HWY_NATIVE_FMA ? 3 : 1;
+constexpr std::size_t kLine = 8;  // numbers in a cache line
 static_assert(kColumns % kTile == 0 && kStripGroup % kColumns == 0);
 
 /// Strips whose lines are contiguous: a vector per depth. Some columns at a time, so that their
@@ -68,6 +69,12 @@ void packColumns(const ConstMatrix& part, TileVec sign, double* HWY_RESTRICT to)
     double* const strip = to + c * depth;
     std::size_t k = 0;
     for (; k + kTile <= depth; k += kTile) {
+      // The columns are short pieces of long ones, too short for the machine to foresee the next.
+      if (k % kLine == 0) {
+        for (std::size_t i = 0; i < kTile; ++i) {
+          hwy::Prefetch(part.column(std::min(c + kTile + i, part.columns - 1)) + k);
+        }
+      }
       TileVec v[kTile];
       for (std::size_t i = 0; i < kTile; ++i) {
         v[i] = i < lines ? hn::LoadU(d, part.column(c + i) + k) : hn::Zero(d);
@@ -100,7 +107,6 @@ struct Ahead {
   const double* cells;  // the next tile of the result
 };
 
-constexpr std::size_t kLine = 8;  // numbers in a cache line
 // Lines of the next columns' strips that are fetched every kLine depths, so few that they do not
 // hold up the strips in use. Four tiles fetch all.
 constexpr std::size_t kTilesAhead = 4;
@@ -203,6 +209,50 @@ void multiplyAll(const double* left, const double* right, std::size_t depth, Sta
   }
 }
 
+/// Cells of one vector of rows and kWidth columns, straight from the factors.
+template <std::size_t kWidth, class D>
+HWY_INLINE void multiplyCells(D d, const ConstMatrix& a, hn::Vec<D> sign, const double* b,
+                              std::size_t nextDepth, std::size_t nextColumn, Start start, double* c,
+                              std::size_t stride) {
+  hn::Vec<D> sum[kWidth];
+  for (std::size_t j = 0; j < kWidth; ++j) {
+    sum[j] = start == Start::zero ? hn::Zero(d) : hn::LoadU(d, c + j * stride);
+  }
+  for (std::size_t k = 0; k < a.columns; ++k) {
+    const hn::Vec<D> rows = hn::Xor(hn::LoadU(d, a.column(k)), sign);
+    for (std::size_t j = 0; j < kWidth; ++j) {
+      sum[j] = fusedMultiplyAdd(rows, hn::Set(d, b[k * nextDepth + j * nextColumn]), sum[j]);
+    }
+  }
+  for (std::size_t j = 0; j < kWidth; ++j) hn::StoreU(sum[j], d, c + j * stride);
+}
+
+void multiplyDirectly(const ConstMatrix& a, bool isNegated, const ConstMatrix& b, Lines lines,
+                      Start start, const Matrix& c) {
+  const TileTag d;
+  const hn::CappedTag<double, 1> one;
+  const double sign = isNegated ? -0.0 : 0.0;
+  const std::size_t nextDepth = lines == Lines::columns ? 1 : b.stride;
+  const std::size_t nextColumn = lines == Lines::columns ? b.stride : 1;
+  const auto multiplyColumns = [&](auto width, std::size_t j) HWY_ATTR {
+    const double* const columns = b.data + j * nextColumn;
+    std::size_t i = 0;
+    for (; i + kTile <= c.rows; i += kTile) {
+      multiplyCells<width()>(d, a.block(i, 0, kTile, a.columns), hn::Set(d, sign), columns,
+                             nextDepth, nextColumn, start, c.column(j) + i, c.stride);
+    }
+    for (; i < c.rows; ++i) {
+      multiplyCells<width()>(one, a.block(i, 0, 1, a.columns), hn::Set(one, sign), columns,
+                             nextDepth, nextColumn, start, c.column(j) + i, c.stride);
+    }
+  };
+  std::size_t j = 0;
+  for (; j + 4 <= c.columns; j += 4) {
+    multiplyColumns(std::integral_constant<std::size_t, 4>(), j);
+  }
+  for (; j < c.columns; ++j) multiplyColumns(std::integral_constant<std::size_t, 1>(), j);
+}
+
 }  // namespace
 }  // namespace zel::kernels::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
@@ -212,6 +262,7 @@ namespace zel::kernels {
 
 HWY_EXPORT(pack);
 HWY_EXPORT(multiplyAll);
+HWY_EXPORT(multiplyDirectly);
 
 void packStrips(ConstMatrix part, Lines lines, bool isNegated, double* to) {
   HWY_DYNAMIC_DISPATCH(pack)(part, lines, isNegated, to);
@@ -220,6 +271,11 @@ void packStrips(ConstMatrix part, Lines lines, bool isNegated, double* to) {
 void multiplyStrips(const double* left, const double* right, std::size_t depth, Start start,
                     std::ptrdiff_t diagonal, Matrix c) {
   HWY_DYNAMIC_DISPATCH(multiplyAll)(left, right, depth, start, diagonal, c);
+}
+
+void multiplyUnpacked(ConstMatrix a, bool isNegated, ConstMatrix b, Lines lines, Start start,
+                      Matrix c) {
+  HWY_DYNAMIC_DISPATCH(multiplyDirectly)(a, isNegated, b, lines, start, c);
 }
 
 }  // namespace zel::kernels

@@ -18,54 +18,64 @@ namespace hn = hwy::HWY_NAMESPACE;
 
 #include "zel/kernels/square_tile-inl.h"
 
-// A cell of eight by eight fills whole cache lines in both matrices.
+// Tiles are handled in cells of eight by eight, which fill whole cache lines in both matrices, and
+// cells in blocks of few columns, for the sake of the translation buffers.
 constexpr std::size_t kCell = 8;
-// Few enough columns for the translation buffers, which matter more than the caches here.
-#ifndef TB
-#define TB 32
-#endif
-constexpr std::size_t kBlock = TB;
+constexpr std::size_t kBlock = 32;
 
-struct CellVecs {
-  TileVec v[kCell][kCell / kTile];
-};
-
-/// The cell transposed.
-HWY_INLINE CellVecs loadTransposed(const double* from, std::size_t stride) {
-  const TileTag d;
-  CellVecs cell;
-  for (std::size_t c = 0; c < kCell / kTile; ++c) {
-    for (std::size_t r = 0; r < kCell / kTile; ++r) {
-      TileVec tile[kTile];
-      for (std::size_t i = 0; i < kTile; ++i) {
-        tile[i] = hn::LoadU(d, from + (c * kTile + i) * stride + r * kTile);
-      }
-      transposeTile(tile);
-      for (std::size_t i = 0; i < kTile; ++i) cell.v[r * kTile + i][c] = tile[i];
-    }
-  }
-  return cell;
+HWY_INLINE void loadTransposed(const double* from, std::size_t stride, TileVec (&tile)[kTile]) {
+  for (std::size_t i = 0; i < kTile; ++i) tile[i] = hn::LoadU(TileTag(), from + i * stride);
+  transposeTile(tile);
 }
 
-HWY_INLINE void store(const CellVecs& cell, double* to, std::size_t stride) {
-  for (std::size_t i = 0; i < kCell; ++i) {
-    for (std::size_t c = 0; c < kCell / kTile; ++c) {
-      hn::StoreU(cell.v[i][c], TileTag(), to + i * stride + c * kTile);
+HWY_INLINE void store(const TileVec (&tile)[kTile], double* to, std::size_t stride) {
+  for (std::size_t i = 0; i < kTile; ++i) hn::StoreU(tile[i], TileTag(), to + i * stride);
+}
+
+/// Calls tile(r, c) for each tile of the whole cells, then rest(r, c) for each other element.
+template <class Tile, class Rest>
+HWY_INLINE void forTiles(std::size_t rows, std::size_t columns, Tile tile, Rest rest) {
+  const std::size_t cellRows = rows / kCell * kCell;
+  const std::size_t cellColumns = columns / kCell * kCell;
+  for (std::size_t c = 0; c < cellColumns; c += kCell) {
+    for (std::size_t r = 0; r < cellRows; r += kCell) {
+      for (std::size_t i = r; i < r + kCell; i += kTile) {
+        for (std::size_t j = c; j < c + kCell; j += kTile) tile(i, j);
+      }
     }
+  }
+  for (std::size_t c = 0; c < columns; ++c) {
+    for (std::size_t r = c < cellColumns ? cellRows : 0; r < rows; ++r) rest(r, c);
   }
 }
 
 void transposeBlock(const ConstMatrix& from, const Matrix& to) {
-  const std::size_t rows = from.rows / kCell * kCell;
-  const std::size_t columns = from.columns / kCell * kCell;
-  for (std::size_t r = 0; r < rows; r += kCell) {
-    for (std::size_t c = 0; c < columns; c += kCell) {
-      store(loadTransposed(from.column(c) + r, from.stride), to.column(r) + c, to.stride);
-    }
-  }
-  for (std::size_t c = 0; c < from.columns; ++c) {
-    for (std::size_t r = c < columns ? rows : 0; r < from.rows; ++r) to(c, r) = from(r, c);
-  }
+  forTiles(
+      from.rows, from.columns,
+      [&](std::size_t r, std::size_t c) HWY_ATTR {
+        TileVec tile[kTile];
+        loadTransposed(from.column(c) + r, from.stride, tile);
+        store(tile, to.column(r) + c, to.stride);
+      },
+      [&](std::size_t r, std::size_t c) { to(c, r) = from(r, c); });
+}
+
+/// Exchanges the block above the diagonal with its mirror image below it.
+void exchangeBlocks(const Matrix& upper, const Matrix& lower) {
+  const std::size_t stride = upper.stride;
+  forTiles(
+      upper.rows, upper.columns,
+      [&](std::size_t r, std::size_t c) HWY_ATTR {
+        double* const above = upper.column(c) + r;
+        double* const below = lower.column(r) + c;
+        TileVec tile[kTile];
+        TileVec mirror[kTile];
+        loadTransposed(above, stride, tile);
+        loadTransposed(below, stride, mirror);
+        store(tile, below, stride);
+        store(mirror, above, stride);
+      },
+      [&](std::size_t r, std::size_t c) { std::swap(upper(r, c), lower(c, r)); });
 }
 
 void transposeAll(const ConstMatrix& from, const Matrix& to) {
@@ -78,37 +88,24 @@ void transposeAll(const ConstMatrix& from, const Matrix& to) {
   }
 }
 
-/// Exchanges the block above the diagonal with its mirror image below it.
-void exchangeBlocks(const Matrix& upper, const Matrix& lower) {
-  const std::size_t rows = upper.rows / kCell * kCell;
-  const std::size_t columns = upper.columns / kCell * kCell;
-  for (std::size_t c = 0; c < columns; c += kCell) {
-    for (std::size_t r = 0; r < rows; r += kCell) {
-      double* const above = upper.column(c) + r;
-      double* const below = lower.column(r) + c;
-      const CellVecs cell = loadTransposed(above, upper.stride);
-      store(loadTransposed(below, upper.stride), above, upper.stride);
-      store(cell, below, upper.stride);
+/// Blocks on the diagonal are transposed by cells, and cells on the diagonal one by one.
+void transposeByBlocks(const Matrix& a, std::size_t block) {
+  for (std::size_t c = 0; c < a.columns; c += block) {
+    const std::size_t columns = std::min(block, a.columns - c);
+    for (std::size_t r = 0; r < c; r += block) {
+      exchangeBlocks(a.block(r, c, block, columns), a.block(c, r, columns, block));
     }
-  }
-  for (std::size_t c = 0; c < upper.columns; ++c) {
-    for (std::size_t r = c < columns ? rows : 0; r < upper.rows; ++r) {
-      std::swap(upper(r, c), lower(c, r));
-    }
-  }
-}
-
-void transposeInPlace(const Matrix& a) {
-  for (std::size_t c = 0; c < a.columns; c += kBlock) {
-    const std::size_t columns = std::min(kBlock, a.columns - c);
-    for (std::size_t r = 0; r < c; r += kBlock) {
-      exchangeBlocks(a.block(r, c, kBlock, columns), a.block(c, r, columns, kBlock));
+    if (block > kCell) {
+      transposeByBlocks(a.block(c, c, columns, columns), kCell);
+      continue;
     }
     for (std::size_t i = c; i < c + columns; ++i) {
       for (std::size_t j = c; j < i; ++j) std::swap(a(i, j), a(j, i));
     }
   }
 }
+
+void transposeInPlace(const Matrix& a) { transposeByBlocks(a, kBlock); }
 
 }  // namespace
 }  // namespace zel::kernels::HWY_NAMESPACE
