@@ -20,9 +20,11 @@ namespace zel {
 
 namespace {
 
-/// Columns computed together at most: enough to use the product kernel well, few enough that an
-/// abort is soon noticed.
-constexpr std::size_t kLongestRun = 64;
+/// Columns computed together: enough to use the product kernel well, which reads all columns behind
+/// the first for each run, few enough that an abort is soon noticed.
+constexpr std::size_t kRun = 96;
+/// The shortest run of a worker, if there are enough columns for every worker.
+constexpr std::size_t kShortestRun = 32;
 
 /// Columns first..last-1; without storage for the kernel by the plain loop, which has the same
 /// bits.
@@ -43,7 +45,7 @@ void SquareRun(kernels::ConstMatrix a, double norm, std::size_t first, std::size
 
 bool SquareSerially(kernels::ConstMatrix a, double norm, kernels::Matrix r) {
   for (std::size_t first = 0; first < a.columns;) {
-    const std::size_t end = std::min(first + kLongestRun, a.columns);
+    const std::size_t end = std::min(first + kRun, a.columns);
     std::size_t last = first;
     for (; last < end && !AbortMathProc; ++last) ProgressStep();
     SquareRun(a, norm, first, last, r);
@@ -58,13 +60,28 @@ struct TSquareJob {
   kernels::ConstMatrix a;
   double norm;
   kernels::Matrix r;
-  std::size_t run;
-  std::atomic<std::size_t> next = 0;
+  std::size_t threads;
   std::atomic<bool> stop = false;
   std::mutex mutex{};
   std::condition_variable news{};
-  std::size_t events = 0;   // runs and workers that came to their end; under the mutex
-  std::size_t running = 0;  // workers; under the mutex
+  // Under the mutex:
+  std::size_t next = 0;     // first column that nobody has taken
+  std::size_t events = 0;   // runs and workers that came to their end
+  std::size_t running = 0;  // workers
+
+  /// Takes the next run: half of a worker's share of the columns that are left. Their columns grow
+  /// shorter, so the last runs are small and the workers end together.
+  /// @return false if no column is left, or the work is to stop
+  bool Take(std::size_t& first, std::size_t& last) {
+    const std::lock_guard lock(mutex);
+    const std::size_t left = a.columns - next;
+    if (left == 0 || stop) return false;
+    const std::size_t shortest = std::clamp<std::size_t>(a.columns / threads, 1, kShortestRun);
+    const std::size_t run = std::clamp<std::size_t>(left / (2 * threads), shortest, kRun);
+    first = next;
+    last = next = first + std::min(run, left);
+    return true;
+  }
 };
 
 /// Takes runs of columns until none is left.
@@ -75,10 +92,9 @@ class TSquareWorker : public TMatSq1ColThread {
 
  protected:
   void Execute() override {
-    while (!FJob.stop) {
-      const std::size_t first = FJob.next.fetch_add(FJob.run);
-      if (first >= FJob.a.columns) break;
-      const std::size_t last = std::min(first + FJob.run, FJob.a.columns);
+    std::size_t first = 0;
+    std::size_t last = 0;
+    while (FJob.Take(first, last)) {
       SquareRun(FJob.a, FJob.norm, first, last, FJob.r);
       ProcStat += static_cast<double>(last - first);
       Tell(0);
@@ -127,8 +143,7 @@ class TSquareWorkers {
 
 bool SquareByThreads(kernels::ConstMatrix a, double norm, kernels::Matrix r, std::size_t threads) {
   if (AbortMathProc) return false;
-  const std::size_t run = std::clamp<std::size_t>(a.columns / (4 * threads), 1, kLongestRun);
-  TSquareJob job{.a = a, .norm = norm, .r = r, .run = run};
+  TSquareJob job{.a = a, .norm = norm, .r = r, .threads = threads};
   TSquareWorkers workers(job);
   std::size_t started = 0;
   while (started < threads && workers.Start()) ++started;
