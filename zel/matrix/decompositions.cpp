@@ -56,7 +56,8 @@ bool TMatrix::Invert() {
     inverse.SetLength(n, n);
     std::vector<std::size_t> pivots(size);
     int sign = 1;
-    const auto status = kernels::luDecompose(view(factors), pivots, sign, kMayGoOn, kStepAndAsk);
+    const auto status =
+        kernels::luDecompose(view(factors), pivots, sign, kMayGoOn, kStepAndAsk, view(inverse));
     return status == LuStatus::done &&
            kernels::luInverse(view(factors), pivots, view(inverse), kStepAndAsk);
   });
