@@ -14,7 +14,7 @@ using Places = std::vector<std::uint64_t>;
 /// Ties, not-a-number keys and arrays that need hundreds of passes with gap 1, on every instruction
 /// set: keys and places are those of the plain passes.
 TEST(CombOrder, KeysAndPlacesOfThePlainSort) {
-  for (const std::size_t n : {0, 1, 2, 3, 7, 8, 9, 33, 100, 700}) {
+  for (const std::size_t n : {0U, 1U, 2U, 3U, 7U, 8U, 9U, 33U, 100U, 700U}) {
     for (const auto& shape : test::keyShapes<double>(n, 11)) {
       SCOPED_TRACE(testing::Message() << shape.name << ", " << n);
       for (const bool ascending : {true, false}) {

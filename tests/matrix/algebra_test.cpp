@@ -2,7 +2,6 @@
 #include <limits>
 
 #include "tests/matrix/matrices.h"
-#include "zel/base/progress.h"
 
 namespace zel {
 namespace {
@@ -19,17 +18,7 @@ struct Events {
   int count = 0;
 };
 
-/// Resets the progress globals on both ends.
-class MatrixAlgebra : public testing::Test {
- protected:
-  MatrixAlgebra() { reset(); }
-  ~MatrixAlgebra() override { reset(); }
-  static void reset() {
-    ProcStat = 0;
-    MathFeedBackProc = nullptr;
-    AbortMathProc = false;
-  }
-};
+class MatrixAlgebra : public test::WithProgress {};
 
 TEST_F(MatrixAlgebra, ElementwiseArithmetic) {
   TMatrix a{{1, 2}, {3, 4}};

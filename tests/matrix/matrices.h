@@ -10,6 +10,7 @@
 
 #include "tests/support/failing_new.h"
 #include "tests/support/failing_storage.h"
+#include "zel/base/progress.h"
 #include "zel/matrix/Zel_matrix.h"
 
 namespace zel::test {
@@ -32,6 +33,18 @@ inline std::vector<double> contents(const TMatrix& m) {
 }
 
 inline std::vector<double> contents(const TVector& v) { return {v.begin(), v.end()}; }
+
+/// Resets the progress globals on both ends.
+class WithProgress : public testing::Test {
+ protected:
+  WithProgress() { reset(); }
+  ~WithProgress() override { reset(); }
+  static void reset() {
+    ProcStat = 0;
+    MathFeedBackProc = nullptr;
+    AbortMathProc = false;
+  }
+};
 
 /// Lets the 1st, 2nd, ... allocation of an operation fail until it succeeds, for array storage and
 /// for operator new: each failure must raise the message, and `check` must find everything as it

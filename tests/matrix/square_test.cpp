@@ -3,23 +3,13 @@
 #include <thread>
 
 #include "tests/matrix/matrices.h"
-#include "zel/base/progress.h"
 
 namespace zel {
 namespace {
 
 using test::contents;
 
-class SquareProduct : public testing::Test {
- protected:
-  SquareProduct() { reset(); }
-  ~SquareProduct() override { reset(); }
-  static void reset() {
-    ProcStat = 0;
-    MathFeedBackProc = nullptr;
-    AbortMathProc = false;
-  }
-};
+class SquareProduct : public test::WithProgress {};
 
 TEST_F(SquareProduct, SameBitsForEveryNumberOfThreads) {
   for (const int columns : {0, 1, 2, 5, 70, 150}) {
