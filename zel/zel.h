@@ -11,4 +11,5 @@
 #include "zel/base/Zel_zelcolors.h"
 #include "zel/foundation/Zel_math1.h"
 #include "zel/matrix/Zel_matrix.h"
+#include "zel/statistics/Zel_statis.h"
 #include "zel/vector/Zel_vector.h"

@@ -1,0 +1,6 @@
+/// @file
+/// Statistics: special functions and distributions.
+#pragma once
+
+#include "zel/statistics/errorfunction.h"
+#include "zel/statistics/tdistribution.h"
