@@ -75,6 +75,19 @@ bool TNumMatrix<T>::ResizeAndClear(int Nc, int Nr) {
 }
 
 template <class T>
+void TNumMatrix<T>::SetRows(std::initializer_list<std::initializer_list<T>> rows) {
+  const std::size_t columns = rows.size() == 0 ? 0 : rows.begin()->size();
+  Resize(static_cast<int>(columns), static_cast<int>(rows.size()));
+  int r = 0;
+  for (const auto& row : rows) {
+    if (row.size() != columns) Raise<EZELMatrixError>("\": matrices do not match");
+    ++r;
+    int c = 0;
+    for (const T x : row) SetVal(++c, r, x);
+  }
+}
+
+template <class T>
 void TNumMatrix<T>::TakeOver(TDynArray<T, 2>& contents, int Nc, int Nr) {
   Mat.swap(contents);
   FNCol = Nc;
