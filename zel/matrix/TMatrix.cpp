@@ -5,6 +5,7 @@
 #include "zel/base/rounding.h"
 #include "zel/foundation/randoms.h"
 #include "zel/matrix/TIntMatrix.h"
+#include "zel/matrix/TMat3D.h"
 #include "zel/matrix/container_impl.h"
 #include "zel/matrix/copies_impl.h"
 
@@ -53,6 +54,15 @@ void TMatrix::CopyFrom(const TIntMatrix* MatSource, int SourceColLo, int SourceR
   CopyRectangle(MatSource->NrOfColumns(), MatSource->NrOfRows(), SourceColLo, SourceRowLo,
                 SourceColHi, SourceRowHi, DestCol, DestRow,
                 [&](int c, int r) { return MatSource->GetVal(c, r); });
+}
+
+void TMatrix::CopyFrom(const TMat3D* MatSource, int SourceColLo, int SourceRowLo, int SourceColHi,
+                       int SourceRowHi, int SourceLayer, int DestCol, int DestRow) {
+  if (!MatSource) return;
+  SourceLayer = std::clamp(SourceLayer, 1, MatSource->NrOfLayers());
+  CopyRectangle(MatSource->NrOfColumns(), MatSource->NrOfRows(), SourceColLo, SourceRowLo,
+                SourceColHi, SourceRowHi, DestCol, DestRow,
+                [&](int c, int r) { return MatSource->GetVal(c, r, SourceLayer); });
 }
 
 void TMatrix::CopyToArray(TInt2DArray& DestArray, int LowCol, int HighCol, int LowRow,

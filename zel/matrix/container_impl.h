@@ -3,32 +3,26 @@
 #pragma once
 
 #include <algorithm>
-#include <new>
-#include <stdexcept>
 #include <type_traits>
 #include <utility>
 
 #include "zel/kernels/dense.h"
 #include "zel/kernels/range.h"
+#include "zel/matrix/guard_impl.h"
 #include "zel/matrix/matrixbase.h"
 
 namespace zel {
 
 template <class T>
 void TNumMatrix<T>::RaiseNoMemory() const {
-  Raise<EZELMatrixError>("\": not enough memory on heap");
+  Raise<EZELMatrixError>(detail::kNoMemory);
 }
 
 template <class T>
 template <class Operation>
 decltype(auto) TNumMatrix<T>::Guarded(Operation&& operation) const {
-  try {
-    return operation();
-  } catch (const std::bad_alloc&) {
-    RaiseNoMemory();
-  } catch (const std::length_error&) {
-    RaiseNoMemory();
-  }
+  return detail::GuardMemory(operation,
+                             [&] { return EZELMatrixError(ComponentMessage(detail::kNoMemory)); });
 }
 
 template <class T>
