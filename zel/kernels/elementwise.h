@@ -48,6 +48,14 @@ void scale(std::span<T> x, T factor) {
   }
 }
 
+/// result[i] = x[i] y[i].
+template <class T>
+void multiplyEach(std::span<const T> x, std::span<const T> y, T* result) {
+  for (std::size_t i = 0; i < x.size(); ++i) {
+    result[i] = detail::wrapped(x[i], y[i], [](auto a, auto b) { return a * b; });
+  }
+}
+
 template <class T>
 void shift(std::span<T> x, T summand) {
   for (T& element : x) {

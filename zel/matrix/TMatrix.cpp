@@ -4,6 +4,8 @@
 
 #include "zel/base/rounding.h"
 #include "zel/foundation/randoms.h"
+#include "zel/matrix/TIntMatrix.h"
+#include "zel/matrix/TMat3D.h"
 #include "zel/matrix/container_impl.h"
 #include "zel/matrix/copies_impl.h"
 
@@ -11,17 +13,7 @@ namespace zel {
 
 TMatrix::TMatrix(TComponent* AOwner) : TNumMatrix(AOwner) {}
 
-TMatrix::TMatrix(std::initializer_list<std::initializer_list<double>> rows) {
-  const std::size_t columns = rows.size() == 0 ? 0 : rows.begin()->size();
-  Resize(static_cast<int>(columns), static_cast<int>(rows.size()));
-  int r = 0;
-  for (const auto& row : rows) {
-    if (row.size() != columns) Raise<EZELMatrixError>("\": matrices do not match");
-    ++r;
-    int c = 0;
-    for (const double x : row) SetVal(++c, r, x);
-  }
-}
+TMatrix::TMatrix(std::initializer_list<std::initializer_list<double>> rows) { SetRows(rows); }
 
 TMatrix::~TMatrix() = default;
 
@@ -55,6 +47,23 @@ void TMatrix::AssignTo(TPersistent* Dest) const {
 }
 
 void TMatrix::SetFPrecis(int ix, int value) { FPrecis[ix > 1 ? 1 : 0] = std::clamp(value, -1, 25); }
+
+void TMatrix::CopyFrom(const TIntMatrix* MatSource, int SourceColLo, int SourceRowLo,
+                       int SourceColHi, int SourceRowHi, int DestCol, int DestRow) {
+  if (!MatSource) return;
+  CopyRectangle(MatSource->NrOfColumns(), MatSource->NrOfRows(), SourceColLo, SourceRowLo,
+                SourceColHi, SourceRowHi, DestCol, DestRow,
+                [&](int c, int r) { return MatSource->GetVal(c, r); });
+}
+
+void TMatrix::CopyFrom(const TMat3D* MatSource, int SourceColLo, int SourceRowLo, int SourceColHi,
+                       int SourceRowHi, int SourceLayer, int DestCol, int DestRow) {
+  if (!MatSource) return;
+  SourceLayer = std::clamp(SourceLayer, 1, MatSource->NrOfLayers());
+  CopyRectangle(MatSource->NrOfColumns(), MatSource->NrOfRows(), SourceColLo, SourceRowLo,
+                SourceColHi, SourceRowHi, DestCol, DestRow,
+                [&](int c, int r) { return MatSource->GetVal(c, r, SourceLayer); });
+}
 
 void TMatrix::CopyToArray(TInt2DArray& DestArray, int LowCol, int HighCol, int LowRow,
                           int HighRow) const {

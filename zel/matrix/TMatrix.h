@@ -10,6 +10,9 @@
 
 namespace zel {
 
+class TIntMatrix;
+class TMat3D;
+
 /// Distance of two rows by the caller's own measure; the handler stores it in Distance.
 using TOnCalcDistanceEvent =
     std::function<void(TObject* Sender, int Row1, int Row2, double& Distance)>;
@@ -26,6 +29,7 @@ enum TNormType : std::uint8_t { ntColwise, ntRowwise, ntSpectral, ntFrobenius };
 /// machine and for every number of threads.
 class ZEL_API TMatrix : public TNumMatrix<double> {
  public:
+  using TNumMatrix::CopyFrom;
   using TNumMatrix::CopyFromArray;
   using TNumMatrix::CopyToArray;
 
@@ -53,6 +57,13 @@ class ZEL_API TMatrix : public TNumMatrix<double> {
   [[nodiscard]] int Precision(int ix) const { return GetFPrecis(ix); }
   void SetPrecision(int ix, int value) { SetFPrecis(ix, value); }
 
+  /// CopyFrom with a source of integers, or a layer of a three-dimensional source.
+  /// @param SourceLayer  limited to 1..number of layers
+  void CopyFrom(const TIntMatrix* MatSource, int SourceColLo, int SourceRowLo, int SourceColHi,
+                int SourceRowHi, int DestCol, int DestRow);
+  void CopyFrom(const TMat3D* MatSource, int SourceColLo, int SourceRowLo, int SourceColHi,
+                int SourceRowHi, int SourceLayer, int DestCol, int DestRow);
+
   /// Copies a rectangle, each value rounded to the nearest integer, ties to even, and limited to
   /// the range of int (not-a-number: 0).
   void CopyToArray(TInt2DArray& DestArray, int LowCol, int HighCol, int LowRow, int HighRow) const;
@@ -67,36 +78,7 @@ class ZEL_API TMatrix : public TNumMatrix<double> {
   void FillRandomGauss(int LowCol, int HighCol, int LowRow, int HighRow, double Mean,
                        double StdDev);
 
-  // Arithmetic. The Boolean operations return false, with nothing changed, if an operand is null or
-  // the sizes do not fit. A result may be one of the operands.
-
-  /// Adds (subtracts) element by element; the sizes must agree.
-  bool Add(const TMatrix* MatB);
-  bool Subtract(const TMatrix* MatB);
-  /// Multiplies every element by the scalar, or adds it.
-  void SMult(double Scalar);
-  void SAdd(double Scalar);
-  /// MatRes = element-wise (Hadamard) product; the sizes must agree. This and the products resize
-  /// the result, fire its OnChange once when it is complete (and once for a resize), and then
-  /// OnChange of this matrix.
-  /// @throws EZELMatrixError  `: not enough memory on heap`; nothing is changed then
-  bool EMult(const TMatrix* MatB, TMatrix* MatRes);
-  /// MatRes = A B; A has as many columns as B rows.
-  /// @throws EZELMatrixError  as EMult
-  bool Multiply(const TMatrix* MatB, TMatrix* MatRes);
-  /// MatRes = A B^T; A and B have as many columns.
-  bool MultiplyTransposed(const TMatrix* MatB, TMatrix* MatRes);
-  /// MatRes = A^T B; A and B have as many rows.
-  bool TransposeAndMultiply(const TMatrix* MatB, TMatrix* MatRes);
-  /// VecRes = A b; b has as many elements as A columns. The result has NrOfRows elements (at least
-  /// one, as any vector).
-  bool Multiply(const TVector* VecB, TVector* VecRes);
-  /// VecRes = A^T b; b has as many elements as A rows.
-  bool TransposeAndMultiply(const TVector* VecB, TVector* VecRes);
-  /// Replaces the matrix by its transpose.
-  /// @return true
-  /// @throws EZELMatrixError  `: not enough memory on heap`; the matrix is unchanged then
-  bool Transpose();
+  // Linear algebra; see TNumMatrix for the arithmetic and the products.
 
   /// MatRes = A^T A / Norm, with the upper triangle computed once. The result's OnChange fires once
   /// when it is complete (and once for a resize); this matrix fires nothing.
@@ -203,18 +185,9 @@ class ZEL_API TMatrix : public TNumMatrix<double> {
   int CalcDistMat(TDistMode Mode, TMatrix* DMat) const;
 
  private:
-  [[nodiscard]] bool HasSizeOf(const TMatrix& other) const {
-    return NrOfColumns() == other.NrOfColumns() && NrOfRows() == other.NrOfRows();
-  }
   /// Fills a rectangle with successive values of next().
   template <class Next>
   void FillBy(const TCells& cells, Next&& next);
-  /// Gives the target a result of the given size that compute(view) writes, then fires the events
-  /// of a product. The target may be an operand.
-  template <class Compute>
-  bool Produce(TMatrix* MatRes, int Nc, int Nr, Compute&& compute);
-  template <class Compute>
-  bool Produce(TVector* VecRes, int size, Compute&& compute);
   /// Replaces each element by (x - centre) / scale, where measure(elements) gives the pair for its
   /// column or row, and leaves it where the scale is not positive. The vectors take the pairs.
   template <class Measure>

@@ -1,6 +1,8 @@
 /// @file
-/// Matrices: TMatrix (double).
+/// Matrices: TMatrix (double), TIntMatrix (int, dense or sparse), TMat3D (three dimensions).
 #pragma once
 
+#include "zel/matrix/TIntMatrix.h"
+#include "zel/matrix/TMat3D.h"
 #include "zel/matrix/TMatSq1ColThread.h"
 #include "zel/matrix/TMatrix.h"

@@ -3,32 +3,26 @@
 #pragma once
 
 #include <algorithm>
-#include <new>
-#include <stdexcept>
 #include <type_traits>
 #include <utility>
 
 #include "zel/kernels/dense.h"
 #include "zel/kernels/range.h"
+#include "zel/matrix/guard_impl.h"
 #include "zel/matrix/matrixbase.h"
 
 namespace zel {
 
 template <class T>
 void TNumMatrix<T>::RaiseNoMemory() const {
-  Raise<EZELMatrixError>("\": not enough memory on heap");
+  Raise<EZELMatrixError>(detail::kNoMemory);
 }
 
 template <class T>
 template <class Operation>
 decltype(auto) TNumMatrix<T>::Guarded(Operation&& operation) const {
-  try {
-    return operation();
-  } catch (const std::bad_alloc&) {
-    RaiseNoMemory();
-  } catch (const std::length_error&) {
-    RaiseNoMemory();
-  }
+  return detail::GuardMemory(operation,
+                             [&] { return EZELMatrixError(ComponentMessage(detail::kNoMemory)); });
 }
 
 template <class T>
@@ -72,6 +66,19 @@ bool TNumMatrix<T>::ResizeAndClear(int Nc, int Nr) {
   const bool done = Resize(Nc, Nr);
   if (done) Fill(0);
   return done;
+}
+
+template <class T>
+void TNumMatrix<T>::SetRows(std::initializer_list<std::initializer_list<T>> rows) {
+  const std::size_t columns = rows.size() == 0 ? 0 : rows.begin()->size();
+  Resize(static_cast<int>(columns), static_cast<int>(rows.size()));
+  int r = 0;
+  for (const auto& row : rows) {
+    if (row.size() != columns) Raise<EZELMatrixError>("\": matrices do not match");
+    ++r;
+    int c = 0;
+    for (const T x : row) SetVal(++c, r, x);
+  }
 }
 
 template <class T>

@@ -60,17 +60,27 @@ inline void ClampSource(int& low, int& high, int n) {
 }  // namespace detail
 
 template <class T>
+template <class Get>
+void TNumMatrix<T>::CopyRectangle(int nCols, int nRows, int SourceColLo, int SourceRowLo,
+                                  int SourceColHi, int SourceRowHi, int DestCol, int DestRow,
+                                  Get&& get) {
+  detail::ClampSource(SourceColLo, SourceColHi, nCols);
+  detail::ClampSource(SourceRowLo, SourceRowHi, nRows);
+  StoreEach(DestCol, DestRow, std::int64_t{SourceColHi} - SourceColLo + 1,
+            std::int64_t{SourceRowHi} - SourceRowLo + 1, [&](std::int64_t i, std::int64_t j) {
+              return static_cast<T>(
+                  get(SourceColLo + static_cast<int>(i), SourceRowLo + static_cast<int>(j)));
+            });
+  Changed();
+}
+
+template <class T>
 void TNumMatrix<T>::CopyFrom(const TNumMatrix* MatSource, int SourceColLo, int SourceRowLo,
                              int SourceColHi, int SourceRowHi, int DestCol, int DestRow) {
   if (!MatSource) return;
-  detail::ClampSource(SourceColLo, SourceColHi, MatSource->FNCol);
-  detail::ClampSource(SourceRowLo, SourceRowHi, MatSource->FNRow);
-  StoreEach(DestCol, DestRow, std::int64_t{SourceColHi} - SourceColLo + 1,
-            std::int64_t{SourceRowHi} - SourceRowLo + 1, [&](std::int64_t i, std::int64_t j) {
-              return MatSource->GetVal(SourceColLo + static_cast<int>(i),
-                                       SourceRowLo + static_cast<int>(j));
-            });
-  Changed();
+  CopyRectangle(MatSource->FNCol, MatSource->FNRow, SourceColLo, SourceRowLo, SourceColHi,
+                SourceRowHi, DestCol, DestRow,
+                [&](int c, int r) { return MatSource->GetVal(c, r); });
 }
 
 template <class T>

@@ -1,5 +1,6 @@
 #include "zel/matrix/matrixbase.h"
 
+#include "zel/matrix/arithmetic_impl.h"
 #include "zel/matrix/container_impl.h"
 #include "zel/matrix/copies_impl.h"
 #include "zel/matrix/reordering_impl.h"
@@ -8,5 +9,6 @@
 namespace zel {
 
 template class TNumMatrix<double>;
+template class TNumMatrix<int>;
 
 }  // namespace zel

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <initializer_list>
 #include <ostream>
 #include <span>
 #include <string>
@@ -19,7 +20,8 @@ template <class T>
 struct MatrixSpan;
 }
 
-/// Two-dimensional container of numbers, stored column by column; TMatrix (double) derives from it.
+/// Two-dimensional container of numbers, stored column by column; TMatrix (double) and TIntMatrix
+/// (int) derive from it.
 ///
 /// Columns and rows are numbered from 1, and every pair of indices names the column first. Either
 /// number may be 0 (an empty matrix). A read outside the matrix gives 0 and a write there is
@@ -237,6 +239,38 @@ class TNumMatrix : public TComponent {
   /// @throws EZELMatrixError, EZELVectorError (the vector)  `: not enough memory`...
   void EdgeVector(TOrientation Orient, TEdgeOp EdgeOp, TVector* DestVec) const;
 
+  // Arithmetic. The Boolean operations return false, with nothing changed, if an operand is null or
+  // the sizes do not fit. A result may be one of the operands.
+  // Integers wrap modulo 2^32.
+
+  /// Adds (subtracts) element by element; the sizes must agree.
+  bool Add(const TNumMatrix* MatB);
+  bool Subtract(const TNumMatrix* MatB);
+  /// Multiplies every element by the scalar, or adds it.
+  void SMult(T Scalar);
+  void SAdd(T Scalar);
+  /// MatRes = element-wise (Hadamard) product; the sizes must agree. This and the products resize
+  /// the result, fire its OnChange once when it is complete (and once for a resize), and then
+  /// OnChange of this matrix.
+  /// @throws EZELMatrixError  `: not enough memory on heap`; nothing is changed then
+  bool EMult(const TNumMatrix* MatB, TNumMatrix* MatRes);
+  /// MatRes = A B; A has as many columns as B rows.
+  /// @throws EZELMatrixError  as EMult
+  bool Multiply(const TNumMatrix* MatB, TNumMatrix* MatRes);
+  /// MatRes = A B^T; A and B have as many columns.
+  bool MultiplyTransposed(const TNumMatrix* MatB, TNumMatrix* MatRes);
+  /// MatRes = A^T B; A and B have as many rows.
+  bool TransposeAndMultiply(const TNumMatrix* MatB, TNumMatrix* MatRes);
+  /// VecRes = A b; b has as many elements as A columns. The result has NrOfRows elements (at least
+  /// one, as any vector).
+  bool Multiply(const TVectorType* VecB, TVectorType* VecRes);
+  /// VecRes = A^T b; b has as many elements as A rows.
+  bool TransposeAndMultiply(const TVectorType* VecB, TVectorType* VecRes);
+  /// Replaces the matrix by its transpose.
+  /// @return true
+  /// @throws EZELMatrixError  `: not enough memory on heap`; the matrix is unchanged then
+  bool Transpose();
+
   // What C++ callers expect beside the operations above.
   /// Elements of a column (numbered from 1); none outside the matrix.
   [[nodiscard]] std::span<const T> Column(int c) const;
@@ -262,6 +296,9 @@ class TNumMatrix : public TComponent {
   };
   [[nodiscard]] TCells Clamped(int LowCol, int LowRow, int HighCol, int HighRow) const;
 
+  [[nodiscard]] bool HasSizeOf(const TNumMatrix& other) const {
+    return NrOfColumns() == other.NrOfColumns() && NrOfRows() == other.NrOfRows();
+  }
   /// Fires OnSortExchange.
   void SortExchange(std::uint8_t ExchgWhat, int Index1, int Index2, int First, int Last);
 
@@ -297,13 +334,25 @@ class TNumMatrix : public TComponent {
   template <class Value>
   void StoreEach(std::int64_t col, std::int64_t row, std::int64_t nCols, std::int64_t nRows,
                  Value&& value);
+  /// CopyFrom of a source with nCols columns and nRows rows whose elements get(c, r) yields.
+  template <class Get>
+  void CopyRectangle(int nCols, int nRows, int SourceColLo, int SourceRowLo, int SourceColHi,
+                     int SourceRowHi, int DestCol, int DestRow, Get&& get);
+  /// Resizes to and stores rows of equal length.
+  /// @throws EZELMatrixError  `: matrices do not match` if they differ in length
+  void SetRows(std::initializer_list<std::initializer_list<T>> rows);
   /// Takes over contents of the given size; OnChange does not fire.
   void TakeOver(TDynArray<T, 2>& contents, int Nc, int Nr);
 
  private:
   /// Zeroes what an empty matrix still stores, so that it is 0 when it grows again.
   void ClearHidden();
-  bool Remove(TDims dim, int index);
+  /// Gives the target a result of the given size that compute(view) writes, then fires the events
+  /// of a product. The target may be an operand.
+  template <class Compute>
+  bool Produce(TNumMatrix* MatRes, int Nc, int Nr, Compute&& compute);
+  template <class Compute>
+  bool Produce(TVectorType* VecRes, int size, Compute&& compute);
 
   int FNCol = 1;
   int FNRow = 1;
@@ -311,9 +360,10 @@ class TNumMatrix : public TComponent {
   TDynArray<T, 2> Mat;
 };
 
-/// Rows in braces.
-template <class T>
-std::ostream& operator<<(std::ostream& out, const TNumMatrix<T>& matrix) {
+namespace detail {
+
+template <class Matrix>
+std::ostream& PrintMatrix(std::ostream& out, const Matrix& matrix) {
   out << '{';
   for (int r = 1; r <= matrix.NrOfRows(); ++r) {
     out << (r == 1 ? "{" : ", {");
@@ -326,6 +376,15 @@ std::ostream& operator<<(std::ostream& out, const TNumMatrix<T>& matrix) {
   return out << '}';
 }
 
+}  // namespace detail
+
+/// Rows in braces.
+template <class T>
+std::ostream& operator<<(std::ostream& out, const TNumMatrix<T>& matrix) {
+  return detail::PrintMatrix(out, matrix);
+}
+
 extern template class ZEL_API TNumMatrix<double>;
+extern template class ZEL_API TNumMatrix<int>;
 
 }  // namespace zel

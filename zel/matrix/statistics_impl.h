@@ -2,17 +2,18 @@
 /// TNumMatrix: statistics. Included by the sources of the matrices only.
 #pragma once
 
-#include <cmath>
+#include <algorithm>
 #include <cstddef>
+#include <limits>
 #include <vector>
 
 #include "zel/base/Zel_univconst.h"
-#include "zel/base/random.h"
 #include "zel/kernels/minmax.h"
 #include "zel/kernels/moments.h"
 #include "zel/kernels/rows.h"
 #include "zel/kernels/sums.h"
 #include "zel/matrix/container_impl.h"
+#include "zel/matrix/rules_impl.h"
 #include "zel/vector/histogram_impl.h"
 #include "zel/vector/order_statistics_impl.h"
 
@@ -20,23 +21,10 @@ namespace zel {
 
 namespace detail {
 
-/// Start values of the searches for extremes.
-template <class T>
-inline constexpr kernels::MinMaxStart<T> kExtremesStart{};
-template <>
-inline constexpr kernels::MinMaxStart<double> kExtremesStart<double>{uc_MaxDouble, -uc_MaxDouble};
-
 /// Calls use(k, elements) for each column (dimColumns) or row of a view.
 template <class T, class Use>
 void Along(TDims dim, kernels::MatrixSpan<T> view, Use&& use) {
   dim == dimColumns ? kernels::forEachColumn(view, use) : kernels::forEachRow(view, use);
-}
-
-/// Rank k of the values, counted from 0.
-template <class T>
-double RankedValue(std::span<const T> values, double prob) {
-  const std::size_t rank = kernels::percentileRank(values.size(), std::isnan(prob) ? 0 : prob);
-  return static_cast<double>(kernels::selectPair(values, rank).at);
 }
 
 }  // namespace detail
@@ -132,15 +120,15 @@ double TNumMatrix<T>::Percentile(double prob, int LowCol, int LowRow, int HighCo
   if (SampleSize <= 0 || cells.Count() <= static_cast<std::size_t>(SampleSize)) {
     return Percentile(prob, LowCol, LowRow, HighCol, HighRow);
   }
-  const auto size = static_cast<std::size_t>(SampleSize);
-  std::vector<T> sample;
-  Guarded([&] { sample.resize(size); });
-  Randomize();
+  const auto sample = Guarded([&] {
+    return detail::RandomSample<T>(SampleSize, [&] {
+      const int c = detail::RandomBetween(cells.LowCol, cells.HighCol);
+      return GetVal(c, detail::RandomBetween(cells.LowRow, cells.HighRow));
+    });
+  });
   std::size_t negatives = 0;
   std::size_t zeros = 0;
-  for (T& x : sample) {
-    const int c = cells.LowCol + Random(static_cast<int>(cells.Columns()));
-    x = GetVal(c, cells.LowRow + Random(static_cast<int>(cells.Rows())));
+  for (const T x : sample) {
     if (x < 0) ++negatives;
     if (x == 0) ++zeros;
   }
@@ -202,16 +190,15 @@ void TNumMatrix<T>::MeanVec(TDims Dim, TVector* Means) const {
 template <class T>
 void TNumMatrix<T>::EdgeVector(TOrientation Orient, TEdgeOp EdgeOp, TVector* DestVec) const {
   if (!DestVec) return;
-  const auto aggregate = [EdgeOp](std::span<const T> x) -> double {
+  // Every element of T is an extreme that may be found here, the smallest integer too.
+  constexpr kernels::MinMaxStart<T> start{std::numeric_limits<T>::max(),
+                                          std::numeric_limits<T>::lowest()};
+  const auto aggregate = [&](std::span<const T> x) -> double {
     switch (EdgeOp) {
       case eoMin:
-        return x.empty()
-                   ? uc_MaxDouble
-                   : static_cast<double>(kernels::minMax(x, detail::kExtremesStart<T>).minimum);
+        return x.empty() ? uc_MaxDouble : static_cast<double>(kernels::minMax(x, start).minimum);
       case eoMax:
-        return x.empty()
-                   ? -uc_MaxDouble
-                   : static_cast<double>(kernels::minMax(x, detail::kExtremesStart<T>).maximum);
+        return x.empty() ? -uc_MaxDouble : static_cast<double>(kernels::minMax(x, start).maximum);
       case eoSum:
         return kernels::sum(x).hi;
       case eoMean:
