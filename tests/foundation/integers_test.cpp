@@ -7,12 +7,11 @@
 #include <limits>
 #include <numeric>
 
-#include "tests/foundation/message_of.h"
+#include "tests/support/expect_message.h"
 #include "zel/base/random.h"
 #include "zel/foundation/bits.h"
 
 using namespace zel;
-using zel::test::messageOf;
 
 namespace {
 constexpr int kIntMax = std::numeric_limits<int>::max();
@@ -95,9 +94,8 @@ TEST(Products, FactorialInExtendedPrecision) {
     EXPECT_NEAR(static_cast<double>(Factorial(1000) / 4.023872600770937735437024339230039857e2567L),
                 1, 1e-15);
   }
-  EXPECT_EQ(messageOf<EZELMath1Error>([] { (void)Factorial(-1); }), "Factorial: negative argument");
-  EXPECT_EQ(messageOf<EZELMath1Error>([] { (void)Factorial(1001); }),
-            "Factorial: argument too big");
+  EXPECT_THROW_MSG((void)Factorial(-1), EZELMath1Error, "Factorial: negative argument");
+  EXPECT_THROW_MSG((void)Factorial(1001), EZELMath1Error, "Factorial: argument too big");
 }
 
 TEST(Bits, BytesAgreeWithTheirBinaryDigits) {

@@ -42,37 +42,34 @@ Scale scale(int ticks, Extended x1, Extended x2) {
 TEST(Round125, LimitsAreExactInEveryDecade) {
   for (int k = -307; k <= 307; ++k) {
     const double one = decimal("1", k);
-    const double two = decimal("2", k);
-    const double five = decimal("5", k);
-    const double ten = decimal("10", k);
     for (const double sign : {1.0, -1.0}) {
-      for (const double x : {one, two, five}) {
-        EXPECT_EQ(Round125(sign * x), sign * x);
-        EXPECT_EQ(RoundPos125(sign * x), sign * x);
-        EXPECT_EQ(RoundNeg125(sign * x), sign * x);
-      }
       const auto up = sign > 0 ? RoundPos125 : RoundNeg125;
       const auto down = sign > 0 ? RoundNeg125 : RoundPos125;
-      EXPECT_EQ(up(sign * above(two)), sign * five);
-      EXPECT_EQ(up(sign * below(two)), sign * two);
-      EXPECT_EQ(up(sign * above(five)), sign * ten);
-      EXPECT_EQ(up(sign * below(five)), sign * five);
-      EXPECT_EQ(down(sign * above(two)), sign * two);
-      EXPECT_EQ(down(sign * below(two)), sign * one);
-      EXPECT_EQ(down(sign * above(five)), sign * five);
-      EXPECT_EQ(down(sign * below(five)), sign * two);
-      EXPECT_EQ(Round125(sign * decimal("1.5", k)), sign * two);
-      EXPECT_EQ(Round125(sign * below(decimal("1.5", k))), sign * one);
-      EXPECT_EQ(Round125(sign * decimal("3", k)), sign * five);
-      EXPECT_EQ(Round125(sign * below(decimal("3", k))), sign * two);
-      EXPECT_EQ(Round125(sign * decimal("8", k)), sign * ten);
-      EXPECT_EQ(Round125(sign * below(decimal("8", k))), sign * five);
+      struct Limit {
+        double (*round)(double);
+        const char *at, *under, *from, *over;
+      };
+      for (const auto& [round, at, under, from, over] : {Limit{up, "2", "2", "2", "5"},
+                                                         {up, "5", "5", "5", "10"},
+                                                         {down, "2", "1", "2", "2"},
+                                                         {down, "5", "2", "5", "5"},
+                                                         {Round125, "1.5", "1", "2", "2"},
+                                                         {Round125, "3", "2", "5", "5"},
+                                                         {Round125, "8", "5", "10", "10"}}) {
+        const double x = decimal(at, k);
+        EXPECT_EQ(round(sign * below(x)), sign * decimal(under, k)) << at << ' ' << k;
+        EXPECT_EQ(round(sign * x), sign * decimal(from, k)) << at << ' ' << k;
+        EXPECT_EQ(round(sign * above(x)), sign * decimal(over, k)) << at << ' ' << k;
+      }
+      for (const char* fixed : {"1", "2", "5"}) {
+        EXPECT_EQ(Round125(sign * decimal(fixed, k)), sign * decimal(fixed, k));
+      }
       // Powers of ten have a neighbourhood.
-      for (const double x : {one * (1 - 2e-14), above(one), below(one), one * (1 + 2e-14)}) {
+      for (const double x : {one * (1 - 2e-14), below(one), one, above(one), one * (1 + 2e-14)}) {
         EXPECT_EQ(up(sign * x), sign * one) << k;
         EXPECT_EQ(down(sign * x), sign * one) << k;
       }
-      EXPECT_EQ(up(sign * one * (1 + 3e-14)), sign * two);
+      EXPECT_EQ(up(sign * one * (1 + 3e-14)), sign * decimal("2", k));
       EXPECT_EQ(down(sign * one * (1 - 3e-14)), sign * decimal("0.5", k));
     }
   }

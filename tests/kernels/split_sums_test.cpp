@@ -51,7 +51,7 @@ std::vector<test::NamedData> unitBreakers(std::size_t n) {
 }
 
 TEST(SplitSums, BoundsHoldOnHostileData) {
-  for (const std::size_t n : {16u, 17u, 129u, 2048u, 2051u, 7000u}) {
+  for (const std::size_t n : {16u, 17u, 2051u, 4100u}) {
     for (const auto& [name, x] : unitBreakers(n)) {
       SCOPED_TRACE(name + " n=" + std::to_string(n));
       expectWithinBound(splitSum(x.data(), n), test::ExactPowerSums(x).s1, 1074);
@@ -81,15 +81,13 @@ TEST(SplitSums, BoundsAreTightOnOrdinaryData) {
 }
 
 TEST(SplitSums, UnsuitableDataHaveNoBound) {
-  for (const double bad :
-       {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(), 1e200}) {
+  constexpr double kInf = std::numeric_limits<double>::infinity();
+  for (const double bad : {std::numeric_limits<double>::quiet_NaN(), kInf, 1e200}) {
     for (const std::size_t at : {0u, 100u, 2999u}) {
       std::vector<double> x(3000, 0.5);
       x[at] = bad;
-      EXPECT_EQ(splitSum(x.data(), x.size()).error, std::numeric_limits<double>::infinity()) << bad;
-      EXPECT_EQ(splitMoments(x.data(), x.size(), 0.25).squares.error,
-                std::numeric_limits<double>::infinity())
-          << bad;
+      EXPECT_EQ(splitSum(x.data(), x.size()).error, kInf) << bad;
+      EXPECT_EQ(splitMoments(x.data(), x.size(), 0.25).squares.error, kInf) << bad;
     }
   }
 }

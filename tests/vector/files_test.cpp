@@ -1,14 +1,13 @@
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <climits>
 #include <cmath>
 #include <filesystem>
-#include <fstream>
 #include <limits>
 #include <memory>
 #include <sstream>
 
+#include "tests/base/temp_dir.h"
 #include "zel/vector/Zel_vector.h"
 
 namespace zel {
@@ -18,33 +17,17 @@ namespace fs = std::filesystem;
 
 class VectorFiles : public ::testing::Test {
  protected:
-  void SetUp() override {
-    folder_ = fs::temp_directory_path() /
-              ("zel_vector_files_" + std::to_string(::getpid()) + "_" +
-               ::testing::UnitTest::GetInstance()->current_test_info()->name());
-    fs::create_directories(folder_);
-  }
-  void TearDown() override { fs::remove_all(folder_); }
-
-  [[nodiscard]] std::string path(const std::string& name) const {
-    return (folder_ / name).string();
-  }
+  [[nodiscard]] std::string path(const std::string& name) const { return folder_.file(name); }
   [[nodiscard]] std::string file(const std::string& text) const {
-    std::ofstream(path("in"), std::ios::binary) << text;
+    zel_test::writeBytes(path("in"), text);
     return path("in");
   }
   [[nodiscard]] static std::string text(const std::string& name) {
-    std::ifstream in(name, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
+    return zel_test::readBytes(name);
   }
 
-  fs::path folder_;
+  const zel_test::TempDir folder_;
 };
-
-template <class V>
-std::vector<typename V::value_type> contents(const V& v) {
-  return {v.begin(), v.end()};
-}
 
 TEST_F(VectorFiles, StreamRecordsRoundTripEveryDouble) {
   const double inf = std::numeric_limits<double>::infinity();
@@ -62,7 +45,7 @@ TEST_F(VectorFiles, StreamRecordsRoundTripEveryDouble) {
   EXPECT_EQ(events, 1 + 6 + 1) << "resize, each value, the end";
   EXPECT_TRUE(w.LoadFromStream(stream.get(), true)) << "the record that follows";
   EXPECT_EQ(w.NrOfElem(), 3) << "HighElem elements, not the number of values";
-  EXPECT_EQ(contents(w), (std::vector<double>{1.5, -0.0, 5e-324}));
+  EXPECT_EQ(std::vector<double>(w), (std::vector<double>{1.5, -0.0, 5e-324}));
   EXPECT_FALSE(w.LoadFromStream(*stream, true));
   EXPECT_FALSE(w.LoadFromStream(nullptr, true));
 }
@@ -76,7 +59,7 @@ TEST_F(VectorFiles, IntegerRecordsUse32Bits) {
   TFileStream in(path("record"), 0);
   TIntVector w;
   EXPECT_TRUE(w.LoadFromStream(in, true));
-  EXPECT_EQ(contents(w), contents(v));
+  EXPECT_EQ(w.CRCofData(), v.CRCofData());
 }
 
 TEST_F(VectorFiles, TruncatedRecordsKeepWhatCanBeRead) {
@@ -91,12 +74,12 @@ TEST_F(VectorFiles, TruncatedRecordsKeepWhatCanBeRead) {
     w.OnChange = [&](TObject*) { ++events; };
     EXPECT_EQ(w.LoadFromStream(in, true), cut == bytes.size());
     if (cut < 20) {
-      EXPECT_EQ(contents(w), std::vector<double>{9}) << "no bounds, no change";
+      EXPECT_EQ(std::vector<double>(w), std::vector<double>{9}) << "no bounds, no change";
       EXPECT_EQ(events, 0);
     } else {
       std::vector<double> expected{9, 0, 0};
       for (std::size_t k = 0; k < (cut - 20) / 10; ++k) expected[k] = static_cast<double>(k + 1);
-      EXPECT_EQ(contents(w), expected);
+      EXPECT_EQ(std::vector<double>(w), expected);
     }
   }
 }
@@ -108,7 +91,7 @@ TEST_F(VectorFiles, RecordsDoNotGrowAVectorUnasked) {
   longer.SaveToStream(stream, 0, 0);
   TVector v{1, 2, 3, 4, 5};
   EXPECT_FALSE(v.LoadFromStream(stream, false));
-  EXPECT_EQ(contents(v), (std::vector<double>{1, 2, 3, 4, 5}));
+  EXPECT_EQ(std::vector<double>(v), (std::vector<double>{1, 2, 3, 4, 5}));
   EXPECT_EQ(stream.tellg(), 20) << "no value is read";
 }
 
@@ -119,12 +102,12 @@ TEST_F(VectorFiles, ForgedCountsAllocateNothing) {
   WriteExtendedToStream(stream, 5);
   TVector v{1, 2};
   EXPECT_FALSE(v.LoadFromStream(stream, true));
-  EXPECT_EQ(contents(v), (std::vector<double>{1, 2}));
+  EXPECT_EQ(std::vector<double>(v), (std::vector<double>{1, 2}));
   EXPECT_FALSE(v.LoadFromFile(file("1 2147483647\n5\n6\n"), true));
-  EXPECT_EQ(contents(v), (std::vector<double>{1, 2}));
+  EXPECT_EQ(std::vector<double>(v), (std::vector<double>{1, 2}));
   std::string comment;
   EXPECT_EQ(v.ImportASC(file("c\n1\n2147483647\nFALSE FALSE FALSE FALSE\n5\n6\n"), comment), -6);
-  EXPECT_EQ(contents(v), (std::vector<double>{5, 6, 0}));
+  EXPECT_EQ(std::vector<double>(v), (std::vector<double>{5, 6, 0}));
   // A record of a late part of a long vector is no forgery.
   TVector late;
   late.Resize(100000);
@@ -176,36 +159,36 @@ TEST_F(VectorFiles, NumberFilesWithBadWords) {
   int events = 0;
   v.OnChange = [&](TObject*) { ++events; };
   EXPECT_TRUE(v.LoadFromFile(file("2 4\r\n+1.5\r\nabc\r\n3e2"), false));
-  EXPECT_EQ(contents(v), (std::vector<double>{7, 1.5, 7, 300}));
+  EXPECT_EQ(std::vector<double>(v), (std::vector<double>{7, 1.5, 7, 300}));
   EXPECT_EQ(events, 1);
   EXPECT_TRUE(v.LoadFromFile(file("1 3\n1"), true)) << "missing values leave their elements";
-  EXPECT_EQ(contents(v), (std::vector<double>{1, 1.5, 7}));
+  EXPECT_EQ(std::vector<double>(v), (std::vector<double>{1, 1.5, 7}));
   EXPECT_FALSE(v.LoadFromFile(file("1 4\n1 2 3 4"), false));
   for (const char* garbage : {"", "x", "1", "1 x", "\n\n"}) {
     EXPECT_FALSE(v.LoadFromFile(file(garbage), true)) << garbage;
   }
   EXPECT_FALSE(v.LoadFromFile(path("missing"), true));
-  EXPECT_FALSE(v.LoadFromFile(folder_.string(), true));
-  EXPECT_EQ(contents(v), (std::vector<double>{1, 1.5, 7}));
+  EXPECT_FALSE(v.LoadFromFile(path("."), true));
+  EXPECT_EQ(std::vector<double>(v), (std::vector<double>{1, 1.5, 7}));
   TIntVector k;
   EXPECT_TRUE(k.LoadFromFile(file("1 4\n0.5 1.5 -2.5 1e99"), true));
-  EXPECT_EQ(contents(k), (std::vector<int>{0, 2, -2, INT_MAX}));
+  EXPECT_EQ(std::vector<int>(k), (std::vector<int>{0, 2, -2, INT_MAX}));
 }
 
 TEST_F(VectorFiles, MarkedLinesSetTheLength) {
   TVector v{9};
   const std::string name = file("1.5 //dig\n\n2.5//dig\nx //dig\n4 //dig first\n");
   EXPECT_TRUE(v.LoadFromFile(name, true, true));
-  EXPECT_EQ(contents(v), (std::vector<double>{1.5, 2.5, 0, 4}));
+  EXPECT_EQ(std::vector<double>(v), (std::vector<double>{1.5, 2.5, 0, 4}));
   TVector two{8, 8};
   EXPECT_TRUE(two.LoadFromFile(name, false, true));
-  EXPECT_EQ(contents(two), (std::vector<double>{1.5, 2.5}));
+  EXPECT_EQ(std::vector<double>(two), (std::vector<double>{1.5, 2.5}));
   EXPECT_TRUE(two.LoadFromFile(file("no marks 5"), true, true));
   EXPECT_EQ(two.NrOfElem(), 2) << "no marked line leaves the size";
   EXPECT_FALSE(two.LoadFromFile(path("missing"), true, true));
-  EXPECT_FALSE(two.LoadFromFile(folder_.string(), true, true));
+  EXPECT_FALSE(two.LoadFromFile(path("."), true, true));
   EXPECT_TRUE(two.LoadFromFile(file("1 1\n6\n"), true, false));
-  EXPECT_EQ(contents(two), std::vector<double>{6});
+  EXPECT_EQ(std::vector<double>(two), std::vector<double>{6});
 }
 
 TEST_F(VectorFiles, AscFilesHaveTheirForm) {
@@ -227,7 +210,7 @@ TEST_F(VectorFiles, AscFilesHaveTheirForm) {
   TVector w;
   EXPECT_EQ(w.ImportASC(name, comment), 0);
   EXPECT_EQ(comment, "two lines");
-  EXPECT_EQ(contents(w), std::vector<double>{-7});
+  EXPECT_EQ(std::vector<double>(w), std::vector<double>{-7});
 }
 
 TEST_F(VectorFiles, AscReaderSkipsAttributesAndNames) {
@@ -241,7 +224,7 @@ TEST_F(VectorFiles, AscReaderSkipsAttributesAndNames) {
                        "3 \"row one\" 1.5e1\r\n4 \"row 2\" NAN\r\n5 bare ###\r\n"),
                   comment),
       0);
-  EXPECT_EQ(contents(v), (std::vector<double>{15, 0, 0}));
+  EXPECT_EQ(std::vector<double>(v), (std::vector<double>{15, 0, 0}));
   EXPECT_EQ(events, 2) << "the resize and the end";
   EXPECT_FALSE(v.IsEmpty());
 }
@@ -254,18 +237,18 @@ TEST_F(VectorFiles, AscErrorsAreTold) {
   EXPECT_EQ(v.ImportASC(file("c\n2\n1\nFALSE FALSE FALSE FALSE\n1 2\n"), comment), -7);
   EXPECT_EQ(v.ImportASC(file("c\n1\nx\nFALSE FALSE FALSE FALSE\n1\n"), comment), 3);
   EXPECT_EQ(v.ImportASC(file("c\n1\n1\nFALSE MAYBE FALSE FALSE\n1\n"), comment), 4);
-  EXPECT_NE(v.ImportASC(folder_.string(), comment), 0);
-  EXPECT_EQ(contents(v), (std::vector<double>{7, 8, 9}));
+  EXPECT_NE(v.ImportASC(path("."), comment), 0);
+  EXPECT_EQ(std::vector<double>(v), (std::vector<double>{7, 8, 9}));
   EXPECT_EQ(v.ImportASC(file(head + "1\n1,5\n3\n4\n"), comment), -6);
-  EXPECT_EQ(contents(v), (std::vector<double>{1, 8}))
+  EXPECT_EQ(std::vector<double>(v), (std::vector<double>{1, 8}))
       << "cut to the failing row, which keeps its value";
   EXPECT_EQ(v.ImportASC(file(head + "1\n2\n3\n"), comment), -6) << "too few rows";
-  EXPECT_EQ(contents(v), (std::vector<double>{1, 2, 3, 0}));
+  EXPECT_EQ(std::vector<double>(v), (std::vector<double>{1, 2, 3, 0}));
   EXPECT_EQ(v.ImportASC(file("c\n1\n2\nTRUE FALSE FALSE FALSE\n1 5\nx 6\n"), comment), -5);
-  EXPECT_EQ(contents(v), (std::vector<double>{5, 2}));
+  EXPECT_EQ(std::vector<double>(v), (std::vector<double>{5, 2}));
   TIntVector k;
   EXPECT_EQ(k.ImportASC(file(head + "0.5\n1.5\n-1e10\n+3\n"), comment), 0);
-  EXPECT_EQ(contents(k), (std::vector<int>{0, 2, INT_MIN, 3}));
+  EXPECT_EQ(std::vector<int>(k), (std::vector<int>{0, 2, INT_MIN, 3}));
 }
 
 }  // namespace
