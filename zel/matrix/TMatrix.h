@@ -2,6 +2,7 @@
 /// Dense matrix of doubles.
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <initializer_list>
 #include <vector>
@@ -63,6 +64,8 @@ class ZEL_API TMatrix : public TNumMatrix<double> {
                 int SourceRowHi, int DestCol, int DestRow);
   void CopyFrom(const TMat3D* MatSource, int SourceColLo, int SourceRowLo, int SourceColHi,
                 int SourceRowHi, int SourceLayer, int DestCol, int DestRow);
+  /// A literal null, which fits every overload: nothing happens.
+  void CopyFrom(std::nullptr_t, int, int, int, int, int, int) {}
 
   /// Copies a rectangle, each value rounded to the nearest integer, ties to even, and limited to
   /// the range of int (not-a-number: 0).
