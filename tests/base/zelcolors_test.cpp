@@ -165,7 +165,7 @@ TEST(TBitmap, ReportsWhatItCannotWrite) {
 TEST(TBitmap, SurvivesDamagedFiles) {
   const TempDir dir;
   TBitmap before;
-  paint(before, 9, 4);
+  paint(before, 3, 3);
   for (const std::string ending : {".bmp", ".png"}) {
     before.SaveToFile(dir.file("good" + ending));
     const std::string bytes = readBytes(dir.file("good" + ending));

@@ -103,7 +103,7 @@ Shape exactShape(const std::vector<double>& x) {
 }
 
 TEST(Shape, MatchesExactCentralMomentsOnHostileData) {
-  for (const std::size_t n : {4u, 5u, 31u, 300u, 2049u}) {
+  for (const std::size_t n : {4u, 5u, 31u, 131u, 2049u}) {
     for (const auto& [name, x] : test::hostileData(n)) {
       SCOPED_TRACE(name + " n=" + std::to_string(n));
       const Shape actual = shape(x, ShapeForm::population);
@@ -147,7 +147,7 @@ double exactCorrelation(const std::vector<double>& x, const std::vector<double>&
 }
 
 TEST(Correlation, MatchesExactArithmeticOnHostileData) {
-  for (const std::size_t n : {2u, 3u, 17u, 400u}) {
+  for (const std::size_t n : {2u, 3u, 17u, 131u}) {
     const auto data = test::hostileData(n);
     for (const auto& [nameX, x] : data) {
       for (const auto& [nameY, y] : data) {

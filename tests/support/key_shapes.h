@@ -37,40 +37,36 @@ std::vector<KeyShape<T>> keyShapes(std::size_t n, unsigned seed) {
   using Limits = std::numeric_limits<T>;
   std::mt19937_64 random(seed + n);
   const auto below = [&](std::size_t m) { return static_cast<std::size_t>(random() % m); };
-  const auto make = [&](auto rule) {
+  std::vector<KeyShape<T>> shapes;
+  const auto add = [&](const char* name, auto rule) {
     std::vector<T> keys(n);
     for (std::size_t i = 0; i < n; ++i) keys[i] = static_cast<T>(rule(i));
-    return keys;
+    shapes.push_back({name, std::move(keys)});
   };
   const auto key = [](auto i) { return static_cast<double>(i); };
-  std::vector<KeyShape<T>> shapes;
-  shapes.push_back({"random", make([&](std::size_t) { return key(below(1u << 30)) - 5e8; })});
-  shapes.push_back({"sorted", make([&](std::size_t i) { return key(i / 2); })});
-  shapes.push_back({"reversed", make([&](std::size_t i) { return key(n - i); })});
-  shapes.push_back({"few", make([&](std::size_t) { return key(below(4)); })});
-  shapes.push_back(
-      {"one value", make([&](std::size_t) { return key(below(20) == 0 ? below(9) : 4); })});
-  shapes.push_back({"constant", make([&](std::size_t) { return 7.0; })});
-  shapes.push_back({"sawtooth", make([&](std::size_t i) { return key(i % 37) - key(i % 5); })});
-  shapes.push_back(
-      {"nearly sorted", make([&](std::size_t i) { return key(below(50) ? i : below(n)); })});
-  shapes.push_back({"interleaved", make([&](std::size_t i) { return key(i % 2 ? i : n - i); })});
-  shapes.push_back({"extremes", make([&](std::size_t) {
-                      const T list[] = {Limits::lowest(), Limits::max(), T{0}, T{1}};
-                      return list[below(4)];
-                    })});
+  add("random", [&](std::size_t) { return key(below(1u << 30)) - 5e8; });
+  add("sorted", [&](std::size_t i) { return key(i / 2); });
+  add("reversed", [&](std::size_t i) { return key(n - i); });
+  add("few", [&](std::size_t) { return key(below(4)); });
+  add("one value", [&](std::size_t) { return key(below(20) == 0 ? below(9) : 4); });
+  add("constant", [&](std::size_t) { return 7.0; });
+  add("sawtooth", [&](std::size_t i) { return key(i % 37) - key(i % 5); });
+  add("nearly sorted", [&](std::size_t i) { return key(below(50) ? i : below(n)); });
+  add("interleaved", [&](std::size_t i) { return key(i % 2 ? i : n - i); });
+  const T extremes[] = {Limits::lowest(), Limits::max(), T{0}, T{1}};
+  add("extremes", [&](std::size_t) { return extremes[below(4)]; });
   if constexpr (std::is_floating_point_v<T>) {
-    shapes.push_back({"zeros", make([&](std::size_t) { return below(2) ? 0.0 : -0.0; })});
-    shapes.push_back({"zeros and more", make([&](std::size_t) {
-                        const double list[] = {0.0, -0.0, 1.0, -1.0, HUGE_VAL, -HUGE_VAL, 5e-324};
-                        return list[below(7)];
-                      })});
+    add("zeros", [&](std::size_t) { return below(2) ? 0.0 : -0.0; });
+    const double special[] = {0.0, -0.0, 1.0, -1.0, HUGE_VAL, -HUGE_VAL, 5e-324};
+    add("zeros and more", [&](std::size_t) { return special[below(7)]; });
     for (const std::size_t every : {2u, 9u, 200u}) {
-      auto keys = make([&](std::size_t) { return key(below(100)) - 50; });
+      add("", [&](std::size_t) { return key(below(100)) - 50; });
+      shapes.back().name = "NaN 1 in " + std::to_string(every);
       for (std::size_t i = 0; i < n; ++i) {
-        if (below(every) == 0) keys[i] = nanWithPayload<T>(static_cast<unsigned>(i % 1000));
+        if (below(every) == 0) {
+          shapes.back().keys[i] = nanWithPayload<T>(static_cast<unsigned>(i % 1000));
+        }
       }
-      shapes.push_back({"NaN 1 in " + std::to_string(every), std::move(keys)});
     }
   }
   return shapes;

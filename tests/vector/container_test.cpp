@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <climits>
 #include <cmath>
 #include <limits>
@@ -9,6 +8,7 @@
 #include <random>
 #include <sstream>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "tests/support/expect_message.h"
@@ -117,21 +117,18 @@ TYPED_TEST(Vectors, FailedAllocationsNameTheVectorAndChangeNothing) {
 TYPED_TEST(Vectors, RangesAreClamped) {
   TypeParam v;
   v.Resize(10);
-  const std::vector<std::array<int, 4>> cases{{0, 0, 1, 10},
-                                              {0, 5, 1, 5},
-                                              {7, 3, 3, 7},
-                                              {-4, 99, 1, 10},
-                                              {12, 15, 10, 10},
-                                              {-9, -3, 1, 1},
-                                              {INT_MAX, INT_MIN, 1, 10},
-                                              {5, 0, 1, 5}};
-  for (const auto& [low, high, first, last] : cases) {
-    int l = low;
-    int h = high;
-    v.MakeValidElemRange(l, h);
-    EXPECT_EQ(l, first) << low << ' ' << high;
-    EXPECT_EQ(h, last) << low << ' ' << high;
-  }
+  const auto valid = [&](int low, int high) {
+    v.MakeValidElemRange(low, high);
+    return std::pair(low, high);
+  };
+  EXPECT_EQ(valid(0, 0), std::pair(1, 10));
+  EXPECT_EQ(valid(0, 5), std::pair(1, 5));
+  EXPECT_EQ(valid(7, 3), std::pair(3, 7));
+  EXPECT_EQ(valid(-4, 99), std::pair(1, 10));
+  EXPECT_EQ(valid(12, 15), std::pair(10, 10));
+  EXPECT_EQ(valid(-9, -3), std::pair(1, 1));
+  EXPECT_EQ(valid(INT_MAX, INT_MIN), std::pair(1, 10));
+  EXPECT_EQ(valid(5, 0), std::pair(1, 5));
 }
 
 TYPED_TEST(Vectors, AssignTakesHandlersAndStateCloneDoesNot) {
