@@ -51,7 +51,7 @@ std::vector<test::NamedData> unitBreakers(std::size_t n) {
 }
 
 TEST(SplitSums, BoundsHoldOnHostileData) {
-  for (const std::size_t n : {16u, 17u, 1450u, 2051u, 4100u}) {
+  for (const std::size_t n : {16u, 17u, 129u, 1450u, 2048u, 2051u, 7000u}) {
     for (const auto& [name, x] : unitBreakers(n)) {
       SCOPED_TRACE(name + " n=" + std::to_string(n));
       expectWithinBound(splitSum(x.data(), n), test::ExactPowerSums(x).s1, 1074);

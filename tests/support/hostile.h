@@ -17,9 +17,9 @@ struct NamedData {
 };
 
 /// Around the sixteen lanes, and around the runs that the kernels fold.
-inline const std::vector<std::size_t> kLengths{0,  1,   2,   3,   4,   5,    7,    8,    9,   15,
-                                               16, 17,  31,  32,  33,  47,   48,   49,   63,  64,
-                                               65, 127, 128, 129, 255, 2047, 2048, 2049, 8209};
+inline const std::vector<std::size_t> kLengths{
+    0,  1,  2,  3,  4,  5,   7,   8,   9,   15,   16,   17,   31,   32,   33,   47,
+    48, 49, 63, 64, 65, 127, 128, 129, 255, 1000, 2047, 2048, 2049, 4113, 6150, 8209};
 
 inline std::vector<NamedData> hostileData(std::size_t n) {
   std::mt19937_64 random(20240517 + n);
