@@ -58,10 +58,10 @@ class ZEL_API TMatrix : public TNumMatrix<double> {
   [[nodiscard]] int Precision(int ix) const { return GetFPrecis(ix); }
   void SetPrecision(int ix, int value) { SetFPrecis(ix, value); }
 
-  /// CopyFrom with a source of integers, or a layer of a three-dimensional source.
-  /// @param SourceLayer  limited to 1..number of layers
+  /// CopyFrom with a source of integers.
   void CopyFrom(const TIntMatrix* MatSource, int SourceColLo, int SourceRowLo, int SourceColHi,
                 int SourceRowHi, int DestCol, int DestRow);
+  /// The same from a layer, whose number is limited to 1..number of layers.
   void CopyFrom(const TMat3D* MatSource, int SourceColLo, int SourceRowLo, int SourceColHi,
                 int SourceRowHi, int SourceLayer, int DestCol, int DestRow);
   /// A literal null, which fits every overload: nothing happens.
@@ -90,7 +90,7 @@ class ZEL_API TMatrix : public TNumMatrix<double> {
   /// progress step is made for each column. With more than one thread at most NThreads workers
   /// compute, each column adds 1 to ProcStat, and the caller's thread calls MathFeedBackProc while
   /// it waits; no worker outlives the call. The bits do not depend on the number of threads.
-  /// @param NThreads  below 1: 1; by default the number of logical processors
+  /// NThreads below 1 is taken as 1; without it, it is the number of logical processors.
   bool Square(TMatrix* MatRes, double Norm);
   bool Square(TMatrix* MatRes, double Norm, int NThreads);
 
