@@ -2,6 +2,7 @@
 /// The whole library.
 #pragma once
 
+#include "zel/analysis/Zel_math2.h"
 #include "zel/base/Zel_dstruct.h"
 #include "zel/base/Zel_filesys.h"
 #include "zel/base/Zel_streams.h"

@@ -11,5 +11,6 @@ EInOutError::~EInOutError() = default;
 EZELMath1Error::~EZELMath1Error() = default;
 EZELVectorError::~EZELVectorError() = default;
 EZELMatrixError::~EZELMatrixError() = default;
+EZELMath2Error::~EZELMath2Error() = default;
 
 }  // namespace zel

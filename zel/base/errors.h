@@ -70,4 +70,11 @@ class ZEL_API EZELMatrixError : public EZELError {
   ~EZELMatrixError() override;
 };
 
+/// Raised by curve fitting and multivariate analysis.
+class ZEL_API EZELMath2Error : public EZELError {
+ public:
+  using EZELError::EZELError;
+  ~EZELMath2Error() override;
+};
+
 }  // namespace zel

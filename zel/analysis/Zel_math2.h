@@ -1,0 +1,5 @@
+/// @file
+/// Curve fitting and multivariate analysis.
+#pragma once
+
+#include "zel/analysis/TCurveFit.h"
