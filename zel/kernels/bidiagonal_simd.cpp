@@ -18,80 +18,7 @@ namespace {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-using Tag = hn::CappedTag<double, 8>;
-using Vec = hn::Vec<Tag>;
-constexpr std::size_t kLanes = hn::MaxLanes(Tag());
-// Lanes of a sum, whatever the width of a vector.
-constexpr std::size_t kSumLanes = 16;
-constexpr std::size_t kSumVecs = kSumLanes / kLanes;
-
-/// Sum of scale^2 x y; lane i takes the elements with index i modulo 16.
-HWY_INLINE double dot(const double* HWY_RESTRICT x, const double* HWY_RESTRICT y, std::size_t n,
-                      double scale = 1) {
-  const Tag d;
-  const Vec factor = hn::Set(d, scale);
-  Vec s[kSumVecs];
-  for (std::size_t v = 0; v < kSumVecs; ++v) s[v] = hn::Zero(d);
-  const auto add = [&](const double* a, const double* b) HWY_ATTR {
-    for (std::size_t v = 0; v < kSumVecs; ++v) {
-      const Vec p = hn::Mul(factor, hn::LoadU(d, a + v * kLanes));
-      s[v] = hn::Add(s[v], hn::Mul(p, hn::Mul(factor, hn::LoadU(d, b + v * kLanes))));
-    }
-  };
-  std::size_t i = 0;
-  for (; i + kSumLanes <= n; i += kSumLanes) add(x + i, y + i);
-  if (i < n) {
-    HWY_ALIGN double rest[2][kSumLanes] = {};
-    std::copy(x + i, x + n, rest[0]);
-    std::copy(y + i, y + n, rest[1]);
-    add(rest[0], rest[1]);
-  }
-  HWY_ALIGN double lanes[kSumLanes];
-  for (std::size_t v = 0; v < kSumVecs; ++v) hn::Store(s[v], d, lanes + v * kLanes);
-  for (std::size_t width = kSumLanes / 2; width > 0; width /= 2) {
-    for (std::size_t lane = 0; lane < width; ++lane) lanes[lane] += lanes[lane + width];
-  }
-  return lanes[0];
-}
-
-/// y -= f x
-HWY_INLINE void subtract(double f, const double* HWY_RESTRICT x, double* HWY_RESTRICT y,
-                         std::size_t n) {
-  const Tag d;
-  const Vec factor = hn::Set(d, f);
-  std::size_t i = 0;
-  for (; i + kLanes <= n; i += kLanes) {
-    hn::StoreU(hn::Sub(hn::LoadU(d, y + i), hn::Mul(factor, hn::LoadU(d, x + i))), d, y + i);
-  }
-  for (; i < n; ++i) y[i] -= f * x[i];
-}
-
-/// x -> (1 - f v v^T) x
-HWY_INLINE void reflect(double f, const double* HWY_RESTRICT v, double* HWY_RESTRICT x,
-                        std::size_t n) {
-  if (f != 0) subtract(f * dot(v, x, n), v, x, n);
-}
-
-/// Turns x into the vector v, v[0] = 1, of the reflection that maps it on a multiple of the first
-/// unit vector.
-/// @param image  takes that multiple
-/// @return the factor f; 0 if x already is such a multiple
-double makeReflection(double* x, std::size_t n, double& image) {
-  image = x[0];
-  double big = 0;
-  for (std::size_t i = 1; i < n; ++i) big = std::max(big, std::abs(x[i]));
-  x[0] = 1;
-  if (big == 0) return 0;
-  // Exact scaling, so that no square is lost.
-  const int exponent = std::max(std::ilogb(std::max(big, std::abs(image))), -1000);
-  const double scale = std::ldexp(1.0, -exponent);
-  const double alpha = image * scale;
-  const double norm = std::sqrt(alpha * alpha + dot(x + 1, x + 1, n - 1, scale));
-  const double beta = alpha < 0 ? norm : -norm;
-  for (std::size_t i = 1; i < n; ++i) x[i] = x[i] * scale / (alpha - beta);
-  image = std::ldexp(beta, exponent);
-  return (beta - alpha) / beta;
-}
+#include "zel/kernels/reflections-inl.h"
 
 /// y = f times the sum of the columns of a, each times its element of v. Four columns share the
 /// reading and writing of y.
@@ -116,7 +43,7 @@ void multiply(ConstMatrix a, const double* v, double f, double* HWY_RESTRICT y) 
   for (; c < a.columns; ++c) {
     for (std::size_t i = 0; i < a.rows; ++i) y[i] += a(i, c) * v[c];
   }
-  for (std::size_t i = 0; i < a.rows; ++i) y[i] *= f;
+  multiply(f, y, a.rows);
 }
 
 bool reduce(Matrix a, Matrix v, const Bidiagonal& b, double* work, Poll step) {

@@ -4,8 +4,10 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
+#include <optional>
 
 #include "zel/kernels/bidiagonal.h"
+#include "zel/kernels/scaling.h"
 #include "zel/kernels/scratch.h"
 
 namespace zel::kernels {
@@ -162,25 +164,12 @@ SvdStatus decompose(Matrix a, std::span<double> w, Matrix v, Poll step) {
   const Bidiagonal b{w.data(), scratch.data(), scratch.data() + n, scratch.data() + 2 * n};
   double* const work = scratch.data() + 3 * n;
 
-  double big = 0;
-  bool isFinite = true;
-  for (std::size_t c = 0; c < n; ++c) {
-    for (const double x : a[c]) {
-      isFinite &= std::abs(x) <= std::numeric_limits<double>::max();
-      big = std::max(big, std::abs(x));
-    }
-  }
-  if (!isFinite) return SvdStatus::notConverged;
   // An exact factor keeps the squares of the values that matter in range. What falls below the
   // range of doubles is far below the roundoff of the rest.
-  int exponent = big > 0 ? std::ilogb(big) : 0;
-  if (std::abs(exponent) < 300) exponent = 0;
-  const int half = exponent / 2;  // 2^exponent itself may be out of range
-  if (exponent != 0) {
-    for (std::size_t c = 0; c < n; ++c) {
-      for (double& x : a[c]) x = x * std::ldexp(1.0, -half) * std::ldexp(1.0, half - exponent);
-    }
-  }
+  const std::optional<int> found = extremeExponent(a);
+  if (!found) return SvdStatus::notConverged;
+  const int exponent = *found;
+  scaleByPower(a, -exponent);
 
   if (!reduceToBidiagonal(a, v, b, work, step)) return SvdStatus::stopped;
   if (isWanted) {
