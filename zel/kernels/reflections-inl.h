@@ -142,7 +142,13 @@ inline double makeReflection(double head, double* x, std::size_t n, double& imag
   const double alpha = head * scale;
   const double norm = std::sqrt(alpha * alpha + scaledSquares(x, n, scale));
   const double beta = alpha < 0 ? norm : -norm;
-  multiply(scale / (alpha - beta), x, n);
+  const double shrink = scale / (alpha - beta);
+  if (std::isfinite(shrink)) {
+    multiply(shrink, x, n);
+  } else {
+    multiply(scale, x, n);
+    multiply(1 / (alpha - beta), x, n);
+  }
   image = std::ldexp(beta, exponent);
   return (beta - alpha) / beta;
 }
