@@ -1,0 +1,310 @@
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <span>
+#include <vector>
+
+#include "zel/kernels/jacobi.h"
+#include "zel/kernels/products.h"
+#include "zel/kernels/scratch.h"
+#include "zel/kernels/targets.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "zel/kernels/jacobi_simd.cpp"
+#include "hwy/foreach_target.h"  // IWYU pragma: keep
+#include "hwy/highway.h"
+
+#ifndef ZEL_KERNELS_JACOBI_TURN
+#define ZEL_KERNELS_JACOBI_TURN
+namespace zel::kernels {
+namespace {
+
+/// Rotation of a vector x with one column of a matrix.
+struct Turn {
+  std::size_t column;
+  double s;
+  double tau;  ///< s / (1 + c)
+
+  void operator()(double& x, double& y) const {
+    const double old = x;
+    x = x - s * (y + x * tau);
+    y = y + s * (old - y * tau);
+  }
+};
+
+}  // namespace
+}  // namespace zel::kernels
+#endif
+
+HWY_BEFORE_NAMESPACE();
+namespace zel::kernels::HWY_NAMESPACE {
+namespace {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+using Tag = hn::CappedTag<double, 8>;
+using Vec = hn::Vec<Tag>;
+constexpr std::size_t kLanes = hn::MaxLanes(Tag());
+
+/// As many rows as kVecs vectors hold, of which the last may be a part; x stays in registers from
+/// turn to turn.
+template <std::size_t kVecs, bool kIsWhole>
+HWY_INLINE void rotateRows(std::span<const Turn> turns, double* x, double* y, std::size_t stride,
+                           std::size_t rest) {
+  const Tag d;
+  const auto mask = hn::FirstN(d, rest);
+  const auto load = [&](const double* from, std::size_t v) HWY_ATTR {
+    if (!kIsWhole && v + 1 == kVecs) return hn::MaskedLoad(mask, d, from + v * kLanes);
+    return hn::LoadU(d, from + v * kLanes);
+  };
+  const auto store = [&](Vec value, double* to, std::size_t v) HWY_ATTR {
+    if (!kIsWhole && v + 1 == kVecs) {
+      hn::BlendedStore(value, mask, d, to + v * kLanes);
+    } else {
+      hn::StoreU(value, d, to + v * kLanes);
+    }
+  };
+  Vec g[kVecs];
+  for (std::size_t v = 0; v < kVecs; ++v) g[v] = load(x, v);
+  for (const Turn& turn : turns) {
+    const Vec s = hn::Set(d, turn.s);
+    const Vec tau = hn::Set(d, turn.tau);
+    double* const column = y + turn.column * stride;
+    for (std::size_t v = 0; v < kVecs; ++v) {
+      const Vec h = load(column, v);
+      const Vec old = g[v];
+      g[v] = hn::Sub(old, hn::Mul(s, hn::Add(h, hn::Mul(old, tau))));
+      store(hn::Add(h, hn::Mul(s, hn::Sub(old, hn::Mul(h, tau)))), column, v);
+    }
+  }
+  for (std::size_t v = 0; v < kVecs; ++v) store(g[v], x, v);
+}
+
+/// Rotates x with the columns of y, one turn after the other. x may be a column of y that no turn
+/// names. The chain of turns is long, so rows go together in runs of equal length that hide it.
+void rotateWith(std::span<const Turn> turns, double* x, Matrix y) {
+  constexpr std::size_t kMost = 8;
+  std::size_t vecs = (y.rows + kLanes - 1) / kLanes;
+  const std::size_t rest = y.rows % kLanes;
+  std::size_t runs = (vecs + kMost - 1) / kMost;
+  double* at = y.data;
+  for (; runs > 0; --runs) {
+    const std::size_t count = vecs / runs;
+    const bool isWhole = runs > 1 || rest == 0;
+    const auto rotate = [&]<std::size_t kVecs>() HWY_ATTR {
+      if (isWhole) {
+        rotateRows<kVecs, true>(turns, x, at, y.stride, rest);
+      } else {
+        rotateRows<kVecs, false>(turns, x, at, y.stride, rest);
+      }
+    };
+    switch (count) {
+      case 1:
+        rotate.template operator()<1>();
+        break;
+      case 2:
+        rotate.template operator()<2>();
+        break;
+      case 3:
+        rotate.template operator()<3>();
+        break;
+      case 4:
+        rotate.template operator()<4>();
+        break;
+      case 5:
+        rotate.template operator()<5>();
+        break;
+      case 6:
+        rotate.template operator()<6>();
+        break;
+      case 7:
+        rotate.template operator()<7>();
+        break;
+      default:
+        rotate.template operator()<8>();
+        break;
+    }
+    vecs -= count;
+    x += count * kLanes;
+    at += count * kLanes;
+  }
+}
+
+}  // namespace
+}  // namespace zel::kernels::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace zel::kernels {
+
+HWY_EXPORT(rotateWith);
+
+namespace {
+
+constexpr int kMostSweeps = 100;
+
+/// Sum of the magnitudes above the diagonal, row by row.
+double offDiagonal(ConstMatrix a) {
+  double sum = 0;
+  for (std::size_t p = 0; p < a.columns; ++p) {
+    for (std::size_t q = p + 1; q < a.columns; ++q) sum += std::abs(a(p, q));
+  }
+  return sum;
+}
+
+/// Columns whose rotations with one row are found before they are carried out.
+constexpr std::size_t kBlock = 8;
+// Rotations that wait before they are carried out.
+constexpr std::size_t kMostTurns = 8192;
+
+/// The working state: the matrix, whose row in turn is held apart, one element per column, the
+/// eigenvalues d = b + z, and the eigenvectors.
+struct Iteration {
+  Matrix a;
+  Matrix vectors;
+  double* d;
+  double* b;
+  double* z;
+  double* row;
+  double* panel;  ///< n * kBlock numbers
+  double threshold = 0;
+  bool isLate = false;  ///< tiny elements are dropped
+  /// Rotations that the vectors and the rows above have still to take, by rows of the sweep.
+  std::vector<Turn> turns;
+  struct Waiting {
+    std::size_t p;
+    std::size_t first;
+  };
+  std::vector<Waiting> waiting;
+
+  /// The rotation that makes element q of row p zero, if it is worth one.
+  bool findTurn(std::size_t p, std::size_t q, Turn& turn) {
+    const double element = row[q];
+    const double g = 200 * std::abs(element);
+    if (isLate && std::abs(d[p]) + g == std::abs(d[p]) && std::abs(d[q]) + g == std::abs(d[q])) {
+      row[q] = 0;
+      return false;
+    }
+    if (!(std::abs(element) > threshold)) return false;
+    double h = d[q] - d[p];
+    double t;
+    if (std::abs(h) + g == std::abs(h)) {
+      t = element / h;
+    } else {
+      const double theta = h / (2 * element);
+      t = 1 / (std::abs(theta) + std::sqrt(theta * theta + 1));
+      if (theta < 0) t = -t;
+    }
+    const double c = 1 / std::sqrt(t * t + 1);
+    turn = {q, t * c, t * c / (1 + c)};
+    h = t * element;
+    z[p] -= h;
+    z[q] += h;
+    d[p] -= h;
+    d[q] += h;
+    row[q] = 0;
+    return true;
+  }
+
+  /// One row of a sweep. Within it, each element takes its rotations in the order of the columns,
+  /// but the elements that do not decide about further rotations wait for them, so that they are
+  /// read and written once for many.
+  bool makeRowZero(std::size_t p, Poll step) {
+    const std::size_t n = a.columns;
+    bool goOn = true;
+    waiting.push_back({p, turns.size()});
+    for (std::size_t q = p + 1; q < n; ++q) row[q] = a(p, q);
+    for (std::size_t first = p + 1; first < n && goOn; first += kBlock) {
+      const std::size_t last = std::min(first + kBlock, n);
+      const std::size_t known = turns.size();
+      for (std::size_t q = first; q < last && goOn; ++q) {
+        Turn turn;
+        if (findTurn(p, q, turn)) {
+          for (std::size_t j = first; j < q; ++j) turn(row[j], a(j, q));
+          for (std::size_t j = q + 1; j < last; ++j) turn(row[j], a(q, j));
+          turns.push_back(turn);
+        }
+        goOn = step();
+      }
+      if (turns.size() == known) continue;
+      const std::span<Turn> found = std::span(turns).subspan(known);
+      // Rows p + 1 .. first - 1, and rows first .. last - 1 behind the block, which are turned to
+      // columns for the time being.
+      HWY_DYNAMIC_DISPATCH(rotateWith)
+      (found, row + p + 1, a.block(p + 1, 0, first - p - 1, n));
+      if (last == n) break;
+      const Matrix behind = a.block(first, last, last - first, n - last);
+      const Matrix turned{panel, behind.columns, behind.rows, behind.columns};
+      transpose(behind, turned);
+      for (Turn& turn : found) turn.column -= first;
+      HWY_DYNAMIC_DISPATCH(rotateWith)(found, row + last, turned);
+      for (Turn& turn : found) turn.column += first;
+      transpose(turned, behind);
+    }
+    for (std::size_t q = p + 1; q < n; ++q) a(p, q) = row[q];
+    if (turns.size() > kMostTurns) carryOut();
+    return goOn;
+  }
+
+  /// Carries out the rotations that wait, on so few rows at a time that they stay in the cache.
+  void carryOut() {
+    const std::size_t n = a.columns;
+    constexpr std::size_t kRows = 32;
+    for (std::size_t first = 0; first < n; first += kRows) {
+      const std::size_t rows = std::min(kRows, n - first);
+      for (std::size_t k = 0; k < waiting.size(); ++k) {
+        const std::size_t p = waiting[k].p;
+        const std::size_t end = k + 1 < waiting.size() ? waiting[k + 1].first : turns.size();
+        const std::span<const Turn> found(turns.data() + waiting[k].first, turns.data() + end);
+        HWY_DYNAMIC_DISPATCH(rotateWith)
+        (found, vectors.column(p) + first, vectors.block(first, 0, rows, n));
+        if (first >= p) continue;
+        HWY_DYNAMIC_DISPATCH(rotateWith)
+        (found, a.column(p) + first, a.block(first, 0, std::min(rows, p - first), n));
+      }
+    }
+    turns.clear();
+    waiting.clear();
+  }
+};
+
+}  // namespace
+
+JacobiStatus jacobiEigenvectors(Matrix a, std::span<double> values, Matrix vectors, Poll sweep,
+                                Poll step) {
+  const std::size_t n = a.columns;
+  const Scratch scratch((3 + kBlock) * n);
+  double* const b = scratch.data();
+  Iteration work{a, vectors, values.data(), b, b + n, b + 2 * n, b + 3 * n, 0, false, {}, {}};
+  work.turns.reserve(kMostTurns + n);
+  work.waiting.reserve(n);
+  for (std::size_t i = 0; i < n; ++i) {
+    std::fill_n(vectors.column(i), n, 0.0);
+    vectors(i, i) = 1;
+    b[i] = values[i] = a(i, i);
+    work.z[i] = 0;
+  }
+  for (int count = 1; count <= kMostSweeps; ++count) {
+    (void)sweep();
+    const double sum = offDiagonal(a);
+    if (sum == 0) return JacobiStatus::done;
+    work.threshold = count < 4 ? 0.2 * sum / static_cast<double>(n * n) : 0;
+    work.isLate = count > 4;
+    for (std::size_t p = 0; p + 1 < n; ++p) {
+      if (!work.makeRowZero(p, step)) {
+        work.carryOut();
+        return JacobiStatus::stopped;
+      }
+    }
+    work.carryOut();
+    for (std::size_t i = 0; i < n; ++i) {
+      b[i] += work.z[i];
+      values[i] = b[i];
+      work.z[i] = 0;
+    }
+  }
+  return JacobiStatus::notConverged;
+}
+
+}  // namespace zel::kernels
+#endif
