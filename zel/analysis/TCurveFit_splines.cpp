@@ -8,6 +8,7 @@
 #include "zel/analysis/TCurveFit.h"
 #include "zel/base/errors.h"
 #include "zel/kernels/comb_order.h"
+#include "zel/kernels/exponent.h"
 #include "zel/kernels/spline.h"
 #include "zel/kernels/sums.h"
 
@@ -48,11 +49,17 @@ struct DistinctPairs {
 
 /// 1 - residual sum of squares / total sum of squares, limited to 0..1; 1 for a constant y.
 double determination(const DistinctPairs& pairs, std::span<const double> fitted) {
+  // Scaled, so that no difference overflows.
+  const int exponent = kernels::largestExponent(pairs.allY);
+  std::vector<double> y;
   std::vector<double> estimates;
+  y.reserve(pairs.allY.size());
   estimates.reserve(pairs.allY.size());
-  for (std::size_t i = 0; i < fitted.size(); ++i)
-    estimates.insert(estimates.end(), static_cast<std::size_t>(pairs.count[i]), fitted[i]);
-  const std::span<const double> y = pairs.allY;
+  for (const double v : pairs.allY) y.push_back(std::ldexp(v, -exponent));
+  for (std::size_t i = 0; i < fitted.size(); ++i) {
+    estimates.insert(estimates.end(), static_cast<std::size_t>(pairs.count[i]),
+                     std::ldexp(fitted[i], -exponent));
+  }
   if (std::all_of(y.begin(), y.end(), [&](double v) { return v == y.front(); })) return 1;
   const std::vector<double> level(y.size(), kernels::mean(y));
   const double ratio =
