@@ -2,8 +2,9 @@
 /// Pairs of values: statistics, correlations, curve fits.
 #pragma once
 
-#include <array>
 #include <cstdint>
+#include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -13,6 +14,10 @@
 #include "zel/vector/Zel_vector.h"
 
 namespace zel {
+
+namespace detail {
+class TPairSums;
+}
 
 /// Which values a set of pairs holds that some transformed sums cannot take: x <= 0, y <= 0, x near
 /// zero, y near zero.
@@ -232,11 +237,23 @@ class ZEL_API TCurveFit : public TComponent {
   void PrepareSpline();
   /// @return whether there is a smoothing spline
   bool PrepareSmoothedSpline();
+  /// The polynomial fit about a shift: coefficients of ((x - shift) / spread)^j for y - offset.
+  bool FitPolynomial(std::string_view routine, int nOrder, double shift, double spread,
+                     double offset, TDoubleArray& kArray, TDoubleArray* Alpha, double& FitQual,
+                     bool& NearSingular) const;
+  void ClearCaches();
+  /// Puts other pairs in place of those that are there.
+  void Replace(std::span<const double> x, std::span<const double> y);
+  /// No sums, no pairs, no extremes; the storage keeps its contents.
+  void ResetSummary();
   /// The stored values of column 1 (x) or 2 (y), one for each pair.
   [[nodiscard]] std::span<const double> Values(int col) const {
     return FData.Column(col).first(static_cast<std::size_t>(FNumData));
   }
 
+  static constexpr int kLeastRows = 1000;
+
+  std::unique_ptr<detail::TPairSums> FSums;
   int FNumData = 0;
   double FMinX = 0;
   double FMaxX = 0;
