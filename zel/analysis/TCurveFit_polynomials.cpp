@@ -5,8 +5,10 @@
 #include "zel/analysis/memory_impl.h"
 #include "zel/base/progress.h"
 #include "zel/kernels/least_squares.h"
+#include "zel/kernels/minmax.h"
 #include "zel/kernels/moments.h"
 #include "zel/kernels/planar_fits.h"
+#include "zel/kernels/regression.h"
 #include "zel/kernels/student_t.h"
 #include "zel/kernels/sums.h"
 
@@ -15,11 +17,11 @@ namespace zel {
 void TCurveFit::CalcLinFit(double& k, double& d, double& FitQual) const {
   k = d = FitQual = 0;
   if (FNumData < 2) throw EZELMath2Error("CalcLinFit: not enough data points");
+  if (kernels::isConstant(Values(1))) throw EZELMath2Error("CalcLinFit: slope is infinite");
   const auto fit = kernels::fitLine(Values(1), Values(2));
-  if (!fit) throw EZELMath2Error("CalcLinFit: slope is infinite");
-  k = fit->slope;
-  d = fit->intercept;
-  FitQual = fit->determination;
+  k = static_cast<double>(fit.slope.hi);
+  d = static_cast<double>(fit.constant.hi);
+  FitQual = fit.quality;
 }
 
 void TCurveFit::CalcParabolFit(double& k0, double& k1, double& k2, double& FitQual) const {

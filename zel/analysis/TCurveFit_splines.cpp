@@ -8,7 +8,7 @@
 #include "zel/analysis/TCurveFit.h"
 #include "zel/base/errors.h"
 #include "zel/kernels/comb_order.h"
-#include "zel/kernels/exponent.h"
+#include "zel/kernels/scaling.h"
 #include "zel/kernels/spline.h"
 #include "zel/kernels/sums.h"
 

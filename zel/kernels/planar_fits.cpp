@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "zel/kernels/lane_sums.h"
+#include "zel/kernels/minmax.h"
 #include "zel/kernels/sums.h"
 
 namespace zel::kernels {
@@ -12,19 +13,13 @@ namespace {
 
 using Points = std::span<const double>;
 
-bool isConstant(Points x) {
-  return std::all_of(x.begin(), x.end(), [&](double v) { return v == x.front(); });
-}
-
 /// Whether sums of squares of deviations from a mean have kept their digits and leave room for
 /// products of a few of them.
-bool isModerate(DoubleDouble squares, Points x, double limit) {
+bool isModerate(DoubleDouble squares, Points x) {
+  constexpr double kLimit = 0x1p120;
   if (!isFinite(squares)) return false;
-  return squares.hi == 0 ? isConstant(x) : squares.hi > 1 / limit && squares.hi < limit;
+  return squares.hi == 0 ? isConstant(x) : squares.hi > 1 / kLimit && squares.hi < kLimit;
 }
-
-constexpr double kSecondOrderLimit = 0x1p400;
-constexpr double kFourthOrderLimit = 0x1p120;
 
 /// What cancellation leaves of the sums is no more than this part of them.
 template <class T>
@@ -56,32 +51,12 @@ auto inDoubleElseExtended(Fit&& fit) {
 }
 
 template <class T>
-std::optional<std::optional<LineFit>> lineIn(Points x, Points y) {
-  const Centre<T> c{roundedMean<T>(x), roundedMean<T>(y)};
-  const auto [sx, sy, sxx, syy, sxy] = sumsOf<CentredProductTerms, T>(x, y, c);
-  if constexpr (std::is_same_v<T, double>) {
-    if (!isModerate(sxx, x, kSecondOrderLimit) || !isModerate(syy, y, kSecondOrderLimit))
-      return std::nullopt;
-  }
-  const auto n = twofoldOf<T>(x.size());
-  const Twofold<T> spreadX = sxx - sx * sx / n;
-  const Twofold<T> spreadY = syy - sy * sy / n;
-  const Twofold<T> products = sxy - sx * sy / n;
-  if (isRounding(spreadX, sxx)) return std::optional<LineFit>();
-  const Twofold<T> slope = products / spreadX;
-  const Twofold<T> intercept = Twofold<T>{c.y, 0} + sy / n - slope * (Twofold<T>{c.x, 0} + sx / n);
-  const double determination = isRounding(spreadY, syy) ? 1 : rounded(slope * products / spreadY);
-  return LineFit{rounded(slope), rounded(intercept), determination};
-}
-
-template <class T>
 std::optional<ParabolaFit> parabolaIn(Points x, Points y) {
   const Centre<T> c{roundedMean<T>(x), roundedMean<T>(y)};
   const auto [su, su2, su3, su4] = sumsOf<CentredPowerTerms, T>(x, x, c);
   const auto [sv, sv2, suv, su2v] = sumsOf<CentredCrossTerms, T>(x, y, c);
   if constexpr (std::is_same_v<T, double>) {
-    if (!isModerate(su2, x, kFourthOrderLimit) || !isModerate(sv2, y, kFourthOrderLimit))
-      return std::nullopt;
+    if (!isModerate(su2, x) || !isModerate(sv2, y)) return std::nullopt;
   }
   using Number = Twofold<T>;
   const auto n = twofoldOf<T>(x.size());
@@ -113,8 +88,7 @@ std::optional<std::optional<CircleFit>> circleIn(Points x, Points y) {
   const auto ofU = sumsOf<CentredPowerTerms, T>(x, x, centre);
   const auto ofV = sumsOf<CentredPowerTerms, T>(y, y, exchanged);
   if constexpr (std::is_same_v<T, double>) {
-    if (!isModerate(ofU[1], x, kFourthOrderLimit) || !isModerate(ofV[1], y, kFourthOrderLimit))
-      return std::nullopt;
+    if (!isModerate(ofU[1], x) || !isModerate(ofV[1], y)) return std::nullopt;
   }
   using Number = Twofold<T>;
   const auto n = twofoldOf<T>(x.size());
@@ -145,12 +119,6 @@ void cut(Points& x, Points& y) {
 }
 
 }  // namespace
-
-std::optional<LineFit> fitLine(Points x, Points y) {
-  cut(x, y);
-  if (x.size() < 2) return std::nullopt;
-  return inDoubleElseExtended([&](auto number) { return lineIn<decltype(number)>(x, y); });
-}
 
 ParabolaFit fitParabola(Points x, Points y) {
   cut(x, y);

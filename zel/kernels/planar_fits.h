@@ -12,17 +12,6 @@
 
 namespace zel::kernels {
 
-/// y = slope x + intercept. determination: the part of the variance of y that is explained, 1 if y
-/// is constant.
-struct LineFit {
-  double slope = 0;
-  double intercept = 0;
-  double determination = 0;
-};
-
-/// Nothing if all x are equal or there are fewer than two points.
-[[nodiscard]] std::optional<LineFit> fitLine(std::span<const double> x, std::span<const double> y);
-
 /// y = k0 + k1 x + k2 x^2
 struct ParabolaFit {
   double k0 = 0;

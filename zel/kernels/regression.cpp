@@ -4,8 +4,9 @@
 #include <cmath>
 #include <vector>
 
-#include "zel/kernels/exponent.h"
+#include "zel/kernels/minmax.h"
 #include "zel/kernels/moments.h"
+#include "zel/kernels/scaling.h"
 
 namespace zel::kernels {
 
@@ -38,10 +39,6 @@ class Normalised {
 ExtendedPair scaled(DoubleDouble v, int exponent) {
   const ExtendedPair wide = twoSum(Extended{v.hi}, Extended{v.lo});
   return {std::ldexp(wide.hi, exponent), std::ldexp(wide.lo, exponent)};
-}
-
-bool isConstant(std::span<const double> x) {
-  return std::all_of(x.begin(), x.end(), [&](double v) { return v == x.front(); });
 }
 
 double limited(DoubleDouble quality) {

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "zel/kernels/double_double.h"
-#include "zel/kernels/exponent.h"
+#include "zel/kernels/scaling.h"
 #include "zel/kernels/scratch.h"
 #include "zel/kernels/sums.h"
 
