@@ -99,6 +99,7 @@ TEST(Sums, IntermediatesMayLeaveTheDoubleRange) {
   std::vector<double> x(40, kMax);
   EXPECT_EQ(sum(x).hi, kInf);
   EXPECT_EQ(mean(x), kMax);
+  EXPECT_EQ(mean(std::vector<double>{kMax, 0, 0}), kMax / 3);
   for (int i = 0; i < 39; ++i) x.push_back(-kMax);
   EXPECT_EQ(sum(x).hi, kMax);
   x.push_back(-kMax);

@@ -2,8 +2,9 @@
 /// Pairs of values: statistics, correlations, curve fits.
 #pragma once
 
-#include <array>
 #include <cstdint>
+#include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -13,6 +14,10 @@
 #include "zel/vector/Zel_vector.h"
 
 namespace zel {
+
+namespace detail {
+class TPairSums;
+}
 
 /// Which values a set of pairs holds that some transformed sums cannot take: x <= 0, y <= 0, x near
 /// zero, y near zero.
@@ -107,30 +112,118 @@ class ZEL_API TCurveFit : public TComponent {
   bool CalcCenteredPolyFit(int nOrder, TDoubleArray& kArray, TDoubleArray& alpha, double& XShift,
                            double& FitQual, bool& NearSingular) const;
   void CalcCircleFit(double& r, double& dx, double& dy) const;
+
+  /// @name Fits of transformed variables
+  /// Linear least squares after a transformation of x, y or both. The residuals that are minimised,
+  /// and FitQual, the coefficient of determination (1 for a perfect fit and for a constant
+  /// transformed y), are those of the transformed y. The fits work on the stored pairs in
+  /// double-double arithmetic, so that a large offset of x or y costs no digits; pairs that were
+  /// removed do not count. A value that is not finite makes all results not-a-number. A coefficient
+  /// that exceeds the doubles is infinite or 0. Cost: a few passes over the pairs, with working
+  /// memory for two of their columns.
+  ///
+  /// All of them set the results to 0 first and throw EZELMath2Error with the name of the routine
+  /// and one of: "not enough data points" (fewer pairs than coefficients); where a logarithm is
+  /// taken "all x values must be positive", "all y values must be positive"; where a reciprocal is
+  /// taken "x values must not be zero", "y values must not be zero" (a magnitude of 1E-30 or below
+  /// is zero); "all x values are equal". The text is, for example, "CalcLogFit: all x values must
+  /// be positive".
+  /// @{
+
+  /// Reciprocal of a straight line, y = 1 / (k0 + k1 x): the line 1/y over x. No y may be zero.
+  /// @param k0  in units of 1/y
+  /// @param k1  in units of 1/(x y)
   void CalcReciLinFit(double& k0, double& k1, double& FitQual) const;
+  /// Hyperbola, y = k0 + k1 / x: the line y over 1/x. No x may be zero.
+  /// @param k0  in units of y; the value for large x
+  /// @param k1  in units of x y
   void CalcHyperbolFit(double& k0, double& k1, double& FitQual) const;
+  /// Reciprocal of a hyperbola, y = 1 / (k0 + k1 / x) = x / (k0 x + k1), the saturation curve of
+  /// Michaelis and Menten with the limit 1 / k0 and half of it at x = k1 / k0: the line 1/y over
+  /// 1/x (Lineweaver and Burk, J. Am. Chem. Soc. 56 (1934) 658). Neither x nor y may be zero.
+  /// @param k0  in units of 1/y
+  /// @param k1  in units of x/y
   void CalcReciHyperbolFit(double& k0, double& k1, double& FitQual) const;
+  /// Logarithm, y = k0 + k1 ln x: the line y over ln x. All x must be positive.
+  /// @param k0  in units of y; the value at x = 1
+  /// @param k1  in units of y; the increase when x grows by the factor e
   void CalcLogFit(double& k0, double& k1, double& FitQual) const;
+  /// Reciprocal of a logarithm, y = 1 / (k0 + k1 ln x): the line 1/y over ln x. All x must be
+  /// positive, no y may be zero.
+  /// @param k0, k1  in units of 1/y
   void CalcReciLogFit(double& k0, double& k1, double& FitQual) const;
+  /// Power, y = k0 x^k1: the line ln y over ln x. All x and y must be positive.
+  /// @param k0  the value at x = 1
+  /// @param k1  exponent, without unit
   void CalcPowerFit(double& k0, double& k1, double& FitQual) const;
+  /// Exponential, y = k0 exp(k1 x): the line ln y over x. All y must be positive.
+  /// @param k0  in units of y; the value at x = 0
+  /// @param k1  in units of 1/x; ln 2 / k1 is the doubling length
   void CalcExponentialFit(double& k0, double& k1, double& FitQual) const;
+  /// Hoerl's function, y = k0 k1^x x^k2: ln y by linear regression on x and ln x. All x and y must
+  /// be positive.
+  /// @param k0  the factor
+  /// @param k1  the base, positive; its logarithm is in units of 1/x
+  /// @param k2  exponent, without unit
+  /// @throws EZELMath2Error  also "CalcHoerlFit: fewer than three different x values" and
+  ///   "CalcHoerlFit: singular system" (x and ln x differ by less than the arithmetic holds)
   void CalcHoerlFit(double& k0, double& k1, double& k2, double& FitQual) const;
+  /// Gaussian peak, y = k0 exp(-(x - k1)^2 / (2 k2^2)): the parabola ln y over x (Caruana, Searle,
+  /// Heller and Shupack, Anal. Chem. 58 (1986) 1162), in which small y weigh as much as large ones.
+  /// All y must be positive.
+  /// @param k0  height, in units of y
+  /// @param k1  position of the maximum, in units of x
+  /// @param k2  standard deviation, above 0, in units of x
+  /// @throws EZELMath2Error  also "CalcGaussFit: fewer than three different x values",
+  ///   "CalcGaussFit: singular system", and "CalcGaussFit: the data have no maximum" if the
+  ///   parabola opens upwards or is a straight line to rounding
   void CalcGaussFit(double& k0, double& k1, double& k2, double& FitQual) const;
+  /// @}
 
-  // Splines.
+  /// @name Splines
+  /// Pairs with the same x count as one whose y is their mean. The curve is calculated on the first
+  /// call after a change of the pairs or of a setting, O(n log n), and kept; then a call costs
+  /// O(log n). Beyond the first and the last x it goes on along its tangent there.
+  /// @{
 
+  /// Interpolating cubic spline through the pairs. Each end is natural (second derivative 0) unless
+  /// SetNatural1 or SetNaturalN with false makes the first derivative there the one of SetY1Dash or
+  /// SetYNDash.
+  /// @return not-a-number for an x that is none, and for every x if a value of the pairs is not
+  ///   finite
+  /// @throws EZELMath2Error  "CubicSpline: not enough data points" for fewer than 3 different x
+  /// Method: tridiagonal system of the second derivatives (Ahlberg, Nilson and Walsh, The Theory of
+  /// Splines and Their Applications (1967) ch. 2).
   double CubicSpline(double x);
+  /// Natural cubic smoothing spline g, the minimum of
+  ///
+  ///     (1 - s) sum of (y - g(x))^2 over all pairs + s h^3 integral of g''^2,
+  ///
+  /// s being SplineSmoothingFactor limited to 0..1 and h the mean distance of neighbouring
+  /// different x, which makes s independent of the units of x. s = 0 interpolates like CubicSpline
+  /// with natural ends, s = 1 is the regression line. It always has natural ends.
+  /// @param FitQual  coefficient of determination over all pairs, 1 for a constant y
+  /// @param valid    false, with the results 0, for fewer than 3 different x, if a value of the
+  ///   pairs is not finite, if the factor is not-a-number, or if the coefficients exceed the
+  ///   doubles
+  /// @return not-a-number for an x that is none
+  /// Method: see PenalizedCubicSpline.
   double SmoothedSpline(double x, double& FitQual, bool& valid);
+  /// The end at the smallest (largest) x is natural; at first both are.
   [[nodiscard]] bool SplineNatural1() const { return FNatural1; }
   [[nodiscard]] bool SplineNaturalN() const { return FNaturalN; }
+  /// First derivative at the smallest (largest) x, used where the end is not natural; at first 0.
   [[nodiscard]] double SplineDerivY1() const { return FY1Dash; }
   [[nodiscard]] double SplineDerivYN() const { return FYNDash; }
+  /// Balance of SmoothedSpline, as it was set; at first 0.5.
   [[nodiscard]] double SplineSmoothingFactor() const { return FPSplineSmooth; }
+  /// Stores the setting; the curve that it shapes is calculated anew by the next call.
   void SetNatural1(bool value);
   void SetNaturalN(bool value);
   void SetY1Dash(double value);
   void SetYNDash(double value);
   void SetSplineSmoothing(double value);
+  /// @}
 
   // Files.
 
@@ -141,11 +234,26 @@ class ZEL_API TCurveFit : public TComponent {
   [[nodiscard]] double CalcMeanDegrees(int col) const;
   void AdjustSums(double x, double y);
   void BasicRankCounts();
+  void PrepareSpline();
+  /// @return whether there is a smoothing spline
+  bool PrepareSmoothedSpline();
+  /// The polynomial fit about a shift: coefficients of ((x - shift) / spread)^j for y - offset.
+  bool FitPolynomial(std::string_view routine, int nOrder, double shift, double spread,
+                     double offset, TDoubleArray& kArray, TDoubleArray* Alpha, double& FitQual,
+                     bool& NearSingular) const;
+  void ClearCaches();
+  /// Puts other pairs in place of those that are there.
+  void Replace(std::span<const double> x, std::span<const double> y);
+  /// No sums, no pairs, no extremes; the storage keeps its contents.
+  void ResetSummary();
   /// The stored values of column 1 (x) or 2 (y), one for each pair.
   [[nodiscard]] std::span<const double> Values(int col) const {
     return FData.Column(col).first(static_cast<std::size_t>(FNumData));
   }
 
+  static constexpr int kLeastRows = 1000;
+
+  std::unique_ptr<detail::TPairSums> FSums;
   int FNumData = 0;
   double FMinX = 0;
   double FMaxX = 0;
@@ -164,6 +272,11 @@ class ZEL_API TCurveFit : public TComponent {
   double FPSplineSmooth = 0.5;
   double FPSplineFQ = 0;
   bool FPenSplineValid = false;
+  /// Pieces of the smoothing spline: a + b u + c u^2 + d u^3, u = t - x.
+  struct TPieces {
+    TDoubleArray x, a, b, c, d;
+  };
+  TPieces FPSplinePieces;
   bool FKendallValid = false;
   std::int64_t FKendallConcord = 0;
   std::int64_t FKendallDiscord = 0;

@@ -3,3 +3,4 @@
 #pragma once
 
 #include "zel/analysis/TCurveFit.h"
+#include "zel/analysis/penalizedspline.h"

@@ -124,6 +124,8 @@ void sumsOfKind(SumKind kind, const T* x, const T* y, std::size_t n, double cent
       return sumLanes<CentredPowerTerms>(x, y, n, c, one, out);
     case SumKind::centredProducts:
       return sumLanes<CentredProductTerms>(x, y, n, c, one, out);
+    case SumKind::centredCross:
+      return sumLanes<CentredCrossTerms>(x, y, n, c, one, out);
   }
 }
 

@@ -22,7 +22,8 @@ enum class SumKind : std::uint8_t {
   rawMoments,
   centredMoments,
   centredPowers,
-  centredProducts
+  centredProducts,
+  centredCross
 };
 
 #include "zel/kernels/sum_terms-inl.h"

@@ -2,6 +2,7 @@
 /// Minimum and maximum with the positions of their first occurrence.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -40,5 +41,11 @@ struct MinMaxStart<std::int32_t> {
 [[nodiscard]] MinMax<double> minMax(std::span<const double> x, MinMaxStart<double> start = {});
 [[nodiscard]] MinMax<std::int32_t> minMax(std::span<const std::int32_t> x,
                                           MinMaxStart<std::int32_t> start = {});
+
+/// No element differs from the first.
+template <class T>
+[[nodiscard]] bool isConstant(std::span<const T> x) {
+  return std::all_of(x.begin(), x.end(), [&](T v) { return v == x.front(); });
+}
 
 }  // namespace zel::kernels

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "zel/kernels/lane_sums.h"
+#include "zel/kernels/minmax.h"
 #include "zel/kernels/split_sums.h"
 #include "zel/kernels/sums.h"
 
@@ -22,11 +23,6 @@ Twofold<T> spread(Twofold<T> sum, Twofold<T> squares, Twofold<T> n) {
 template <class T, std::size_t k>
 bool allFinite(const std::array<Twofold<T>, k>& sums) {
   return std::all_of(sums.begin(), sums.end(), [](const Twofold<T>& s) { return isFinite(s); });
-}
-
-template <class T>
-bool isConstant(std::span<const T> x) {
-  return std::all_of(x.begin(), x.end(), [&](T v) { return v == x.front(); });
 }
 
 template <class T>

@@ -1,5 +1,5 @@
 /// @file
-/// Powers of two that bring a matrix of extreme values near 1.
+/// Powers of two that bring values of extreme magnitude near 1.
 #pragma once
 
 #include <algorithm>
@@ -9,10 +9,22 @@
 #include <cstdint>
 #include <cstdlib>
 #include <optional>
+#include <span>
 
 #include "zel/kernels/dense.h"
+#include "zel/kernels/minmax.h"
 
 namespace zel::kernels {
+
+/// The e with 2^(e-1) <= largest magnitude < 2^e; 0 if nothing but zeros, infinities or
+/// not-a-number is there.
+[[nodiscard]] inline int largestExponent(std::span<const double> x) {
+  const auto extremes = minMax(x, {0, 0});
+  const double largest = std::max(-extremes.minimum, extremes.maximum);
+  int exponent = 0;
+  if (std::isfinite(largest)) static_cast<void>(std::frexp(largest, &exponent));
+  return exponent;
+}
 
 /// Exponent of the largest magnitude if squares of such values may leave the range of doubles, else
 /// 0; nothing if an element is not finite.

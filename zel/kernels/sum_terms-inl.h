@@ -134,3 +134,24 @@ struct CentredProductTerms {
     accumulate(s[4], e[4], Twofold<V>{p.hi, plus(p.lo, crossed)}, unit);
   }
 };
+
+/// dy, dy^2, dx dy, dx^2 dy with dx = x - cx, dy = y - cy
+struct CentredCrossTerms {
+  static constexpr SumKind kKind = SumKind::centredCross;
+  static constexpr std::size_t kSums = 4;
+  template <class V, class Unit>
+  [[gnu::always_inline]] static void add(V x, V y, const Centre<V>& c, V* s, V* e,
+                                         const Unit& unit) {
+    const Twofold<V> dx = twoDiff(x, c.x);
+    const Twofold<V> dy = twoDiff(y, c.y);
+    const Twofold<V> dx2 = square(dx);
+    const Twofold<V> p = twoProduct(dx.hi, dy.hi);
+    const Twofold<V> p2 = twoProduct(dx2.hi, dy.hi);
+    const V crossed = plus(times(dx.hi, dy.lo), times(dx.lo, dy.hi));
+    const V crossed2 = plus(times(dx2.hi, dy.lo), times(dx2.lo, dy.hi));
+    accumulate(s[0], e[0], dy, unit);
+    accumulate(s[1], e[1], square(dy), unit);
+    accumulate(s[2], e[2], Twofold<V>{p.hi, plus(p.lo, crossed)}, unit);
+    accumulate(s[3], e[3], Twofold<V>{p2.hi, plus(p2.lo, crossed2)}, unit);
+  }
+};

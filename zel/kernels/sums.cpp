@@ -79,7 +79,10 @@ template <class T>
 double meanOf(std::span<const T> x) {
   if (x.empty()) return 0;
   const DoubleDouble fast = fastSum<SumTerms>(x, x);
-  if (isFinite(fast)) return (fast / twofoldOf<double>(x.size())).hi;
+  if (isFinite(fast)) {
+    const double quotient = (fast / twofoldOf<double>(x.size())).hi;
+    if (std::isfinite(quotient)) return quotient;  // not if the sum is next to the largest double
+  }
   const Twofold<Extended> slow = extended<SumTerms>(x, x);
   const auto n = static_cast<Extended>(x.size());
   return static_cast<double>(slow.hi / n + slow.lo / n);

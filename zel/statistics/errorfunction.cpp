@@ -1,20 +1,9 @@
 #include "zel/statistics/errorfunction.h"
 
-#include <cmath>
-#include <iterator>
+#include "zel/kernels/error_function.h"
 
 namespace zel {
 
-double ErfApprox(double x) {
-  constexpr double kCoefficients[] = {-1.26551223, 1.00002368, 0.37409196,  0.09678418,
-                                      -0.18628806, 0.27886807, -1.13520398, 1.48851587,
-                                      -0.82215223, 0.17087277};
-  const double t = 1 / (1 + std::fabs(x) / 2);
-  double power = 0;
-  for (auto c = std::rbegin(kCoefficients); c != std::rend(kCoefficients); ++c)
-    power = power * t + *c;
-  const double complement = t * std::exp(-x * x + power);
-  return 1 - (x < 0 ? 2 - complement : complement);
-}
+double ErfApprox(double x) { return kernels::errorFunctionApproximation(x); }
 
 }  // namespace zel

@@ -7,20 +7,24 @@
 
 namespace zel::detail {
 
-int ExportVectorASC(std::string_view fileName, std::string_view className, std::string_view comment,
-                    int count, const std::function<void(std::ostream&)>& rows) {
-  WholeFileWriter file(fileName);
-  if (!file.IsOpen()) return -1;
-  std::ostream& out = file.Stream();
+void WriteASCHeader(std::ostream& out, std::string_view className, std::string_view fileName,
+                    std::string_view comment, int columns, int rows, std::string_view flags) {
   if (comment.empty()) {
     out << "Exported by ZEL " << className << " component: " << fileName << '\n';
   } else {
     out << ReplaceCharInString(comment, '\n', ' ') << '\n';
   }
-  out << "1\t;nr. of columns\n"
-      << count << "\t;nr. of rows\n"
-      << "FALSE FALSE FALSE FALSE\t;row attributes, column names, row names, nominal variables\n";
-  rows(out);
+  out << columns << "\t;nr. of columns\n" << rows << "\t;nr. of rows\n" << flags << '\n';
+}
+
+int ExportVectorASC(std::string_view fileName, std::string_view className, std::string_view comment,
+                    int count, const std::function<void(std::ostream&)>& rows) {
+  WholeFileWriter file(fileName);
+  if (!file.IsOpen()) return -1;
+  WriteASCHeader(
+      file.Stream(), className, fileName, comment, 1, count,
+      "FALSE FALSE FALSE FALSE\t;row attributes, column names, row names, nominal variables");
+  rows(file.Stream());
   return file.Commit() ? 0 : -1;
 }
 
