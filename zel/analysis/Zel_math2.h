@@ -3,4 +3,6 @@
 #pragma once
 
 #include "zel/analysis/TCurveFit.h"
+#include "zel/analysis/multivariate.h"
 #include "zel/analysis/penalizedspline.h"
+#include "zel/analysis/singularvalues.h"

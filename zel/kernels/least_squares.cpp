@@ -82,17 +82,9 @@ class Decomposition {
     q_.apply(head, rest);
   }
 
-  /// sqrt(sum V[j, k]^2 / w[k]^2) for each row j of V.
   void errorFactors(std::span<double> c) const {
-    for (std::size_t j = 0; j < n_; ++j) {
-      double sum = 0;
-      for (std::size_t k = 0; k < n_; ++k) {
-        if (w_[k] == 0) continue;
-        const double ratio = v_(j, k) / w_[k];
-        sum += ratio * ratio;
-      }
-      c[j] = std::ldexp(std::sqrt(sum), -exponent_);
-    }
+    kernels::errorFactors(v_, w_, c);
+    for (double& x : c) x = std::ldexp(x, -exponent_);
   }
 
   /// Transposed pseudo-inverse: Q (U diag(1 / w) V^T; 0).
@@ -166,6 +158,18 @@ void refine(Decomposition& a, ConstMatrix matrix, std::span<const double> b, std
 }
 
 }  // namespace
+
+void errorFactors(ConstMatrix v, std::span<const double> w, std::span<double> c) {
+  for (std::size_t j = 0; j < c.size(); ++j) {
+    double sum = 0;
+    for (std::size_t k = 0; k < w.size(); ++k) {
+      if (w[k] == 0) continue;
+      const double ratio = v(j, k) / w[k];
+      sum += ratio * ratio;
+    }
+    c[j] = std::sqrt(sum);
+  }
+}
 
 bool svdLeastSquares(ConstMatrix a, std::span<const double> b, std::span<double> x,
                      std::span<double> errorFactors, bool& nearSingular) {

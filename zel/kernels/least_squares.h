@@ -30,6 +30,10 @@ inline constexpr double kNegligibleSingularValue = 1e-14;
 [[nodiscard]] bool svdLeastSquares(ConstMatrix a, std::span<const double> b, std::span<double> x,
                                    std::span<double> errorFactors, bool& nearSingular);
 
+/// c[j] = sqrt(sum v(j, k)^2 / w[k]^2) over the w that are not 0, for the right-hand factor v and
+/// the singular values w of a matrix.
+void errorFactors(ConstMatrix v, std::span<const double> w, std::span<double> c);
+
 /// p = pseudo-inverse (Moore, Penrose) of a; p has the transposed shape and must not overlap a.
 /// @param tolerance  singular values below it count as zero; 0: max(rows, columns) times the
 ///   largest one times 1.2E-16

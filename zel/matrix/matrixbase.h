@@ -276,6 +276,9 @@ class TNumMatrix : public TComponent {
   [[nodiscard]] std::span<const T> Column(int c) const;
   /// All elements, column by column.
   [[nodiscard]] std::span<const T> Elements() const { return {Mat.data(), NrOfElements()}; }
+  /// The storage, column by column. Writing through it fires no event.
+  [[nodiscard]] T* data() { return Mat.data(); }
+  [[nodiscard]] const T* data() const { return Mat.data(); }
   [[nodiscard]] const T* begin() const { return Mat.data(); }
   [[nodiscard]] const T* end() const { return Mat.data() + NrOfElements(); }
 
