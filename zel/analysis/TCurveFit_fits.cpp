@@ -13,8 +13,8 @@
 
 #include "zel/analysis/TCurveFit.h"
 #include "zel/base/errors.h"
-#include "zel/kernels/scaling.h"
 #include "zel/kernels/regression.h"
+#include "zel/kernels/scaling.h"
 #include "zel/kernels/sums.h"
 
 namespace zel {

@@ -5,4 +5,5 @@
 #include "zel/analysis/TCurveFit.h"
 #include "zel/analysis/multivariate.h"
 #include "zel/analysis/penalizedspline.h"
+#include "zel/analysis/regression.h"
 #include "zel/analysis/singularvalues.h"

@@ -1,7 +1,7 @@
 // The eigenvectors of the process and the principal components.
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <algorithm>
 #include <utility>
 #include <vector>
 

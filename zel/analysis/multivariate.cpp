@@ -43,8 +43,9 @@ class Associations {
     // Enough work between two questions whether to go on, not more.
     constexpr std::size_t kWork = std::size_t{1} << 28;
     const std::size_t perRow = std::max<std::size_t>(1, data.rows * data.columns);
-    block_.resize(std::clamp<std::size_t>(kWork / perRow, 8, std::max<std::size_t>(8, data.columns)) *
-                  data.columns);
+    block_.resize(
+        std::clamp<std::size_t>(kWork / perRow, 8, std::max<std::size_t>(8, data.columns)) *
+        data.columns);
   }
 
   /// Element (i, j), j <= i, the rows being asked for in order.
@@ -59,8 +60,8 @@ class Associations {
       return std::ldexp(s / degrees, exponent_[i] + exponent_[j]);
     }
     const Extended product = Extended{squares_[i]} * squares_[j];
-    const double r = std::clamp(
-        product == 0 ? 0.0 : static_cast<double>(s / std::sqrt(product)), -1.0, 1.0);
+    const double r =
+        std::clamp(product == 0 ? 0.0 : static_cast<double>(s / std::sqrt(product)), -1.0, 1.0);
     return mode_ == cmCorrelation ? r : r * r;
   }
 
@@ -104,10 +105,9 @@ bool CalcCovar(const TMatrix* InMat, TMatrix* CovMat, int LowCol, int HighCol, i
     });
   }
   const auto n = static_cast<std::size_t>(variables);
-  const kernels::ConstMatrix data =
-      detail::ViewOf(*InMat).block(static_cast<std::size_t>(LowRow - 1),
-                                   static_cast<std::size_t>(LowCol - 1),
-                                   static_cast<std::size_t>(observations), n);
+  const kernels::ConstMatrix data = detail::ViewOf(*InMat).block(
+      static_cast<std::size_t>(LowRow - 1), static_cast<std::size_t>(LowCol - 1),
+      static_cast<std::size_t>(observations), n);
   return detail::GuardFit("CalcCovar", [&] {
     Associations element(data, Mode);
     if (Mode > cmProducts) {
