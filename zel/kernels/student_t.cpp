@@ -17,8 +17,8 @@ constexpr Extended kCentre = 3;
 // The quantile belongs to the series up to this distance from the median: its t is below the root
 // of kCentre for every df (at df = 1 the integral there is 1/3).
 constexpr Extended kNearMedian = 0.33L;
-// Newton's steps: this small, the next one is below the roundoff.
-constexpr Extended kEnough = 1e-12L;
+// A step of fourth order from this close leaves an error below the roundoff.
+constexpr Extended kEnough = 3e-5L;
 constexpr int kMostSteps = 200;
 
 /// Gamma(a + 1/2) / Gamma(a): the asymptotic series in 1 / a, after a has been raised.
@@ -46,6 +46,13 @@ Extended gammaRatio(Extended a) {
   const Extended w = 1 / a;
   for (auto c = std::rbegin(kCoefficients); c != std::rend(kCoefficients); ++c) sum = sum * w + *c;
   return above / below * std::sqrt(a) * sum;
+}
+
+/// The z beyond which the normal distribution has q < 1/2, to 5e-4 (Abramowitz and Stegun 26.2.23).
+Extended normalTail(Extended q) {
+  const Extended s = std::sqrt(-2 * std::log(q));
+  return s - (2.515517L + s * (0.802853L + s * 0.010328L)) /
+                 (1 + s * (1.432788L + s * (0.189269L + s * 0.001308L)));
 }
 
 /// The distribution with df degrees of freedom.
@@ -81,7 +88,54 @@ class Student {
     return t * t < kCentre ? 0.5L - integralFromCentre(t, density(t)) : tail(t, density(t));
   }
 
+  /// The t with the integral from 0.
+  Extended nearMedian(Extended integral) const {
+    const Extended first = integral / peak_;
+    Extended t = first + (df_ + 1) / (6 * df_) * first * first * first;
+    for (int k = 0; k < kMostSteps; ++k) {
+      const Extended densityOfT = density(t);
+      const Extended residual = integral - integralFromCentre(t, densityOfT);
+      const Extended step = quarticStep(t, residual / densityOfT);
+      t += step;
+      if (std::abs(step) <= kEnough * t) break;
+    }
+    return t;
+  }
+
+  /// The t beyond which lies q, for small q.
+  Extended farOut(Extended q) const {
+    // Over w = (df+1)/2 ln(1 + t^2/df) the logarithm of the tail is convex and almost a line, from
+    // the normal distribution to Cauchy's, so from the second step on w comes from below, in few
+    // steps. The first w follows from the normal quantile (Peizer and Pratt, J. Amer. Statist.
+    // Assoc. 63 (1968) 1416).
+    const Extended z = normalTail(q) / (df_ - 2 / 3.0L + 0.1L / df_);
+    Extended t = fromLogarithm(z * z * (df_ - 5 / 6.0L));
+    for (int k = 0; k < kMostSteps; ++k) {
+      const Extended densityOfT = density(t);
+      const Extended beyond = tail(t, densityOfT);
+      const Extended residual = (beyond - q) / densityOfT;
+      if (std::abs(beyond - q) <= kEnough * q) return t + quarticStep(t, residual);
+      const Extended slope = densityOfT * (df_ / t + t) / ((df_ + 1) * beyond);
+      const Extended step = std::log(beyond / q) / slope;
+      t = fromLogarithm(std::log1p(t / df_ * t) + 2 * step / (df_ + 1));
+    }
+    return t;
+  }
+
  private:
+  /// The t with ln(1 + t^2/df) = v.
+  Extended fromLogarithm(Extended v) const { return std::sqrt(df_ * std::expm1(v)); }
+
+  /// How far t has to go for the integral to grow by the density times the residual, but for the
+  /// residual's fourth power: the Taylor series of the quantile.
+  Extended quarticStep(Extended t, Extended residual) const {
+    const Extended scale = df_ + t * t;
+    const Extended bend = (df_ + 1) * (t / scale);  // minus the logarithmic derivative
+    const Extended change = (df_ + 1) / scale * ((df_ - t * t) / scale);
+    const Extended cubic = (2 * bend * bend + change) / 3;
+    return residual * (1 + residual / 2 * (bend + residual * cubic));
+  }
+
   Extended df_;
   Extended power_;
   Extended peak_;
@@ -104,34 +158,8 @@ double studentQuantile(double p, double df) {
   // Both exact: the distance from the median, and the tail beyond the result.
   const Extended distance = std::abs(0.5L - Extended{p});
   const Extended q = std::min<Extended>(p, 1 - Extended{p});
-  const Extended n = df;
-  const Student student(n);
-  Extended t = 0;
-  if (distance < kNearMedian) {
-    t = distance / student.density(0);
-    for (int k = 0; k < kMostSteps; ++k) {
-      // The integral is concave, so from the second step on t comes from below.
-      const Extended density = student.density(t);
-      const Extended step = (distance - student.integralFromCentre(t, density)) / density;
-      t += step;
-      if (std::abs(step) <= kEnough * t) break;
-    }
-  } else {
-    // Over w = (df+1)/2 ln(1 + t^2/df) the logarithm of the tail is convex and almost a line, from
-    // the normal distribution to Cauchy's, so w comes from below in few steps.
-    t = std::sqrt(kCentre);
-    for (int k = 0; k < kMostSteps; ++k) {
-      const Extended density = student.density(t);
-      const Extended beyond = student.tail(t, density);
-      const Extended slope = density * (n / t + t) / ((n + 1) * beyond);
-      const Extended step = std::log(beyond / q) / slope;
-      const Extended w = (n + 1) / 2 * std::log1p(t / n * t) + step;
-      t = std::sqrt(n * std::expm1(2 * w / (n + 1)));
-      if (std::abs(step) <= kEnough) break;
-    }
-    const Extended density = student.density(t);
-    t += (student.tail(t, density) - q) / density;
-  }
+  const Student student(df);
+  const Extended t = distance < kNearMedian ? student.nearMedian(distance) : student.farOut(q);
   return static_cast<double>(p < 0.5 ? -t : t);
 }
 
