@@ -66,18 +66,36 @@ Extended exponent(Extended a, Extended b, Extended x, Extended y, Extended lambd
 }
 
 constexpr Extended kStirling = 20;
+// Of Stirling's series in 1/z, 1/z^3, ...
+constexpr Extended kStirlingTerms[] = {
+    1.0L / 12,        -1.0L / 360, 1.0L / 1260,       -1.0L / 1680,      1.0L / 1188,
+    -691.0L / 360360, 1.0L / 156,  -3617.0L / 122400, 43867.0L / 244188, -174611.0L / 125400};
+
+/// How many of the terms reach 2^-68.
+int stirlingTerms(Extended z) { return z < 100 ? 10 : z < 10000 ? 6 : 3; }
 
 /// ln of Gamma(z) / (sqrt(2 pi) z^(z-1/2) e^-z) for z >= kStirling.
 Extended stirlingRemainder(Extended z) {
-  constexpr Extended kCoefficients[] = {
-      1.0L / 12,        -1.0L / 360, 1.0L / 1260,       -1.0L / 1680,      1.0L / 1188,
-      -691.0L / 360360, 1.0L / 156,  -3617.0L / 122400, 43867.0L / 244188, -174611.0L / 125400};
   const Extended w = 1 / z;
-  const Extended w2 = w * w;
-  const int terms = z < 100 ? 10 : z < 10000 ? 6 : 3;
+  const Extended square = w * w;
   Extended sum = 0;
-  for (int k = terms; k-- > 0;) sum = sum * w2 + kCoefficients[k];
+  for (int k = stirlingTerms(z); k-- > 0;) sum = sum * square + kStirlingTerms[k];
   return sum * w;
+}
+
+/// stirlingRemainder(z+step) - stirlingRemainder(z), in proportion to the step.
+Extended stirlingStep(Extended z, Extended step) {
+  const Extended w = 1 / z;
+  const Extended next = 1 / (z + step);
+  const Extended square = w * w;
+  const Extended change = -step * w * next;
+  Extended sum = 0;
+  Extended difference = 0;
+  for (int k = stirlingTerms(z); k-- > 0;) {
+    difference = difference * (next * next) + sum * (change * (w + next));
+    sum = sum * square + kStirlingTerms[k];
+  }
+  return next * difference + sum * change;
 }
 
 /// Gamma(z) / (sqrt(2 pi) z^(z-1/2) e^-z) as a factor and the logarithm of another.
@@ -183,7 +201,7 @@ Extended logGammaStep(Extended z, Extended step) {
     product += ratio + product * ratio;
   }
   return (z - 0.5L) * std::log1p(step / z) + step * (std::log(z + step) - 1) +
-         stirlingRemainder(z + step) - stirlingRemainder(z) - std::log1p(product);
+         stirlingStep(z, step) - std::log1p(product);
 }
 
 /// Both tails in the corner: I_x(a, b) = x^a / (a B(a, b)) (1 + a s), where
