@@ -2,24 +2,23 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 #include "zel/base/types.h"
+#include "zel/kernels/incomplete_beta.h"
 
 namespace zel::kernels {
 
 namespace {
 
 constexpr Extended kPi = 3.141592653589793238462643383279502884197L;
-constexpr Extended kRoundoff = std::numeric_limits<Extended>::epsilon() / 2;
 // Below this square of t the series takes less than a hundred terms, and the integral from 0 is no
 // more than 0.46.
 constexpr Extended kCentre = 3;
 // The quantile belongs to the series up to this distance from the median: its t is below the root
 // of kCentre for every df (at df = 1 the integral there is 1/3).
 constexpr Extended kNearMedian = 0.33L;
-// Newton's steps: this small, the next one is below the roundoff.
-constexpr Extended kEnough = 1e-12L;
+// A step of fourth order from this close leaves an error below the roundoff.
+constexpr Extended kEnough = 3e-5L;
 constexpr int kMostSteps = 200;
 
 /// Gamma(a + 1/2) / Gamma(a): the asymptotic series in 1 / a, after a has been raised.
@@ -37,115 +36,130 @@ Extended gammaRatio(Extended a) {
                                         -334477.0L / 2147483648,
                                         -28717403.0L / 17179869184,
                                         59697183.0L / 274877906944};
-  Extended factor = 1;
-  for (; a < 40; a += 1) factor *= a / (a + 0.5L);
+  Extended above = 1;
+  Extended below = 1;
+  for (; a < 40; a += 1) {
+    above *= a;
+    below *= a + 0.5L;
+  }
   Extended sum = 0;
-  for (auto c = std::rbegin(kCoefficients); c != std::rend(kCoefficients); ++c) sum = sum / a + *c;
-  return factor * std::sqrt(a) * sum;
+  const Extended w = 1 / a;
+  for (auto c = std::rbegin(kCoefficients); c != std::rend(kCoefficients); ++c) sum = sum * w + *c;
+  return above / below * std::sqrt(a) * sum;
 }
 
-Extended density(Extended t, Extended df) {
-  const Extended ratio = t / df * t;
-  const Extended power = -(df + 1) / 2;
-  // A large logarithm would cost digits, a large power too.
-  const Extended decline =
-      ratio > 2 ? std::pow(1 + ratio, power) : std::exp(power * std::log1p(ratio));
-  return gammaRatio(df / 2) / std::sqrt(df * kPi) * decline;
+/// The z beyond which the normal distribution has q < 1/2, to 5e-4 (Abramowitz and Stegun 26.2.23).
+Extended normalTail(Extended q) {
+  const Extended s = std::sqrt(-2 * std::log(q));
+  return s - (2.515517L + s * (0.802853L + s * 0.010328L)) /
+                 (1 + s * (1.432788L + s * (0.189269L + s * 0.001308L)));
 }
 
-/// P(0 < T < t) for small t: t times the density times 1 + (df+1)/3 y + (df+1)(df+3)/(3 5) y^2 +
-/// ..., where y = t^2 / (df + t^2); all terms are positive.
-Extended integralFromCentre(Extended t, Extended df) {
-  const Extended y = t * t / (df + t * t);
-  Extended term = 1;
-  Extended sum = 1;
-  for (int k = 1; term > sum * kRoundoff; ++k) {
-    term *= y * (df + 2 * k - 1) / (2 * k + 1);
-    sum += term;
+/// The distribution with df degrees of freedom.
+class Student {
+ public:
+  explicit Student(Extended df)
+      : df_(df), power_(-(df + 1) / 2), peak_(gammaRatio(df / 2) / std::sqrt(df * kPi)) {}
+
+  Extended density(Extended t) const {
+    const Extended ratio = t / df_ * t;
+    // A large logarithm would cost digits, a large power too.
+    return peak_ * (ratio > 2 ? std::pow(1 + ratio, power_) : std::exp(power_ * std::log1p(ratio)));
   }
-  return t * density(t, df) * sum;
-}
 
-/// P(T > t) for t not near 0: half the incomplete beta function of df/2 and 1/2 at df / (df + t^2),
-/// by its even continued fraction with the terms
-///   alpha_n = (a+n-1) (a+b+n-1) n (b-n) x^2 / (a+2n-1)^2,
-///   beta_n  = n + n (b-n) x / (a+2n-1) + (a+n) / (a+2n+1) (lambda + 1 + n (1+y)),
-/// where lambda = a y - b x, divided by a to keep them in range.
-Extended tail(Extended t, Extended df) {
-  const Extended ratio = t / df * t;
-  const Extended a = df / 2;
-  const Extended b = 0.5L;
-  const Extended x = 1 / (1 + ratio);
-  const Extended y = ratio / (1 + ratio);
-  const Extended lambda = a * y - b * x;
-  // Modified Lentz, where a zero is replaced by a tiny number (Thompson and Barnett, J. Comput.
-  // Phys. 64 (1986) 490): f = beta_0 + alpha_1 / (beta_1 + alpha_2 / (beta_2 + ...)).
-  const auto beta = [&](Extended n) {
-    return n + n * (b - n) * x / (a + 2 * n - 1) +
-           (a + n) / (a + 2 * n + 1) * (lambda + 1 + n * (1 + y));
-  };
-  const auto notZero = [](Extended v) { return v == 0 ? 1e-1000L : v; };
-  Extended f = a / (a + 1) * (lambda + 1);  // beta_0, whose middle term is 0
-  Extended c = f;
-  Extended d = 0;
-  for (int n = 1; n < 10000; ++n) {
-    const Extended e = (a + n - 1) / (a + 2 * n - 1);
-    const Extended alpha = e * ((a + b + n - 1) / (a + 2 * n - 1)) * n * (b - n) * x * x;
-    d = 1 / notZero(beta(n) + alpha * d);
-    c = notZero(beta(n) + alpha / c);
-    const Extended step = c * d;
-    f *= step;
-    if (std::abs(step - 1) <= 2 * kRoundoff) break;
+  /// P(0 < T < t) for small t: half the incomplete beta function of 1/2 and df/2 at
+  /// t^2 / (df + t^2).
+  Extended integralFromCentre(Extended t, Extended densityOfT) const {
+    return t * densityOfT * betaSeries(0.5L, df_ / 2, t * t / (df_ + t * t));
   }
-  return t * density(t, df) / f / 2;
-}
 
-/// P(T > t), t >= 0.
-Extended upper(Extended t, Extended df) {
-  return t * t < kCentre ? 0.5L - integralFromCentre(t, df) : tail(t, df);
-}
+  /// P(T > t) for t not near 0: half the incomplete beta function of df/2 and 1/2 at
+  /// df / (df + t^2).
+  Extended tail(Extended t, Extended densityOfT) const {
+    const Extended ratio = t / df_ * t;
+    const Extended x = 1 / (1 + ratio);
+    const Extended y = ratio * x;
+    const Extended a = df_ / 2;
+    return t * densityOfT * betaFraction(a, 0.5L, x, y, a * y - x / 2) / 2;
+  }
+
+  /// P(T > t), t >= 0.
+  Extended upper(Extended t) const {
+    return t * t < kCentre ? 0.5L - integralFromCentre(t, density(t)) : tail(t, density(t));
+  }
+
+  /// The t with the integral from 0.
+  Extended nearMedian(Extended integral) const {
+    const Extended first = integral / peak_;
+    Extended t = first + (df_ + 1) / (6 * df_) * first * first * first;
+    for (int k = 0; k < kMostSteps; ++k) {
+      const Extended densityOfT = density(t);
+      const Extended residual = integral - integralFromCentre(t, densityOfT);
+      const Extended step = quarticStep(t, residual / densityOfT);
+      t += step;
+      if (std::abs(step) <= kEnough * t) break;
+    }
+    return t;
+  }
+
+  /// The t beyond which lies q, for small q.
+  Extended farOut(Extended q) const {
+    // Over w = (df+1)/2 ln(1 + t^2/df) the logarithm of the tail is convex and almost a line, from
+    // the normal distribution to Cauchy's, so from the second step on w comes from below, in few
+    // steps. The first w follows from the normal quantile (Peizer and Pratt, J. Amer. Statist.
+    // Assoc. 63 (1968) 1416).
+    const Extended z = normalTail(q) / (df_ - 2 / 3.0L + 0.1L / df_);
+    Extended t = fromLogarithm(z * z * (df_ - 5 / 6.0L));
+    for (int k = 0; k < kMostSteps; ++k) {
+      const Extended densityOfT = density(t);
+      const Extended beyond = tail(t, densityOfT);
+      const Extended residual = (beyond - q) / densityOfT;
+      if (std::abs(beyond - q) <= kEnough * q) return t + quarticStep(t, residual);
+      const Extended slope = densityOfT * (df_ / t + t) / ((df_ + 1) * beyond);
+      const Extended step = std::log(beyond / q) / slope;
+      t = fromLogarithm(std::log1p(t / df_ * t) + 2 * step / (df_ + 1));
+    }
+    return t;
+  }
+
+ private:
+  /// The t with ln(1 + t^2/df) = v.
+  Extended fromLogarithm(Extended v) const { return std::sqrt(df_ * std::expm1(v)); }
+
+  /// How far t has to go for the integral to grow by the density times the residual, but for the
+  /// residual's fourth power: the Taylor series of the quantile.
+  Extended quarticStep(Extended t, Extended residual) const {
+    const Extended scale = df_ + t * t;
+    const Extended bend = (df_ + 1) * (t / scale);  // minus the logarithmic derivative
+    const Extended change = (df_ + 1) / scale * ((df_ - t * t) / scale);
+    const Extended cubic = (2 * bend * bend + change) / 3;
+    return residual * (1 + residual / 2 * (bend + residual * cubic));
+  }
+
+  Extended df_;
+  Extended power_;
+  Extended peak_;
+};
 
 }  // namespace
 
 double studentDensity(double t, double df) {
-  return std::isinf(t) ? 0 : static_cast<double>(density(t, df));
+  return std::isinf(t) ? 0 : static_cast<double>(Student(df).density(t));
 }
 
 double studentIntegral(double t, double df) {
   if (std::isnan(t)) return t;
   if (std::isinf(t)) return t > 0 ? 1 : 0;
-  const Extended below = upper(std::abs(Extended{t}), df);
-  return static_cast<double>(t < 0 ? below : 1 - below);
+  const Extended beyond = Student(df).upper(std::abs(Extended{t}));
+  return static_cast<double>(t < 0 ? beyond : 1 - beyond);
 }
 
 double studentQuantile(double p, double df) {
   // Both exact: the distance from the median, and the tail beyond the result.
   const Extended distance = std::abs(0.5L - Extended{p});
   const Extended q = std::min<Extended>(p, 1 - Extended{p});
-  const Extended n = df;
-  Extended t = 0;
-  if (distance < kNearMedian) {
-    t = distance / density(0, n);
-    for (int k = 0; k < kMostSteps; ++k) {
-      // The integral is concave, so from the second step on t comes from below.
-      const Extended step = (distance - integralFromCentre(t, n)) / density(t, n);
-      t += step;
-      if (std::abs(step) <= kEnough * t) break;
-    }
-  } else {
-    // Over w = (df+1)/2 ln(1 + t^2/df) the logarithm of the tail is convex and almost a line, from
-    // the normal distribution to Cauchy's, so w comes from below in few steps.
-    t = std::sqrt(kCentre);
-    for (int k = 0; k < kMostSteps; ++k) {
-      const Extended beyond = tail(t, n);
-      const Extended slope = density(t, n) * (n / t + t) / ((n + 1) * beyond);
-      const Extended step = std::log(beyond / q) / slope;
-      const Extended w = (n + 1) / 2 * std::log1p(t / n * t) + step;
-      t = std::sqrt(n * std::expm1(2 * w / (n + 1)));
-      if (std::abs(step) <= kEnough) break;
-    }
-    t += (tail(t, n) - q) / density(t, n);
-  }
+  const Student student(df);
+  const Extended t = distance < kNearMedian ? student.nearMedian(distance) : student.farOut(q);
   return static_cast<double>(p < 0.5 ? -t : t);
 }
 

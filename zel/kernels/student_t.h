@@ -13,12 +13,12 @@ namespace zel::kernels {
 /// P(T <= t). The lower tail keeps its relative precision down to the smallest double; for an upper
 /// tail take -t. df >= 1.
 /// Method: power series of the incomplete beta function about the centre, its continued fraction
-/// outside (DiDonato and Morris, ACM TOMS 18 (1992) 360).
+/// outside (incomplete_beta.h).
 [[nodiscard]] double studentIntegral(double t, double df);
 
 /// The t with studentIntegral(t) = p, 0 < p < 1. df >= 1.
-/// Method: Newton iterations, on the integral from 0 near the centre, on the logarithm of the tail
-/// outside.
+/// Method: iterations of fourth order on the integral from 0 near the centre, Newton's on the
+/// logarithm of the tail outside with a last step of fourth order; two or three evaluations.
 [[nodiscard]] double studentQuantile(double p, double df);
 
 }  // namespace zel::kernels
