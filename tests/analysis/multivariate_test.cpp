@@ -2,8 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/matrix/matrices.h"
+#include "tests/support/data_file.h"
+
 namespace zel {
 namespace {
+
+using Covariances = test::WithProgress;
 
 TEST(Eigenvectors, OfTwoVariablesComeInStorageOrder) {
   TMatrix a{{2, 1}, {1, 2}};
@@ -42,7 +47,7 @@ TEST(Eigenvectors, SatisfyTheirEquation) {
   }
 }
 
-TEST(Covariances, FollowTheirFormulas) {
+TEST_F(Covariances, FollowTheirFormulas) {
   const TMatrix x{{1, 2, 5, 1}, {2, 1, 5, 2}, {4, 7, 5, 4}};
   TMatrix r;
   r.Resize(4, 4);
@@ -61,6 +66,62 @@ TEST(Covariances, FollowTheirFormulas) {
   EXPECT_FALSE(CalcCovar(&x, &small, 0, 0, 0, 0, 1));
 }
 
+TEST_F(Covariances, ReportAndStop) {
+  TMatrix x{{1, 2, 5}, {2, 1, 5}, {4, 7, 5}, {0, 3, 5}};
+  TMatrix r{{-1, -1, -1}, {-1, -1, -1}, {-1, -1, -1}};
+  ASSERT_TRUE(CalcCovar(&x, &r, 1, 2, 0, 0, 1));
+  EXPECT_EQ(ProcStat, 4 + 3 * 4);
+  EXPECT_EQ(r(3, 3), -1) << "outside the result";
+  ProcStat = 0;
+  ASSERT_TRUE(CalcCovar(&x, &r, 0, 0, 2, 3, 0));
+  EXPECT_EQ(ProcStat, 6 * 2) << "no pass for means";
+  MathFeedBackProc = [](double) { AbortMathProc = true; };
+  EXPECT_FALSE(CalcCovar(&x, &r, 0, 0, 0, 0, 1));
+  MathFeedBackProc = nullptr;
+  EXPECT_TRUE(CalcCovar(&x, &r, 0, 0, 0, 0, 1)) << "the request is over";
+  EXPECT_FALSE(CalcCovar(&x, &r, 0, 0, 0, 0, 5));
+  ASSERT_TRUE(CalcCovar(&x, &x, 0, 0, 0, 0, 1)) << "in place";
+  EXPECT_EQ(x(2, 1), r(2, 1));
+  EXPECT_EQ(x(3, 4), 5);
+}
+
+/// Offsets and extreme sizes cost no digits.
+TEST_F(Covariances, KeepTheirDigits) {
+  TMatrix x, shifted, r, s;
+  test::fillNormal(x, 3, 1000);
+  r.Resize(3, 3);
+  s.Resize(3, 3);
+  for (double& v : std::span(x.data(), 3000)) v = std::round(v * 1024) / 1024;
+  ASSERT_TRUE(CalcCovar(&x, &r, 0, 0, 0, 0, 1));
+  for (const double scale : {1.0, 0x1p-400, 0x1p400}) {
+    shifted.Clone(&x);
+    for (double& v : std::span(shifted.data(), 3000)) v = (v + 0x1p30) * scale;
+    ASSERT_TRUE(CalcCovar(&shifted, &s, 0, 0, 0, 0, 1));
+    for (int c = 1; c <= 3; ++c) {
+      for (int k = 1; k <= 3; ++k) EXPECT_NEAR(s(c, k) / scale / scale, r(c, k), 2e-15);
+    }
+    ASSERT_TRUE(CalcCovar(&shifted, &s, 0, 0, 0, 0, 2));
+    EXPECT_NEAR(s(1, 2), r(1, 2) / std::sqrt(r(1, 1) * r(2, 2)), 1e-15);
+  }
+}
+
+/// prcomp(iris[, 1:4]) of R, and with scale. = TRUE.
+TEST(PrincipalComponents, OfTheIrises) {
+  TMatrix iris;
+  test::loadCsv("iris.csv", 0, 4, iris);
+  ASSERT_TRUE(CalcPrincComp(&iris, 0, 0, 0, 0, 1, false));
+  const double variances[] = {4.228241706034864, 0.242670747928633523, 0.078209500042919336,
+                              0.023835092973449434};
+  for (int k = 1; k <= 4; ++k) EXPECT_NEAR(GetEigenResult(k, 0), variances[k - 1], 2e-15);
+  const double first[] = {0.361386591785368583, -0.084522514064568566, 0.856670605949835129,
+                          0.358289197151550776};
+  const double sign = GetEigenResult(1, 1) < 0 ? -1 : 1;
+  for (int i = 1; i <= 4; ++i) EXPECT_NEAR(sign * GetEigenResult(1, i), first[i - 1], 1e-14);
+  ASSERT_TRUE(CalcPrincComp(&iris, 0, 0, 0, 0, 2));
+  EXPECT_NEAR(GetEigenResult(1, 0), 2.918497816531997024 / 4, 2e-15);
+  EXPECT_NEAR(GetEigenResult(4, 0), 0.020714836428619224 / 4, 2e-15);
+}
+
 TEST(PseudoInverse, OfADeficientMatrixGivesItBack) {
   TMatrix a{{1, 2, 3}, {2, 4, 6}, {1, 0, 1}, {0, 5, 5}};
   TMatrix p, ap, apa;
@@ -71,31 +132,6 @@ TEST(PseudoInverse, OfADeficientMatrixGivesItBack) {
   for (int c = 1; c <= 3; ++c) {
     for (int r = 1; r <= 4; ++r) EXPECT_NEAR(apa(c, r), a(c, r), 1e-13);
   }
-}
-
-TEST(Regression, RecoversExactCoefficients) {
-  TMatrix x{{1, 2, 1}, {2, -1, 1}, {4, 0, 1}, {3, 7, 1}, {5, 1, 1}};
-  TVector y, b, e;
-  y.Resize(5);
-  for (int i = 1; i <= 5; ++i) y.SetVal(i, 3 * x(1, i) - 2 * x(2, i) + 0.5);
-  bool near = true;
-  ASSERT_TRUE(MultiLinReg(&x, &y, &b, &e, near));
-  EXPECT_FALSE(near);
-  EXPECT_NEAR(b(1), 3, 1e-14);
-  EXPECT_NEAR(b(2), -2, 1e-14);
-  EXPECT_NEAR(b(3), 0.5, 1e-14);
-  TMatrix xOnly{{1, 2}, {2, -1}, {4, 0}, {3, 7}, {5, 1}};
-  ASSERT_TRUE(RidgeRegStd(&xOnly, &y, 0, &b, nullptr, nullptr, nullptr, near));
-  EXPECT_NEAR(b(3), 0.5, 1e-13);
-  TMatrix target;
-  target.Resize(1, 5);
-  for (int i = 1; i <= 5; ++i) target.SetVal(1, i, y(i));
-  TMatrix coefficients;
-  ASSERT_TRUE(SimPLS(&xOnly, &target, 2, true, nullptr, nullptr, nullptr, nullptr, nullptr,
-                     &coefficients, nullptr, nullptr, nullptr));
-  EXPECT_NEAR(coefficients(1, 1), 3, 1e-12);
-  EXPECT_NEAR(coefficients(1, 2), -2, 1e-12);
-  EXPECT_NEAR(coefficients(1, 3), 0.5, 1e-12);
 }
 
 TEST(VariableNames, AreNeitherFunctionsNorNumbers) {

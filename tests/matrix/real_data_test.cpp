@@ -1,28 +1,12 @@
 // A published data set through statistics and algebra; the values beside are R's.
-#include <fstream>
-#include <sstream>
-
 #include "tests/matrix/matrices.h"
+#include "tests/support/data_file.h"
 
 namespace zel {
 namespace {
 
 /// Arrests in the states of the USA: 50 rows of murder, assault, urban population, rape.
-void loadArrests(TMatrix& m) {
-  std::ifstream file(ZEL_TEST_DATA "/USArrests.csv");
-  std::string line;
-  std::getline(file, line);
-  m.Resize(4, 50);
-  for (int r = 1; std::getline(file, line); ++r) {
-    std::istringstream cells(line.substr(line.find(',') + 1));
-    char comma = 0;
-    for (int c = 1; c <= 4; ++c) {
-      double value = 0;
-      cells >> value >> comma;
-      m.SetVal(c, r, value);
-    }
-  }
-}
+void loadArrests(TMatrix& m) { test::loadCsv("USArrests.csv", 1, 4, m); }
 
 #define EXPECT_REL(value, reference) EXPECT_NEAR((value) / (reference), 1, 4e-15)
 

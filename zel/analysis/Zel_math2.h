@@ -7,3 +7,4 @@
 #include "zel/analysis/penalizedspline.h"
 #include "zel/analysis/regression.h"
 #include "zel/analysis/singularvalues.h"
+#include "zel/analysis/vertexcomponents.h"

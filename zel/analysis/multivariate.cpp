@@ -10,7 +10,7 @@
 #include "zel/analysis/memory_impl.h"
 #include "zel/base/progress.h"
 #include "zel/kernels/cross_products.h"
-#include "zel/kernels/moments.h"
+#include "zel/kernels/double_double.h"
 #include "zel/kernels/products.h"
 #include "zel/kernels/range.h"
 #include "zel/kernels/scaling.h"
@@ -29,6 +29,7 @@ class Associations {
       : data_(data),
         mode_(mode),
         mean_(data.columns, 0.0),
+        rest_(data.columns, 0.0),
         factor_(data.columns, 1.0),
         exponent_(data.columns, 0),
         squares_(data.columns, 0.0) {
@@ -36,9 +37,11 @@ class Associations {
     for (std::size_t j = 0; j < data.columns; ++j) {
       if (mode != cmProducts) mean_[j] = kernels::mean(data[j]);
       const int e = kernels::largestExponent(data[j]);
-      if (std::abs(e) < 300) continue;
-      exponent_[j] = std::clamp(e, -1000, 1000);
-      factor_[j] = std::ldexp(1.0, -exponent_[j]);
+      if (std::abs(e) >= 300) {
+        exponent_[j] = std::clamp(e, -1000, 1000);
+        factor_[j] = std::ldexp(1.0, -exponent_[j]);
+      }
+      if (mode != cmProducts) rest_[j] = std::ldexp(roundingOfMean(j), -exponent_[j]);
     }
     // Enough work between two questions whether to go on, not more.
     constexpr std::size_t kWork = std::size_t{1} << 28;
@@ -72,12 +75,27 @@ class Associations {
     const std::size_t rows = last_ - first_;
     const kernels::Matrix result{block_.data(), rows, last_, rows};
     kernels::crossProducts(data_, mean_, factor_, first_, last_, result);
-    for (std::size_t k = first_; k < last_; ++k) squares_[k] = result(k - first_, k);
+    for (std::size_t k = first_; k < last_; ++k) {
+      for (std::size_t j = 0; j <= k; ++j) {
+        result(k - first_, j) -= static_cast<double>(data_.rows) * rest_[k] * rest_[j];
+      }
+      double& square = result(k - first_, k);
+      if (square < 0) square = 0;
+      squares_[k] = square;
+    }
+  }
+
+  /// What the true mean exceeds its rounded value by; 0 where sums leave the range of doubles.
+  [[nodiscard]] double roundingOfMean(std::size_t j) const {
+    const auto m = static_cast<double>(data_.rows);
+    const double rest = (kernels::sum(data_[j]) - kernels::twoProduct(mean_[j], m)).hi / m;
+    return std::isfinite(rest) ? rest : 0;
   }
 
   kernels::ConstMatrix data_;
   int mode_;
   std::vector<double> mean_;
+  std::vector<double> rest_;  // of the means, behind their rounded values, scaled by the factors
   std::vector<double> factor_;
   std::vector<int> exponent_;
   std::vector<double> squares_;  // of the deviations, scaled by the factors

@@ -1,6 +1,7 @@
 /// @file
 /// Process-wide progress counter, progress hook and abort request of long computations. The library
-/// only adds to the counter and never clears the abort request: both are the caller's to reset.
+/// only adds to the counter. The abort request is the caller's to reset, but for routines that say
+/// that they clear it first.
 #pragma once
 
 #include <atomic>

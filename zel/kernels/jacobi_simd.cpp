@@ -54,14 +54,18 @@ HWY_INLINE void rotateRows(std::span<const Turn> turns, double* x, double* y, st
   const Tag d;
   const auto mask = hn::FirstN(d, rest);
   const auto load = [&](const double* from, std::size_t v) HWY_ATTR {
-    if (!kIsWhole && v + 1 == kVecs) return hn::MaskedLoad(mask, d, from + v * kLanes);
-    return hn::LoadU(d, from + v * kLanes);
+    if (kIsWhole || v + 1 < kVecs) return hn::LoadU(d, from + v * kLanes);
+    // Without masks in the instruction set a masked load reads all lanes, past the end.
+    if constexpr (kLanes > 2) return hn::MaskedLoad(mask, d, from + v * kLanes);
+    return hn::Set(d, from[v * kLanes]);
   };
   const auto store = [&](Vec value, double* to, std::size_t v) HWY_ATTR {
-    if (!kIsWhole && v + 1 == kVecs) {
+    if (kIsWhole || v + 1 < kVecs) {
+      hn::StoreU(value, d, to + v * kLanes);
+    } else if constexpr (kLanes > 2) {
       hn::BlendedStore(value, mask, d, to + v * kLanes);
     } else {
-      hn::StoreU(value, d, to + v * kLanes);
+      to[v * kLanes] = hn::GetLane(value);
     }
   };
   Vec g[kVecs];
