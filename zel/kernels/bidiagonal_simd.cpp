@@ -60,12 +60,16 @@ bool reduce(Matrix a, Matrix v, const Bidiagonal& b, double* work, Poll step) {
     double* u = a.column(j) + j;
     if (isPending) subtract(row[j], y + j, u, rows);
     b.left[j] = makeReflection(u, rows, b.diagonal[j]);
-    for (std::size_t c = j + 1; c < a.columns; ++c) {
-      double* x = a.column(c) + j;
-      if (isPending) subtract(row[c], y + j, x, rows);
-      reflect(b.left[j], u, x, rows);
-      row[c] = x[0];
-    }
+    const auto finish = [&]<std::size_t kCount>(std::size_t c) HWY_ATTR {
+      double* x[kCount];
+      for (std::size_t k = 0; k < kCount; ++k) x[k] = a.column(c + k) + j;
+      if (isPending) subtractFromEach<kCount>(row + c, y + j, x, rows);
+      reflectEach<kCount>(b.left[j], u, x, rows);
+      for (std::size_t k = 0; k < kCount; ++k) row[c + k] = x[k][0];
+    };
+    std::size_t c = j + 1;
+    for (; c + 2 <= a.columns; c += 2) finish.template operator()<2>(c);
+    if (c < a.columns) finish.template operator()<1>(c);
     if (j + 1 == a.columns) break;
     const std::size_t rest = a.columns - j - 1;
     b.right[j] = makeReflection(row + j + 1, rest, b.above[j + 1]);
@@ -78,20 +82,86 @@ bool reduce(Matrix a, Matrix v, const Bidiagonal& b, double* work, Poll step) {
   return true;
 }
 
-bool multiplyAll(Matrix x, std::size_t below, const double* factors, Poll step) {
-  for (std::size_t j = x.columns; j-- > 0;) {
-    if (!step()) return false;
-    const std::size_t first = std::min(j + below, x.rows);
-    const std::size_t rows = x.rows - first;
-    double* v = x.column(j) + first;
-    for (std::size_t c = j + 1; c < x.columns; ++c) {
-      reflect(factors[j], v, x.column(c) + first, rows);
+/// Reflections that are carried out together: H[0] H[1] ... = 1 - V T V^T, where T is an upper
+/// triangle (Schreiber and Van Loan, SIAM J. Sci. Stat. Comput. 10 (1989) 53).
+class Group {
+ public:
+  static constexpr std::size_t kSize = 4;
+
+  /// @param v  the vectors in its columns, column k from row k on; at least kSize rows
+  Group(ConstMatrix v, const double* factors) : rest_(v.rows - kSize) {
+    for (std::size_t k = 0; k < kSize; ++k) {
+      for (std::size_t r = 0; r < kSize; ++r) head_[k][r] = r < k ? 0 : v(r, k);
+      tail_[k] = v.column(k) + kSize;
     }
-    // The reflection of unit vector j.
-    std::fill(x.column(j), v, 0.0);
-    const double f = below == 0 ? factors[j] : 0;
-    for (std::size_t i = 0; i < rows; ++i) v[i] = f == 0 ? 0 : -f * v[i];
-    if (j < x.rows) x(j, j) += 1;
+    for (std::size_t k = 0; k < kSize; ++k) {
+      double products[kSize];
+      project(head_[k], tail_[k], products);
+      for (std::size_t i = 0; i < k; ++i) {
+        double sum = 0;
+        for (std::size_t j = i; j < k; ++j) sum += t_[i][j] * products[j];
+        t_[i][k] = -factors[k] * sum;
+      }
+      t_[k][k] = factors[k];
+    }
+  }
+
+  HWY_INLINE void apply(double* x) const {
+    double weights[kSize];
+    project(x, x + kSize, weights);
+    for (std::size_t i = 0; i < kSize; ++i) {
+      double sum = 0;
+      for (std::size_t j = i; j < kSize; ++j) sum += t_[i][j] * weights[j];
+      weights[i] = sum;
+    }
+    for (std::size_t r = 0; r < kSize; ++r) {
+      for (std::size_t k = 0; k < kSize; ++k) x[r] -= weights[k] * head_[k][r];
+    }
+    subtractAll<kSize>(weights, tail_, x + kSize, rest_);
+  }
+
+ private:
+  /// V^T (head; tail)
+  HWY_INLINE void project(const double* head, const double* tail, double* products) const {
+    constexpr std::size_t kLanesOfSum = 8;
+    dots<kSize, kLanesOfSum>(tail, tail_, rest_, products);
+    for (std::size_t k = 0; k < kSize; ++k) {
+      for (std::size_t r = 0; r < kSize; ++r) products[k] += head_[k][r] * head[r];
+    }
+  }
+
+  double head_[kSize][kSize];
+  const double* tail_[kSize];
+  std::size_t rest_;
+  double t_[kSize][kSize] = {};
+};
+
+bool multiplyAll(Matrix x, std::size_t below, const double* factors, Poll step) {
+  for (std::size_t end = x.columns; end > 0;) {
+    const std::size_t begin = end < Group::kSize ? 0 : end - Group::kSize;
+    const bool areTogether =
+        end - begin == Group::kSize && end + below <= x.rows &&
+        std::all_of(factors + begin, factors + end, [](double f) { return f != 0; });
+    if (areTogether) {
+      const std::size_t first = begin + below;
+      const Group group(x.block(first, begin, x.rows - first, Group::kSize), factors + begin);
+      for (std::size_t c = end; c < x.columns; ++c) group.apply(x.column(c) + first);
+    }
+    for (std::size_t j = end; j-- > begin;) {
+      if (!step()) return false;
+      const std::size_t first = std::min(j + below, x.rows);
+      const std::size_t rows = x.rows - first;
+      double* v = x.column(j) + first;
+      for (std::size_t c = j + 1; c < (areTogether ? end : x.columns); ++c) {
+        reflect(factors[j], v, x.column(c) + first, rows);
+      }
+      // The reflection of unit vector j.
+      std::fill(x.column(j), v, 0.0);
+      const double f = below == 0 ? factors[j] : 0;
+      for (std::size_t i = 0; i < rows; ++i) v[i] = f == 0 ? 0 : -f * v[i];
+      if (j < x.rows) x(j, j) += 1;
+    }
+    end = begin;
   }
   return true;
 }

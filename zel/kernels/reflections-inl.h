@@ -94,6 +94,45 @@ HWY_INLINE void subtract(double f, const double* HWY_RESTRICT x, double* HWY_RES
   for (; i < n; ++i) y[i] -= f * x[i];
 }
 
+/// x[k] -= f[k] v for several x, which share the reading of v.
+template <std::size_t kCount>
+HWY_INLINE void subtractFromEach(const double* f, const double* HWY_RESTRICT v, double* const* x,
+                                 std::size_t n) {
+  const Tag d;
+  Vec factor[kCount];
+  for (std::size_t k = 0; k < kCount; ++k) factor[k] = hn::Set(d, f[k]);
+  std::size_t i = 0;
+  for (; i + kLanes <= n; i += kLanes) {
+    const Vec a = hn::LoadU(d, v + i);
+    for (std::size_t k = 0; k < kCount; ++k) {
+      hn::StoreU(hn::Sub(hn::LoadU(d, x[k] + i), hn::Mul(factor[k], a)), d, x[k] + i);
+    }
+  }
+  for (; i < n; ++i) {
+    for (std::size_t k = 0; k < kCount; ++k) x[k][i] -= f[k] * v[i];
+  }
+}
+
+/// x -= f[0] v[0] + f[1] v[1] + ..., one after the other.
+template <std::size_t kCount>
+HWY_INLINE void subtractAll(const double* f, const double* const* v, double* HWY_RESTRICT x,
+                            std::size_t n) {
+  const Tag d;
+  Vec factor[kCount];
+  for (std::size_t k = 0; k < kCount; ++k) factor[k] = hn::Set(d, f[k]);
+  std::size_t i = 0;
+  for (; i + kLanes <= n; i += kLanes) {
+    Vec s = hn::LoadU(d, x + i);
+    for (std::size_t k = 0; k < kCount; ++k) {
+      s = hn::Sub(s, hn::Mul(factor[k], hn::LoadU(d, v[k] + i)));
+    }
+    hn::StoreU(s, d, x + i);
+  }
+  for (; i < n; ++i) {
+    for (std::size_t k = 0; k < kCount; ++k) x[i] -= f[k] * v[k][i];
+  }
+}
+
 /// x *= f
 HWY_INLINE void multiply(double f, double* x, std::size_t n) {
   const Tag d;
@@ -126,6 +165,17 @@ HWY_INLINE double largestMagnitude(const double* x, std::size_t n) {
 HWY_INLINE void reflect(double f, const double* HWY_RESTRICT v, double* HWY_RESTRICT x,
                         std::size_t n) {
   if (f != 0) subtract(f * dot(v, x, n), v, x, n);
+}
+
+/// The same for several x.
+template <std::size_t kCount>
+HWY_INLINE void reflectEach(double f, const double* HWY_RESTRICT v, double* const* x,
+                            std::size_t n) {
+  if (f == 0) return;
+  double weights[kCount];
+  dots<kCount, kSumLanes>(v, x, n, weights);
+  for (double& weight : weights) weight *= f;
+  subtractFromEach<kCount>(weights, v, x, n);
 }
 
 /// Makes the reflection that maps (head; x) on a multiple of the first unit vector. Its vector is

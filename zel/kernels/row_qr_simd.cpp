@@ -24,28 +24,16 @@ namespace hn = hwy::HWY_NAMESPACE;
 template <std::size_t kColumns>
 HWY_INLINE void reflectTogether(double f, std::size_t j, const double* HWY_RESTRICT v, Matrix top,
                                 Matrix rest) {
-  const Tag d;
   constexpr std::size_t kLanesOfSum = 8;
   double* x[kColumns];
   for (std::size_t k = 0; k < kColumns; ++k) x[k] = rest.column(k);
   double weights[kColumns];
   dots<kColumns, kLanesOfSum>(v, x, rest.rows, weights);
-  Vec weight[kColumns];
   for (std::size_t k = 0; k < kColumns; ++k) {
     weights[k] = f * (top(j, k) + weights[k]);
     top(j, k) -= weights[k];
-    weight[k] = hn::Set(d, weights[k]);
   }
-  std::size_t i = 0;
-  for (; i + kLanes <= rest.rows; i += kLanes) {
-    const Vec a = hn::LoadU(d, v + i);
-    for (std::size_t k = 0; k < kColumns; ++k) {
-      hn::StoreU(hn::Sub(hn::LoadU(d, x[k] + i), hn::Mul(weight[k], a)), d, x[k] + i);
-    }
-  }
-  for (; i < rest.rows; ++i) {
-    for (std::size_t k = 0; k < kColumns; ++k) x[k][i] -= weights[k] * v[i];
-  }
+  subtractFromEach<kColumns>(weights, v, x, rest.rows);
 }
 
 /// Reflects the columns from `first` on.
