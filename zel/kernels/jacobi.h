@@ -18,8 +18,9 @@ enum class JacobiStatus : std::uint8_t {
 
 /// Cyclic Jacobi method with thresholds (Jacobi 1846; Rutishauser, Numer. Math. 9 (1966) 1): sweeps
 /// over all elements above the diagonal, row by row, each of which a rotation makes zero. The
-/// eigenvalues come in the order in which the rotations leave them. Products are rounded before
-/// they are added: the same bits on every machine.
+/// eigenvalues come in the order in which the rotations leave them. The rotations are self-scaling
+/// (Anda and Park, SIAM J. Matrix Anal. Appl. 15 (1994) 162), and products are rounded before they
+/// are added: the same bits on every machine.
 /// @param a        symmetric; the diagonal and what is above are read, what is above is destroyed
 /// @param values   the eigenvalues
 /// @param vectors  square with the columns of a: column k takes the unit eigenvector to value k

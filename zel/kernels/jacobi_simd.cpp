@@ -7,6 +7,7 @@
 #include "zel/kernels/jacobi.h"
 #include "zel/kernels/products.h"
 #include "zel/kernels/scratch.h"
+#include "zel/kernels/sums.h"
 #include "zel/kernels/targets.h"
 
 #undef HWY_TARGET_INCLUDE
@@ -19,16 +20,17 @@
 namespace zel::kernels {
 namespace {
 
-/// Rotation of a vector x with one column of a matrix.
+/// Rotation of a vector x with one column of a matrix, but for the common factor c of both results,
+/// which goes to their scales: half the arithmetic.
 struct Turn {
   std::size_t column;
-  double s;
-  double tau;  ///< s / (1 + c)
+  double alpha;
+  double beta;
 
   void operator()(double& x, double& y) const {
     const double old = x;
-    x = x - s * (y + x * tau);
-    y = y + s * (old - y * tau);
+    x = x - alpha * y;
+    y = y + beta * old;
   }
 };
 
@@ -71,14 +73,14 @@ HWY_INLINE void rotateRows(std::span<const Turn> turns, double* x, double* y, st
   Vec g[kVecs];
   for (std::size_t v = 0; v < kVecs; ++v) g[v] = load(x, v);
   for (const Turn& turn : turns) {
-    const Vec s = hn::Set(d, turn.s);
-    const Vec tau = hn::Set(d, turn.tau);
+    const Vec alpha = hn::Set(d, turn.alpha);
+    const Vec beta = hn::Set(d, turn.beta);
     double* const column = y + turn.column * stride;
     for (std::size_t v = 0; v < kVecs; ++v) {
       const Vec h = load(column, v);
       const Vec old = g[v];
-      g[v] = hn::Sub(old, hn::Mul(s, hn::Add(h, hn::Mul(old, tau))));
-      store(hn::Add(h, hn::Mul(s, hn::Sub(old, hn::Mul(h, tau)))), column, v);
+      g[v] = hn::Sub(old, hn::Mul(alpha, h));
+      store(hn::Add(h, hn::Mul(beta, old)), column, v);
     }
   }
   for (std::size_t v = 0; v < kVecs; ++v) store(g[v], x, v);
@@ -146,29 +148,50 @@ HWY_EXPORT(rotateWith);
 namespace {
 
 constexpr int kMostSweeps = 100;
-
-/// Sum of the magnitudes above the diagonal, row by row.
-double offDiagonal(ConstMatrix a) {
-  double sum = 0;
-  for (std::size_t p = 0; p < a.columns; ++p) {
-    for (std::size_t q = p + 1; q < a.columns; ++q) sum += std::abs(a(p, q));
-  }
-  return sum;
-}
-
 /// Columns whose rotations with one row are found before they are carried out.
 constexpr std::size_t kBlock = 8;
 // Rotations that wait before they are carried out.
 constexpr std::size_t kMostTurns = 8192;
+// Scales below this are worked into the numbers that they belong to.
+constexpr double kSmallScale = 0x1p-64;
+
+/// How an element above the diagonal becomes zero: t is the tangent of the rotation, c its cosine.
+struct Angle {
+  double t;
+  double c;
+  double secant;
+
+  /// @param h  difference of the two elements of the diagonal
+  Angle(double element, double h) {
+    const double square = 4 * element * element + h * h;
+    const bool isNegative = h != 0 && std::signbit(h) != std::signbit(element);
+    if (square > 1e-250 && square < 1e250) {
+      const double root = std::sqrt(square);
+      const double sum = std::abs(h) + root;
+      t = 2 * std::abs(element) / sum;
+      c = std::sqrt(sum / (2 * root));
+      secant = std::sqrt(2 * root / sum);
+    } else {
+      const double theta = std::abs(h / (2 * element));
+      t = 1 / (theta + std::sqrt(theta * theta + 1));
+      secant = std::sqrt(t * t + 1);
+      c = 1 / secant;
+    }
+    if (isNegative) t = -t;
+  }
+};
 
 /// The working state: the matrix, whose row in turn is held apart, one element per column, the
-/// eigenvalues d = b + z, and the eigenvectors.
+/// eigenvalues d = b + z, and the eigenvectors. Row and column k of the matrix and column k of the
+/// vectors have to be multiplied by scale[k], whose reciprocal is inverse[k].
 struct Iteration {
   Matrix a;
   Matrix vectors;
   double* d;
   double* b;
   double* z;
+  double* scale;
+  double* inverse;
   double* row;
   double* panel;  ///< n * kBlock numbers
   double threshold = 0;
@@ -181,9 +204,18 @@ struct Iteration {
   };
   std::vector<Waiting> waiting;
 
+  /// Sum of the magnitudes above the diagonal, row by row. All scales must be 1.
+  [[nodiscard]] double offDiagonal() const {
+    double sum = 0;
+    for (std::size_t p = 0; p < a.columns; ++p) {
+      for (std::size_t q = p + 1; q < a.columns; ++q) sum += std::abs(a(p, q));
+    }
+    return sum;
+  }
+
   /// The rotation that makes element q of row p zero, if it is worth one.
   bool findTurn(std::size_t p, std::size_t q, Turn& turn) {
-    const double element = row[q];
+    const double element = row[q] * scale[p] * scale[q];
     const double g = 200 * std::abs(element);
     if (isLate && std::abs(d[p]) + g == std::abs(d[p]) && std::abs(d[q]) + g == std::abs(d[q])) {
       row[q] = 0;
@@ -193,14 +225,18 @@ struct Iteration {
     double h = d[q] - d[p];
     double t;
     if (std::abs(h) + g == std::abs(h)) {
+      // The cosine is 1.
       t = element / h;
+      turn = {q, t * (scale[q] * inverse[p]), t * (scale[p] * inverse[q])};
     } else {
-      const double theta = h / (2 * element);
-      t = 1 / (std::abs(theta) + std::sqrt(theta * theta + 1));
-      if (theta < 0) t = -t;
+      const Angle angle(element, h);
+      t = angle.t;
+      turn = {q, t * (scale[q] * inverse[p]), t * (scale[p] * inverse[q])};
+      for (const std::size_t k : {p, q}) {
+        scale[k] *= angle.c;
+        inverse[k] *= angle.secant;
+      }
     }
-    const double c = 1 / std::sqrt(t * t + 1);
-    turn = {q, t * c, t * c / (1 + c)};
     h = t * element;
     z[p] -= h;
     z[q] += h;
@@ -230,24 +266,38 @@ struct Iteration {
         }
         goOn = step();
       }
-      if (turns.size() == known) continue;
-      const std::span<Turn> found = std::span(turns).subspan(known);
-      // Rows p + 1 .. first - 1, and rows first .. last - 1 behind the block, which are turned to
-      // columns for the time being.
-      HWY_DYNAMIC_DISPATCH(rotateWith)
-      (found, row + p + 1, a.block(p + 1, 0, first - p - 1, n));
-      if (last == n) break;
-      const Matrix behind = a.block(first, last, last - first, n - last);
-      const Matrix turned{panel, behind.columns, behind.rows, behind.columns};
-      transpose(behind, turned);
-      for (Turn& turn : found) turn.column -= first;
-      HWY_DYNAMIC_DISPATCH(rotateWith)(found, row + last, turned);
-      for (Turn& turn : found) turn.column += first;
-      transpose(turned, behind);
+      if (turns.size() > known) turnRest(p, first, last, std::span(turns).subspan(known));
+      if (scale[p] < kSmallScale) {
+        carryOut();
+        for (std::size_t q = p + 1; q < n; ++q) row[q] *= scale[p];
+        absorb(p);
+        waiting.push_back({p, 0});
+      }
     }
     for (std::size_t q = p + 1; q < n; ++q) a(p, q) = row[q];
-    if (turns.size() > kMostTurns) carryOut();
+    if (turns.size() > kMostTurns) {
+      carryOut();
+      for (std::size_t k = 0; k < n; ++k) {
+        if (scale[k] < kSmallScale) absorb(k);
+      }
+    }
     return goOn;
+  }
+
+  /// Carries out the rotations of row p with columns first..last-1 on rows p + 1 .. first - 1, and
+  /// on rows first .. last - 1 behind the block, which are turned to columns for the time being.
+  void turnRest(std::size_t p, std::size_t first, std::size_t last, std::span<Turn> found) {
+    const std::size_t n = a.columns;
+    HWY_DYNAMIC_DISPATCH(rotateWith)
+    (found, row + p + 1, a.block(p + 1, 0, first - p - 1, n));
+    if (last == n) return;
+    const Matrix behind = a.block(first, last, last - first, n - last);
+    const Matrix turned{panel, behind.columns, behind.rows, behind.columns};
+    transpose(behind, turned);
+    for (Turn& turn : found) turn.column -= first;
+    HWY_DYNAMIC_DISPATCH(rotateWith)(found, row + last, turned);
+    for (Turn& turn : found) turn.column += first;
+    transpose(turned, behind);
   }
 
   /// Carries out the rotations that wait, on so few rows at a time that they stay in the cache.
@@ -270,44 +320,85 @@ struct Iteration {
     turns.clear();
     waiting.clear();
   }
+
+  /// Works a scale into the numbers that it belongs to, when no rotation waits.
+  void absorb(std::size_t k) {
+    for (double& v : vectors[k]) v *= scale[k];
+    for (std::size_t r = 0; r < k; ++r) a(r, k) *= scale[k];
+    for (std::size_t c = k + 1; c < a.columns; ++c) a(k, c) *= scale[k];
+    scale[k] = inverse[k] = 1;
+  }
+
+  /// Ends a sweep, or a part of one.
+  void complete() {
+    carryOut();
+    for (std::size_t k = 0; k < a.columns; ++k) absorb(k);
+  }
 };
+
+/// A power of two that brings elements near 1 whose squares may leave the range of doubles; 0 for
+/// all others.
+int scalingExponent(ConstMatrix a) {
+  double largest = 0;
+  for (std::size_t c = 0; c < a.columns; ++c) {
+    for (std::size_t r = 0; r <= c; ++r) largest = std::max(largest, std::abs(a(r, c)));
+  }
+  if (largest == 0 || !std::isfinite(largest)) return 0;
+  const int exponent = std::ilogb(largest);
+  return std::abs(exponent) < 300 ? 0 : std::clamp(-exponent, -1000, 1000);
+}
 
 }  // namespace
 
 JacobiStatus jacobiEigenvectors(Matrix a, std::span<double> values, Matrix vectors, Poll sweep,
                                 Poll step) {
   const std::size_t n = a.columns;
-  const Scratch scratch((3 + kBlock) * n);
+  const Scratch scratch((5 + kBlock) * n);
   double* const b = scratch.data();
-  Iteration work{a, vectors, values.data(), b, b + n, b + 2 * n, b + 3 * n, 0, false, {}, {}};
+  Iteration work{a,         vectors, values.data(), b,  b + n, b + 2 * n, b + 3 * n, b + 4 * n,
+                 b + 5 * n, 0,       false,         {}, {}};
   work.turns.reserve(kMostTurns + n);
-  work.waiting.reserve(n);
+  work.waiting.reserve(n + 1);
+  const int exponent = scalingExponent(a);
   for (std::size_t i = 0; i < n; ++i) {
     std::fill_n(vectors.column(i), n, 0.0);
     vectors(i, i) = 1;
-    b[i] = values[i] = a(i, i);
+    b[i] = values[i] = std::ldexp(a(i, i), exponent);
+    for (std::size_t r = 0; r < i; ++r) a(r, i) = std::ldexp(a(r, i), exponent);
     work.z[i] = 0;
+    work.scale[i] = work.inverse[i] = 1;
   }
-  for (int count = 1; count <= kMostSweeps; ++count) {
-    (void)sweep();
-    const double sum = offDiagonal(a);
-    if (sum == 0) return JacobiStatus::done;
-    work.threshold = count < 4 ? 0.2 * sum / static_cast<double>(n * n) : 0;
-    work.isLate = count > 4;
-    for (std::size_t p = 0; p + 1 < n; ++p) {
-      if (!work.makeRowZero(p, step)) {
-        work.carryOut();
+  const auto iterate = [&] {
+    for (int count = 1; count <= kMostSweeps; ++count) {
+      (void)sweep();
+      const double sum = work.offDiagonal();
+      if (sum == 0) return JacobiStatus::done;
+      work.threshold = count < 4 ? 0.2 * sum / static_cast<double>(n * n) : 0;
+      work.isLate = count > 4;
+      for (std::size_t p = 0; p + 1 < n; ++p) {
+        if (work.makeRowZero(p, step)) continue;
+        work.complete();
         return JacobiStatus::stopped;
       }
+      work.complete();
+      for (std::size_t i = 0; i < n; ++i) {
+        b[i] += work.z[i];
+        values[i] = b[i];
+        work.z[i] = 0;
+      }
     }
-    work.carryOut();
-    for (std::size_t i = 0; i < n; ++i) {
-      b[i] += work.z[i];
-      values[i] = b[i];
-      work.z[i] = 0;
+    return JacobiStatus::notConverged;
+  };
+  const JacobiStatus status = iterate();
+  for (std::size_t k = 0; k < n; ++k) {
+    values[k] = std::ldexp(values[k], -exponent);
+    // The scales have lost a few units in the last place of the length.
+    const double length = euclideanNorm(vectors[k]);
+    if (length > 0) {
+      for (double& v : vectors[k]) v /= length;
     }
   }
-  return JacobiStatus::notConverged;
+  return status;
 }
 
 }  // namespace zel::kernels
