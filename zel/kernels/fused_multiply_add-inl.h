@@ -11,6 +11,13 @@ HWY_INLINE V fusedMultiplyAdd(V a, V b, V c) {
 
 #else
 
+// With checks in it the emulation is too long to stand in every loop.
+#ifdef __SANITIZE_ADDRESS__
+#define ZEL_INLINE_EMULATION HWY_NOINLINE
+#else
+#define ZEL_INLINE_EMULATION HWY_INLINE
+#endif
+
 /// a * b + c of lanes that the emulation below does not cover; the library function is exact for
 /// every value.
 template <class V>
@@ -32,7 +39,7 @@ HWY_NOINLINE V fusedByNumber(V a, V b, V c) {
 /// three (Boldo and Melquiond, IEEE Trans. Comput. 57 (2008) 462). Holds while no part leaves the
 /// range of doubles; a NaN fails the test of that or ends up in the sum.
 template <class V>
-HWY_INLINE V fusedMultiplyAdd(V a, V b, V c) {
+ZEL_INLINE_EMULATION V fusedMultiplyAdd(V a, V b, V c) {
   const hn::DFromV<V> d;
   const hn::RebindToUnsigned<hn::DFromV<V> > du;
   const auto zero = hn::Zero(d);
@@ -63,5 +70,6 @@ HWY_INLINE V fusedMultiplyAdd(V a, V b, V c) {
   // An exact zero takes its sign from the plain sum.
   return hn::IfThenElse(isZero, hn::Add(p, c), sum);
 }
+#undef ZEL_INLINE_EMULATION
 
 #endif
