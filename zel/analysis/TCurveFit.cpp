@@ -78,7 +78,9 @@ void TCurveFit::RemoveStatValue(int ix) {
   ClearCaches();
   if (ix < 1 || ix > FNumData) return;
   FSums->Remove(FData.GetVal(1, ix), FData.GetVal(2, ix));
-  if (ix < FNumData) FData.CopyFrom(&FData, 1, ix + 1, 2, FNumData, 1, ix);
+  for (double* column : {FData.data(), FData.data() + FData.NrOfRows()}) {
+    std::copy(column + ix, column + FNumData, column + ix - 1);
+  }
   --FNumData;
 }
 

@@ -40,9 +40,19 @@ class ZEL_API TCurveFit : public TComponent {
   /// Removes all pairs. The storage stays.
   void Init();
   /// Appends a pair. Amortised constant time.
+  ///
+  /// The running sums are kept exactly, so the order of the pairs leaves no trace in them, and
+  /// statistics of data with a large offset keep their digits. What is rounded is each term before
+  /// it is added (to extended precision; squares and products of x and y not even that), and a
+  /// statistic when it is formed.
   /// @return number of pairs
+  /// @throws EZELMath2Error  "TCurveFit.EnterStatValue: not enough memory"; "TCurveFit.
+  ///   EnterStatValue: too many pairs" beyond 2^31 - 1; nothing changes then
   int EnterStatValue(double x, double y);
-  /// Removes pair ix; nothing happens outside 1..NumData. The extremes are not narrowed.
+  /// Removes pair ix; the later ones move up. Nothing happens outside 1..NumData. The extremes are
+  /// not narrowed. The sums are afterwards as if the pair had never been entered, exactly, also
+  /// when its terms were larger than all others by any factor, infinite or not-a-number.
+  /// O(NumData).
   void RemoveStatValue(int ix);
   /// The values of pair ix; 0 outside 1..NumData.
   [[nodiscard]] double GetDataX(int ix) const;
@@ -59,22 +69,29 @@ class ZEL_API TCurveFit : public TComponent {
 
   // Statistics.
 
+  /// Arithmetic means of x, y and x - y; 0 without pairs. O(1).
   [[nodiscard]] double GetMeanX() const;
   [[nodiscard]] double GetMeanY() const;
   [[nodiscard]] double GetMeanDiff() const;
   [[nodiscard]] double MeanX() const { return GetMeanX(); }
   [[nodiscard]] double MeanY() const { return GetMeanY(); }
   [[nodiscard]] double MeanDiff() const { return GetMeanDiff(); }
+  /// Standard deviations of x, y and x - y, with the divisor n - 1; 0 for less than 3 pairs. O(1).
   [[nodiscard]] double GetStdDevX() const;
   [[nodiscard]] double GetStdDevY() const;
   [[nodiscard]] double GetStdDevDiff() const;
   [[nodiscard]] double StdDevX() const { return GetStdDevX(); }
   [[nodiscard]] double StdDevY() const { return GetStdDevY(); }
   [[nodiscard]] double StdDevDiff() const { return GetStdDevDiff(); }
+  /// Pearson's correlation coefficient, within -1..1; 0 for less than 3 pairs and if x or y is
+  /// constant. O(1).
   [[nodiscard]] double GetRxy() const;
   [[nodiscard]] double CorrCoeff() const { return GetRxy(); }
+  /// The number of pairs, the means, the standard deviations and the correlation in one call; each
+  /// is 0 where the function of its own is.
   void CalcStatistics(int& NumData, double& MeanX, double& MeanY, double& StdevX, double& StdevY,
                       double& MeanDiff, double& StdevDiff, double& rxy) const;
+  /// Sample skewness and excess kurtosis, those of TMatrix.SkewKurtSample; 0 without pairs. O(n).
   [[nodiscard]] double GetSkewnessX() const;
   [[nodiscard]] double GetSkewnessY() const;
   [[nodiscard]] double GetKurtosisX() const;
@@ -83,35 +100,104 @@ class ZEL_API TCurveFit : public TComponent {
   [[nodiscard]] double SkewnessY() const { return GetSkewnessY(); }
   [[nodiscard]] double KurtosisX() const { return GetKurtosisX(); }
   [[nodiscard]] double KurtosisY() const { return GetKurtosisY(); }
+  /// Percentile by the rule of TMatrix.Percentile, prob in percent; 0 without pairs.
   [[nodiscard]] double PercentileX(double prob) const;
   [[nodiscard]] double PercentileY(double prob) const;
+  /// Quartiles by the rule of TMatrix.Quartiles.
+  /// @return that of TMatrix.Quartiles; false, with zeros, without pairs
   bool QuartilesX(double& q1, double& q2, double& q3) const;
   bool QuartilesY(double& q1, double& q2, double& q3) const;
+  /// Circular mean of x (y) taken as angles in degrees: the direction of the sum of the unit
+  /// vectors, in [0, 360). 0 without pairs and where the vectors cancel exactly; not-a-number if an
+  /// angle is not finite. O(n).
   [[nodiscard]] double GetMeanXDegrees() const { return CalcMeanDegrees(1); }
   [[nodiscard]] double GetMeanYDegrees() const { return CalcMeanDegrees(2); }
   [[nodiscard]] double MeanAngleX() const { return GetMeanXDegrees(); }
   [[nodiscard]] double MeanAngleY() const { return GetMeanYDegrees(); }
+  /// Kendall's tau-b: (concordant - discordant pairs of points) / sqrt(n1 n2), where n1 and n2
+  /// count those without a tie in x and in y. 0 for less than 3 pairs and if x or y is constant.
+  /// Infinities of one sign are equal; a pair with a not-a-number is left out. The counts are kept
+  /// until the data change.
+  /// @param p  two-sided significance by the normal approximation with the variance
+  ///   (4 n + 10) / (9 n (n - 1)) of untied data, through ErfApprox; 0 where tau is 0 for want of
+  ///   data
+  /// @throws EZELMath2Error  "BasicRankCounts: not enough memory"
+  /// O(n log n). Method: Knight, J. Am. Stat. Assoc. 61 (1966) 436.
   double KendallsTau(double& p);
+  /// Gamma of Goodman and Kruskal: (concordant - discordant) / (concordant + discordant) pairs of
+  /// points; 0 if there are none. Counts, errors and cost are those of KendallsTau.
   [[nodiscard]] double GetKruskalGamma();
   [[nodiscard]] double KruskalGamma() { return GetKruskalGamma(); }
+  /// Spearman's rank correlation with mean ranks and, where values are equal, the correction for
+  /// ties; 0 for less than 3 pairs and if x or y is constant. A not-a-number ranks above all
+  /// numbers. O(n log n).
+  /// @throws EZELMath2Error  "GetSpearman: not enough memory"
   [[nodiscard]] double GetSpearman() const;
   [[nodiscard]] double SpearmanRankCorr() const { return GetSpearman(); }
+  /// Analysis of variance of a regression whose observed values were entered as x and whose
+  /// estimates were entered as y. With m the mean of x, or 0 without IncludeConst:
+  ///
+  ///     SSE = sum (x - y)^2   SSR = sum (y - m)^2   SST = sum (x - m)^2
+  ///     MSE = SSE / dfres     MSR = SSR / dfreg     F = MSR / MSE
+  ///
+  /// A mean square without degrees of freedom is 0. F is 1E10 for MSE = 0, and 0 for MSR = 0. O(1).
+  /// @param NumVars       number of variables of the regression, without the constant: dfreg
+  /// @param IncludeConst  the regression has a constant: dftotal is n - 1, otherwise n
+  /// @param dfres         dftotal - dfreg
   void CalcAnovaReg(int NumVars, bool IncludeConst, int& dfreg, int& dfres, int& dftotal,
                     double& SSE, double& SSR, double& SST, double& MSE, double& MSR,
                     double& F) const;
 
-  // Fits.
+  /// @name Fits of y as it is
+  /// Least squares over the stored pairs. FitQual is the coefficient of determination. Values that
+  /// are not finite make the results of the first three not-a-number, and let the polynomials fail.
+  /// @{
 
+  /// Straight line, y = k x + d. FitQual is 1 for a constant y.
+  /// @throws EZELMath2Error  with zero results: "CalcLinFit: not enough data points" for less than
+  ///   2 pairs; "CalcLinFit: slope is infinite" if all x are equal
+  /// Sums about the means in double-double. O(n).
   void CalcLinFit(double& k, double& d, double& FitQual) const;
+  /// Parabola, y = k0 + k1 x + k2 x^2. FitQual is 1 for a constant y. For only two different x it
+  /// is the line (k2 = 0), for only one the mean of y.
+  /// @throws EZELMath2Error  with zero results: "CalcParabolFit: not enough data points" for less
+  ///   than 3 pairs
+  /// Sums about the means and solution in double-double. O(n).
   void CalcParabolFit(double& k0, double& k1, double& k2, double& FitQual) const;
+  /// Polynomial of any order, y = kArray[0] + kArray[1] x + ... + kArray[nOrder] x^nOrder.
+  ///
+  /// For orders above about 5, or x far from 0, take CalcCenteredPolyFit. Clears AbortMathProc.
+  /// @param kArray   grows to nOrder + 1 elements if it is shorter
+  /// @param Alpha    resized to nOrder + 1 elements: the two-sided significance of each coefficient
+  ///   by the t distribution with n - nOrder - 1 degrees of freedom; 0 for an exact fit and without
+  ///   degrees of freedom
+  /// @param FitQual  squared correlation of y and its estimates; 0 if one of them is constant
+  /// @param NearSingular  a singular value was below 1E-14 of the largest and was taken as 0
+  /// @return false for n <= nOrder, a negative nOrder (both leave the arrays alone), or values that
+  ///   are not finite
+  /// @throws EZELMath2Error  "CalcPolyFit: not enough memory"
+  /// Method: singular value decomposition, refined with residuals in double-double. O(n nOrder^2).
   bool CalcPolyFit(int nOrder, TDoubleArray& kArray, double& FitQual, bool& NearSingular) const;
   bool CalcPolyFit(int nOrder, TDoubleArray& kArray, TDoubleArray& Alpha, double& FitQual,
                    bool& NearSingular) const;
+  /// Polynomial about a shift, y = kArray[0] + kArray[1] (x - XShift) + ... The powers are those of
+  /// (x - XShift) divided by the standard deviation of x, so that the order may be high.
+  /// @param XShift  0 is replaced by the mean of x
+  /// @param alpha   as in CalcPolyFit; that of the constant belongs to y less its mean
+  /// @throws EZELMath2Error  "CalcCenteredPolyFit: not enough memory"
+  /// Everything else is as in CalcPolyFit.
   bool CalcCenteredPolyFit(int nOrder, TDoubleArray& kArray, double& XShift, double& FitQual,
                            bool& NearSingular) const;
   bool CalcCenteredPolyFit(int nOrder, TDoubleArray& kArray, TDoubleArray& alpha, double& XShift,
                            double& FitQual, bool& NearSingular) const;
+  /// Circle of radius r about (dx, dy): minimises the sum of the squares of
+  /// (x - dx)^2 + (y - dy)^2 - r^2, which is exact for points on a circle and gives too small radii
+  /// for short noisy arcs.
+  /// @throws EZELMath2Error  with zero results: "CalcCircleFit: not enough data points" for less
+  ///   than 3 pairs; "CalcCircleFit: radius is infinite" if the points lie on a line
+  /// Method: Kasa, IEEE Trans. Instrum. Meas. 25 (1976) 8. O(n).
   void CalcCircleFit(double& r, double& dx, double& dy) const;
+  /// @}
 
   /// @name Fits of transformed variables
   /// Linear least squares after a transformation of x, y or both. The residuals that are minimised,
@@ -227,7 +313,20 @@ class ZEL_API TCurveFit : public TComponent {
 
   // Files.
 
+  /// Writes the pairs as an ASC file with the columns x and y.
+  /// @param Comment    the first line, line feeds replaced by blanks; empty: "Exported by ZEL
+  ///   TCurveFit component: " and the name of the file
+  /// @param Precision  number of decimals
+  /// @return empty on success; the system's message if the file cannot be created
+  /// @throws EInOutError  if writing fails; an old file stays as it was then
   std::string ExportAsASC(std::string_view FName, std::string_view Comment, int Precision) const;
+  /// Replaces the pairs by those of an ASC file of two columns. Names and row attributes are passed
+  /// over; NAN and ### are not-a-number. A file that fails leaves the pairs alone.
+  /// @return 0; -1 for a file that cannot be read; 1..4 for a bad line of the header; -5 for an
+  ///   unreadable row attribute, -6 for an unreadable value, -7 for nominal variables
+  /// @throws EZELMath2Error  "TCurveFit.ImportASC: number of columns must be 2 (is actually n).";
+  ///   "TCurveFit.ImportASC: not enough memory"
+  /// @throws EInOutError     if reading fails
   int ImportASC(std::string_view FName);
 
  private:

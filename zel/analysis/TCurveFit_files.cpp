@@ -37,11 +37,11 @@ int TCurveFit::ImportASC(std::string_view FName) {
     std::ifstream file;
     OpenForReading(file, FName);
     detail::TPairs pairs;
-    const detail::TPairsResult result = detail::ReadPairsASC(file, pairs);
+    const int result = detail::ReadPairsASC(file, pairs);
     if (file.is_open() && file.bad())
       throw EInOutError("ImportASC: error while reading " + std::string(FName));
-    if (result.hasRows) Replace(pairs.x, pairs.y);
-    return result.code;
+    if (result == 0) Replace(pairs.x, pairs.y);
+    return result;
   });
 }
 

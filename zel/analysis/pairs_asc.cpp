@@ -25,31 +25,30 @@ void skipName(std::istream& f) {
 
 }  // namespace
 
-TPairsResult ReadPairsASC(std::istream& f, TPairs& pairs) {
+int ReadPairsASC(std::istream& f, TPairs& pairs) {
   constexpr int badAttribute = -5;
   constexpr int badValue = -6;
   constexpr int nominalVariables = -7;
   pairs = {};
   TASCHeader header;
   const int headerResult = ReadHeaderOfASC(f, header);
-  if (headerResult != 0) return {headerResult, false};
-  if (header.Nominal) return {nominalVariables, false};
+  if (headerResult != 0) return headerResult;
+  if (header.Nominal) return nominalVariables;
   if (header.NCols != 2) {
     throw EZELMath2Error("TCurveFit.ImportASC: number of columns must be 2 (is actually " +
                          std::to_string(header.NCols) + ").");
   }
   for (int c = 0; header.ColNames && c < header.NCols; ++c) skipName(f);
   for (int r = 0; r < header.NRows; ++r) {
-    if (double attribute = 0; header.RowAttr && !ReadNumber(f, attribute))
-      return {badAttribute, true};
+    if (double attribute = 0; header.RowAttr && !ReadNumber(f, attribute)) return badAttribute;
     if (header.RowNames) skipName(f);
     const auto x = readValue(f);
     const auto y = x ? readValue(f) : std::nullopt;
-    if (!y) return {badValue, true};
+    if (!y) return badValue;
     pairs.x.push_back(*x);
     pairs.y.push_back(*y);
   }
-  return {0, true};
+  return 0;
 }
 
 }  // namespace zel::detail

@@ -14,16 +14,11 @@ struct TPairs {
   TDoubleArray y;
 };
 
-/// What became of a file.
-struct TPairsResult {
-  int code = 0;          // as of TCurveFit.ImportASC
-  bool hasRows = false;  // the rows were begun: the pairs hold those before the failing row
-};
-
 /// Reads header and rows. Grows as values arrive; a forged count allocates nothing. NAN and ###
 /// give not-a-number.
+/// @return as TCurveFit.ImportASC; unless it is 0, the pairs are incomplete
 /// @throws EZELMath2Error  if the header announces another number of columns than two
 /// @throws std::bad_alloc
-TPairsResult ReadPairsASC(std::istream& f, TPairs& pairs);
+[[nodiscard]] int ReadPairsASC(std::istream& f, TPairs& pairs);
 
 }  // namespace zel::detail
