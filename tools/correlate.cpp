@@ -1,10 +1,8 @@
 #include "correlate.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <utility>
 
-#include "column_option.h"
 #include "correlations.h"
 #include "correlations_picture.h"
 #include "failure.h"
@@ -20,19 +18,6 @@
 
 namespace tool {
 namespace {
-
-constexpr const char* kHelp = R"(
-The figure for two variables is Pearson's correlation over the rows in which
-neither value is missing, n their number. It is undefined, and shown as a dash,
-for fewer than two such rows and for a variable that is constant in them.
-
-Examples:
-  zel correlate data/iris.csv
-  zel correlate data/USArrests.csv --column Murder,Assault,Rape
-  zel correlate data/iris.csv --plot iris.png
-
-Exit status: 0 all done; 2 a wrong argument, a file that cannot be read or
-written, bad data: one line on standard error says what, where and why.)";
 
 /// A table with the variables as lines and as columns. The columns of long names have the numbers
 /// of the variables as headings.
@@ -113,23 +98,6 @@ std::string jsonText(const Table& file, const std::vector<std::size_t>& columns,
 }
 
 }  // namespace
-
-CLI::App* addCorrelate(CLI::App& program, CorrelateOptions& options) {
-  CLI::App* command =
-      program.add_subcommand("correlate", "Correlate columns of numbers: table, heat map");
-  command->add_option("FILE", options.file, "CSV or ASC file; - is standard input")
-      ->required()
-      ->option_text(" ");
-  addColumnOption(*command, options.columns);
-  command
-      ->add_option("--plot", options.picture,
-                   "draw a heat map, a .png or .svg file (needs gnuplot)")
-      ->option_text("PICTURE");
-  command->add_flag("--json", options.json, "print JSON, all digits, null for what is undefined");
-  command->add_flag("--ascii", options.ascii, "print dashes as ASCII characters");
-  command->footer(std::string(kFileHelp) + kHelp);
-  return command;
-}
 
 Result correlate(const CorrelateOptions& options) {
   if (!options.picture.empty()) {

@@ -7,10 +7,6 @@
 
 #include "result.h"
 
-namespace CLI {
-class App;
-}
-
 namespace tool {
 
 /// What the command line asks for.
@@ -21,9 +17,6 @@ struct CorrelateOptions {
   bool json = false;
   bool ascii = false;
 };
-
-/// Adds the command with its options and help; parsing fills the options.
-CLI::App* addCorrelate(CLI::App& program, CorrelateOptions& options);
 
 /// Does what the options ask for.
 /// @throws Failure  nothing was written then

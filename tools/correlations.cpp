@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <deque>
-#include <iterator>
 
 #include "variable.h"
 #include "zel/vector/Zel_vector.h"
@@ -45,10 +44,7 @@ Correlations correlate(const Table& table, const std::vector<std::size_t>& colum
     result.numbers.push_back(column.number);
     whole.emplace_back(valuesOf(i));
     for (std::size_t j = 0; j <= i; ++j) {
-      const std::vector<int>& missing = table.columns[columns[j]].missingRows;
-      std::vector<int> leftOut;
-      std::set_union(column.missingRows.begin(), column.missingRows.end(), missing.begin(),
-                     missing.end(), std::back_inserter(leftOut));
+      const std::vector<int> leftOut = rowsWithout(table, {columns[i], columns[j]});
       const int n = table.rows - static_cast<int>(leftOut.size());
       const std::optional<double> r =
           leftOut.empty() ? pearson(whole[i], whole[j], n)

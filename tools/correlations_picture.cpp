@@ -37,10 +37,6 @@ set label 1 title at screen margin, screen titleHeight left noenhanced textcolor
 set label 2 subtitle at screen margin, screen subtitleHeight left noenhanced textcolor rgb grey font ',9'
 )";
 
-std::string set(const char* name, const std::string& value) {
-  return std::string(name) + " = " + value + '\n';
-}
-
 /// In inches, on the scale that the fonts have.
 struct Layout {
   double cell;
@@ -168,15 +164,19 @@ void drawCorrelations(const std::string& fileName, const std::string& title,
   const auto fromLeft = [&](double inches) { return fixedPoint(inches / width, 5); };
   const auto fromTop = [&](double inches) { return fixedPoint(1 - inches / height, 5); };
   std::string script =
-      set("k", std::to_string(k)) + set("margin", fromLeft(Layout::kMargin)) +
-      set("left", fromLeft(layout.left)) + set("right", fromLeft(layout.left + cells)) +
-      set("top", fromTop(layout.head)) + set("bottom", fromTop(layout.head + cells)) +
-      set("barLeft", fromLeft(layout.left + cells + Layout::kBar - 0.12)) +
-      set("barWidth", fromLeft(0.12)) + set("titleHeight", fromTop(0.23)) +
-      set("title", gnuplotText(title, 95)) + set("subtitleHeight", fromTop(0.48)) +
-      set("subtitle", gnuplotText(subtitleOf(correlations))) +
-      set("valueFont", "'," + fixedPoint(layout.valueFont, 1) + "'") +
-      set("gap", layout.cell > 0.25 ? "0.8" : "0.3");
+      gnuplotVariable("k", std::to_string(k)) +
+      gnuplotVariable("margin", fromLeft(Layout::kMargin)) +
+      gnuplotVariable("left", fromLeft(layout.left)) +
+      gnuplotVariable("right", fromLeft(layout.left + cells)) +
+      gnuplotVariable("top", fromTop(layout.head)) +
+      gnuplotVariable("bottom", fromTop(layout.head + cells)) +
+      gnuplotVariable("barLeft", fromLeft(layout.left + cells + Layout::kBar - 0.12)) +
+      gnuplotVariable("barWidth", fromLeft(0.12)) + gnuplotVariable("titleHeight", fromTop(0.23)) +
+      gnuplotVariable("title", gnuplotText(title, 95)) +
+      gnuplotVariable("subtitleHeight", fromTop(0.48)) +
+      gnuplotVariable("subtitle", gnuplotText(subtitleOf(correlations))) +
+      gnuplotVariable("valueFont", "'," + fixedPoint(layout.valueFont, 1) + "'") +
+      gnuplotVariable("gap", layout.cell > 0.25 ? "0.8" : "0.3");
   drawPicture(fileName, {width, height},
               script + kStyle + nameLabels(names, layout) + cellScript(correlations));
 }

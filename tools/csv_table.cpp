@@ -154,6 +154,18 @@ std::vector<Draft> readHeader(LineReader& file, Records& records) {
   return drafts;
 }
 
+/// 0 if there is no column with this name or number.
+int numberOfColumn(const std::vector<Draft>& drafts, const std::string& wanted) {
+  if (wanted.empty()) return 0;
+  for (const Draft& draft : drafts) {
+    if (draft.column.name == wanted) return draft.column.number;
+  }
+  for (const Draft& draft : drafts) {
+    if (std::to_string(draft.column.number) == wanted) return draft.column.number;
+  }
+  return 0;
+}
+
 bool allDiffer(const std::vector<std::string>& texts) {
   return std::unordered_set<std::string_view>(texts.begin(), texts.end()).size() == texts.size();
 }
@@ -164,9 +176,10 @@ bool namesRows(const Draft& first, const std::vector<std::string>& texts) {
 
 }  // namespace
 
-ColumnValues readCsvTable(LineReader& file, Table& table) {
+ColumnValues readCsvTable(LineReader& file, Table& table, const std::string& labelColumn) {
   Records records(file);
   std::vector<Draft> drafts = readHeader(file, records);
+  table.labelColumn = numberOfColumn(drafts, labelColumn);
   std::vector<std::string> firstTexts;
   for (std::vector<Cell> cells; records.next(cells);) {
     if (cells.size() != drafts.size()) {
@@ -177,6 +190,10 @@ ColumnValues readCsvTable(LineReader& file, Table& table) {
     ++table.rows;
     for (std::size_t c = 0; c < cells.size(); ++c) {
       add(drafts[c], cells[c].text, table.rows, records.line());
+    }
+    if (table.labelColumn > 0) {
+      const std::string& text = cells[static_cast<std::size_t>(table.labelColumn) - 1].text;
+      table.labels.push_back(isMissing(text) ? "" : text);
     }
     firstTexts.push_back(std::move(cells[0].text));
   }

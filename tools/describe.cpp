@@ -1,12 +1,10 @@
 #include "describe.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <optional>
 #include <utility>
 
 #include "bins.h"
-#include "column_option.h"
 #include "describe_picture.h"
 #include "failure.h"
 #include "figures.h"
@@ -29,27 +27,6 @@ namespace {
 constexpr int kMostBinsByDefault = 30;
 constexpr int kSparklineBins = 10;
 constexpr int kPanelBins = 16;
-
-constexpr const char* kHelp = R"(
-The figures:
-  standard deviation  divisor n - 1; the standard error is that of the mean
-  skewness, kurtosis  corrected for the sample size; 0 for a normal population
-  quartiles           at (n + 1) q of the sorted values, interpolated
-  percentiles         at (n - 1) p of the sorted values from 0, interpolated
-  mode                the smallest of the most frequent values
-
-Several columns make one table, one picture of all histograms and, in JSON, the
-array "variables"; a single one is shown in more detail.
-
-Examples:
-  zel describe data/sunspots.asc
-  zel describe data/sunspots.asc --plot sunspots.png
-  zel describe data/faithful_waiting.asc --percentiles 1,2.5,97.5,99 --bins 20
-  zel describe data/iris.csv --column Petal.Length,Petal.Width
-  zel describe - --json < data/sunspots.asc
-
-Exit status: 0 all done; 2 a wrong argument, a file that cannot be read or
-written, bad data: one line on standard error says what, where and why.)";
 
 /// @param list  numbers separated by commas
 std::vector<double> parsePercentiles(std::string_view list) {
@@ -234,30 +211,6 @@ void draw(const Table& file, const std::vector<Description>& descriptions,
 }
 
 }  // namespace
-
-CLI::App* addDescribe(CLI::App& program, DescribeOptions& options) {
-  CLI::App* command =
-      program.add_subcommand("describe", "Describe columns of numbers: table, histogram, picture");
-  command->add_option("FILE", options.file, "CSV or ASC file; - is standard input")
-      ->required()
-      ->option_text(" ");
-  addColumnOption(*command, options.columns);
-  command
-      ->add_option("--percentiles", options.percentiles,
-                   "percentiles to show, 0 to 100 [5,10,90,95]")
-      ->option_text("P,P,...");
-  command->add_option("--bins", options.bins, "about this many bins, of a round width")
-      ->check(CLI::Range(1, 200))
-      ->option_text("N");
-  command->add_flag("--no-histogram", options.noHistogram, "the table only");
-  command
-      ->add_option("--plot", options.picture, "draw a picture, a .png or .svg file (needs gnuplot)")
-      ->option_text("PICTURE");
-  command->add_flag("--json", options.json, "print JSON, all digits, null for what is undefined");
-  command->add_flag("--ascii", options.ascii, "print bars and dashes as ASCII characters");
-  command->footer(std::string(kFileHelp) + kHelp);
-  return command;
-}
 
 Result describe(const DescribeOptions& options) {
   if (!options.picture.empty()) {

@@ -7,10 +7,6 @@
 
 #include "result.h"
 
-namespace CLI {
-class App;
-}
-
 namespace tool {
 
 /// What the command line asks for.
@@ -24,9 +20,6 @@ struct DescribeOptions {
   bool json = false;
   bool ascii = false;
 };
-
-/// Adds the command with its options and help; parsing fills the options.
-CLI::App* addDescribe(CLI::App& program, DescribeOptions& options);
 
 /// Does what the options ask for.
 /// @throws Failure  nothing was written then

@@ -151,24 +151,24 @@ void drawDescription(const std::string& fileName, const std::string& title, cons
     const std::size_t more = edge.find('e') != std::string::npos ? 2 : 0;
     labelWidth = std::max(labelWidth, std::min<std::size_t>(edge.size() + more, 12));
   }
-  const auto set = [](const char* name, const std::string& value) {
-    return std::string(name) + " = " + value + '\n';
-  };
   std::string script = binsBlock(*histogram) + seriesBlock(x, variable, names);
-  script += set("title", gnuplotText(title, 95)) + set("variable", name) +
-            set("abscissa", gnuplotText(names.empty() ? "row" : "")) +
-            set("q1", shortest(*summary.lowerQuartile.value)) +
-            set("median", shortest(*summary.median.value)) +
-            set("q3", shortest(*summary.upperQuartile.value)) +
-            set("q1Label", label("lower quartile", summary.lowerQuartile)) +
-            set("medianLabel", label("median", summary.median)) +
-            set("q3Label", label("upper quartile", summary.upperQuartile)) +
-            set("most", std::to_string(most)) + set("labelWidth", std::to_string(labelWidth)) +
-            set("dots", summary.n <= kMostDots ? "1" : "0") + set("rows", std::to_string(rows)) +
-            set("firstEdge", shortest(histogram->edge(0))) +
-            set("lastEdge", shortest(histogram->edge(histogram->counts.size()))) +
-            set("constant", *summary.minimum.value == *summary.maximum.value ? "1" : "0") +
-            set("fewRows", names.empty() && rows <= 10 ? "1" : "0");
+  script +=
+      gnuplotVariable("title", gnuplotText(title, 95)) + gnuplotVariable("variable", name) +
+      gnuplotVariable("abscissa", gnuplotText(names.empty() ? "row" : "")) +
+      gnuplotVariable("q1", shortest(*summary.lowerQuartile.value)) +
+      gnuplotVariable("median", shortest(*summary.median.value)) +
+      gnuplotVariable("q3", shortest(*summary.upperQuartile.value)) +
+      gnuplotVariable("q1Label", label("lower quartile", summary.lowerQuartile)) +
+      gnuplotVariable("medianLabel", label("median", summary.median)) +
+      gnuplotVariable("q3Label", label("upper quartile", summary.upperQuartile)) +
+      gnuplotVariable("most", std::to_string(most)) +
+      gnuplotVariable("labelWidth", std::to_string(labelWidth)) +
+      gnuplotVariable("dots", summary.n <= kMostDots ? "1" : "0") +
+      gnuplotVariable("rows", std::to_string(rows)) +
+      gnuplotVariable("firstEdge", shortest(histogram->edge(0))) +
+      gnuplotVariable("lastEdge", shortest(histogram->edge(histogram->counts.size()))) +
+      gnuplotVariable("constant", *summary.minimum.value == *summary.maximum.value ? "1" : "0") +
+      gnuplotVariable("fewRows", names.empty() && rows <= 10 ? "1" : "0");
   script += kDrawing;
   drawPicture(fileName, {8, 6}, script);
 }

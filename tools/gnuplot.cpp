@@ -83,4 +83,8 @@ std::string gnuplotText(std::string_view text, std::size_t limit) {
   return result + '\'';
 }
 
+std::string gnuplotVariable(std::string_view name, std::string_view value) {
+  return std::string(name).append(" = ").append(value) + '\n';
+}
+
 }  // namespace tool

@@ -28,4 +28,7 @@ void drawPicture(const std::string& fileName, const PictureSize& size, std::stri
 /// A text as gnuplot takes it literally, quotation marks included.
 std::string gnuplotText(std::string_view text, std::size_t limit = 100);
 
+/// A line that gives a variable of gnuplot's a value.
+std::string gnuplotVariable(std::string_view name, std::string_view value);
+
 }  // namespace tool

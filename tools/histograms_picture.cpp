@@ -59,10 +59,6 @@ unset label 1
 unset label 2
 )";
 
-std::string set(const char* name, const std::string& value) {
-  return std::string(name) + " = " + value + '\n';
-}
-
 /// Distance of the ticks: a round number, not below the width of the bins, and so large that there
 /// is room for the labels.
 double tickDistance(double low, double high, double width) {
@@ -75,8 +71,8 @@ std::string heading(const HistogramPanel& panel, const std::string& note, double
   constexpr double kCharacter = 0.083;
   const auto room = static_cast<std::size_t>(inches / kCharacter);
   const bool fits = characterCount(panel.name) + characterCount(note) + 2 <= room;
-  return set("name", gnuplotText(panel.name, room - 3)) +
-         set("note", fits ? gnuplotText(note) : "''");
+  return gnuplotVariable("name", gnuplotText(panel.name, room - 3)) +
+         gnuplotVariable("note", fits ? gnuplotText(note) : "''");
 }
 
 std::string panelScript(const HistogramPanel& panel, double inches) {
@@ -96,14 +92,15 @@ std::string panelScript(const HistogramPanel& panel, double inches) {
               std::to_string(histogram.counts[i]) + '\n';
   }
   const int most = *std::max_element(histogram.counts.begin(), histogram.counts.end());
-  return script + "EOD\n" + heading(panel, "median " + median, inches) + set("low", shortest(low)) +
-         set("high", shortest(high)) + set("most", std::to_string(most)) +
-         set("smallest", shortest(*panel.summary->minimum.value)) +
-         set("q1", shortest(*panel.summary->lowerQuartile.value)) +
-         set("median", shortest(*panel.summary->median.value)) +
-         set("q3", shortest(*panel.summary->upperQuartile.value)) +
-         set("largest", shortest(*panel.summary->maximum.value)) +
-         set("tick", shortest(tickDistance(low, high, histogram.width()))) + kPanel;
+  return script + "EOD\n" + heading(panel, "median " + median, inches) +
+         gnuplotVariable("low", shortest(low)) + gnuplotVariable("high", shortest(high)) +
+         gnuplotVariable("most", std::to_string(most)) +
+         gnuplotVariable("smallest", shortest(*panel.summary->minimum.value)) +
+         gnuplotVariable("q1", shortest(*panel.summary->lowerQuartile.value)) +
+         gnuplotVariable("median", shortest(*panel.summary->median.value)) +
+         gnuplotVariable("q3", shortest(*panel.summary->upperQuartile.value)) +
+         gnuplotVariable("largest", shortest(*panel.summary->maximum.value)) +
+         gnuplotVariable("tick", shortest(tickDistance(low, high, histogram.width()))) + kPanel;
 }
 
 }  // namespace
@@ -121,9 +118,9 @@ void drawHistograms(const std::string& fileName, const std::string& title,
   const auto screen = [](const char* side, double place) {
     return "set " + std::string(side) + "margin at screen " + fixedPoint(place, 5) + '\n';
   };
-  std::string script = set("title", gnuplotText(title, 95)) +
-                       set("titleHeight", shortest(1 - 0.22 / height)) +
-                       set("legendHeight", shortest(1 - 0.47 / height)) + kStyle;
+  std::string script = gnuplotVariable("title", gnuplotText(title, 95)) +
+                       gnuplotVariable("titleHeight", shortest(1 - 0.22 / height)) +
+                       gnuplotVariable("legendHeight", shortest(1 - 0.47 / height)) + kStyle;
   const double panelWidth = 0.97 / static_cast<double>(across);
   for (std::size_t i = 0; i < panels.size(); ++i) {
     const std::size_t row = i / across;

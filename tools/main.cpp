@@ -14,9 +14,8 @@
 #include <string_view>
 #include <system_error>
 
-#include "correlate.h"
-#include "describe.h"
 #include "failure.h"
+#include "options.h"
 #include "result.h"
 #include "utf8.h"
 
@@ -28,6 +27,8 @@ constexpr const char* kHelp = R"(Examples:
   zel describe data/sunspots.asc
   zel describe data/sunspots.asc --plot sunspots.png
   zel correlate data/iris.csv
+  zel fit data/faithful.csv --x eruptions --y waiting
+  zel pca data/iris.csv --color Species --plot iris_pca.png
   zel describe --help
 
 Exit status: 0 all done; 2 something failed, and one line on standard error
@@ -75,10 +76,15 @@ int main(int argc, char** argv) {
   program.footer(kHelp);
   tool::DescribeOptions describeOptions;
   tool::CorrelateOptions correlateOptions;
-  const Command commands[] = {{tool::addDescribe(program, describeOptions),
-                               [&] { return tool::describe(describeOptions); }},
-                              {tool::addCorrelate(program, correlateOptions),
-                               [&] { return tool::correlate(correlateOptions); }}};
+  tool::FitOptions fitOptions;
+  tool::PcaOptions pcaOptions;
+  const Command commands[] = {
+      {tool::addDescribe(program, describeOptions),
+       [&] { return tool::describe(describeOptions); }},
+      {tool::addCorrelate(program, correlateOptions),
+       [&] { return tool::correlate(correlateOptions); }},
+      {tool::addFit(program, fitOptions), [&] { return tool::fit(fitOptions); }},
+      {tool::addPca(program, pcaOptions), [&] { return tool::pca(pcaOptions); }}};
   const auto find = [&](auto&& condition) {
     return std::find_if(std::begin(commands), std::end(commands),
                         [&](const Command& command) { return condition(*command.app); });

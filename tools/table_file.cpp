@@ -54,7 +54,7 @@ std::string Column::title() const {
   return name.empty() ? "column " + std::to_string(number) : name;
 }
 
-Table readTable(const std::string& fileName) {
+Table readTable(const std::string& fileName, const std::string& labelColumn) {
   LineReader file(fileName);
   Table table;
   table.source = file.name();
@@ -65,7 +65,7 @@ Table readTable(const std::string& fileName) {
   if (lines[0].starts_with(kByteOrderMark)) lines[0].erase(0, kByteOrderMark.size());
   const bool asc = isAsc(fileName, lines);
   file.putBack(std::move(lines));
-  ColumnValues columns = asc ? readAscTable(file, table) : readCsvTable(file, table);
+  ColumnValues columns = asc ? readAscTable(file, table) : readCsvTable(file, table, labelColumn);
   if (columns.empty()) {
     std::string reason = table.source + " has no column of numbers";
     if (!table.others.empty()) reason = whyNotNumbers(table, table.others[0]);

@@ -39,15 +39,22 @@ struct Table {
   int rows = 0;
   std::vector<std::string> rowNames;  // empty, or one for each row
   std::vector<OtherColumn> others;
+  /// Of the column that was asked for: its number, or 0 if there is none, and its cell in each row,
+  /// empty where it is missing.
+  int labelColumn = 0;
+  std::vector<std::string> labels;
 };
 
 /// The values of the columns while a file is read: they grow as it bears them out.
 using ColumnValues = std::vector<std::vector<double>>;
 
 /// Reads an ASC or a CSV file; its content tells which it is.
-/// @param fileName  "-" is standard input
+/// @param fileName     "-" is standard input
+/// @param labelColumn  name or number of a column whose cells are kept as texts, whatever they
+/// hold;
+///   empty: none
 /// @throws Failure  names the file, the line and the reason; also if there is no column of numbers
-Table readTable(const std::string& fileName);
+Table readTable(const std::string& fileName, const std::string& labelColumn = {});
 
 /// Why a column is none of numbers, as a sentence that names the file and the line.
 std::string whyNotNumbers(const Table& table, const OtherColumn& column);

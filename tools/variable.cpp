@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <charconv>
+#include <iterator>
 #include <system_error>
+#include <utility>
 
 #include "failure.h"
 #include "number_text.h"
@@ -21,9 +23,11 @@ std::string inSentence(const std::vector<std::string>& words) {
   return text;
 }
 
-std::string noteOfText(const Table& table) {
+/// @param taken  number of a column that is used for something else; 0: none
+std::string noteOfText(const Table& table, int taken) {
   std::vector<std::string> names;
   for (const OtherColumn& other : table.others) {
+    if (other.number == taken) continue;
     names.push_back(other.name.empty() ? std::to_string(other.number) : inQuotes(other.name));
   }
   if (names.empty()) return {};
@@ -59,7 +63,8 @@ int numberIn(const std::string& word) {
 /// Finds columns by their names and numbers.
 class Finder {
  public:
-  explicit Finder(const Table& table) : table_(table) {}
+  /// @param option  the one that names the columns, for messages
+  Finder(const Table& table, std::string option) : table_(table), option_(std::move(option)) {}
 
   /// Adds the column that a word means.
   /// @return false if there is none
@@ -70,10 +75,15 @@ class Finder {
     const auto named = std::count_if(table_.columns.begin(), table_.columns.end(), isNamed) +
                        std::count_if(table_.others.begin(), table_.others.end(), isNamed);
     if (named > 1) {
-      throw Failure("--column: " + table_.source + " has " + std::to_string(named) +
+      throw Failure(option_ + ": " + table_.source + " has " + std::to_string(named) +
                     " columns with the name " + inQuotes(word) + "; choose by number");
     }
     return named == 1 ? addFirst(isNamed, chosen) : addFirst(isNumbered, chosen);
+  }
+
+  [[noreturn]] void fail(const std::string& word) const {
+    throw Failure(option_ + ": " + table_.source + " has no column " + inQuotes(word) +
+                  ", but these: " + columnsOf(table_));
   }
 
  private:
@@ -92,6 +102,7 @@ class Finder {
   }
 
   const Table& table_;
+  std::string option_;
 };
 
 }  // namespace
@@ -127,6 +138,18 @@ std::vector<double> withoutRows(std::span<const double> values, const std::vecto
   return kept;
 }
 
+std::vector<int> rowsWithout(const Table& table, const std::vector<std::size_t>& columns) {
+  std::vector<int> rows;
+  for (const std::size_t c : columns) {
+    const std::vector<int>& missing = table.columns[c].missingRows;
+    std::vector<int> both;
+    std::set_union(rows.begin(), rows.end(), missing.begin(), missing.end(),
+                   std::back_inserter(both));
+    rows.swap(both);
+  }
+  return rows;
+}
+
 Variable variableOf(const Table& table, std::size_t c) {
   const Column& column = table.columns[c];
   return {column.name,
@@ -137,26 +160,32 @@ Variable variableOf(const Table& table, std::size_t c) {
           table.rowNames};
 }
 
-ColumnChoice chooseColumns(const Table& table, const std::vector<std::string>& wanted) {
+std::size_t chooseColumn(const Table& table, const std::string& wanted, const std::string& option) {
+  const Finder finder(table, option);
+  std::vector<std::size_t> columns;
+  if (!finder.add(wanted, columns)) finder.fail(wanted);
+  return columns[0];
+}
+
+ColumnChoice chooseColumns(const Table& table, const std::vector<std::string>& wanted, int taken) {
   ColumnChoice choice;
   if (wanted.empty()) {
     for (const OtherColumn& other : table.others) {
-      if (!other.isText) throw Failure(whyNotNumbers(table, other));
+      if (!other.isText && other.number != taken) throw Failure(whyNotNumbers(table, other));
     }
-    for (std::size_t c = 0; c < table.columns.size(); ++c) choice.columns.push_back(c);
-    choice.note = noteOfText(table);
+    for (std::size_t c = 0; c < table.columns.size(); ++c) {
+      if (table.columns[c].number != taken) choice.columns.push_back(c);
+    }
+    choice.note = noteOfText(table, taken);
     return choice;
   }
-  const Finder finder(table);
+  const Finder finder(table, "--column");
   for (const std::string& list : wanted) {
     if (finder.add(list, choice.columns)) continue;  // a name may have commas in it
     for (std::size_t begin = 0; begin <= list.size();) {
       const std::size_t end = std::min(list.find(',', begin), list.size());
       const std::string word = list.substr(begin, end - begin);
-      if (!finder.add(word, choice.columns)) {
-        throw Failure("--column: " + table.source + " has no column " + inQuotes(word) +
-                      ", but these: " + columnsOf(table));
-      }
+      if (!finder.add(word, choice.columns)) finder.fail(word);
       begin = end + 1;
     }
   }

@@ -28,6 +28,9 @@ struct Variable {
 /// @param rows  ascending
 std::vector<double> withoutRows(std::span<const double> values, const std::vector<int>& rows);
 
+/// The rows in which one of the columns has no value, ascending.
+std::vector<int> rowsWithout(const Table& table, const std::vector<std::size_t>& columns);
+
 /// @param c  position in table.columns, from 0
 Variable variableOf(const Table& table, std::size_t c);
 
@@ -41,7 +44,14 @@ struct ColumnChoice {
 /// if none is given.
 /// @param wanted  each a name, a number among all columns of the file, or several, with commas
 /// between
+/// @param taken  number of a column that is used for something else and not among all; 0: none
 /// @throws Failure  there is no such column, or it has other words than numbers in it
-ColumnChoice chooseColumns(const Table& table, const std::vector<std::string>& wanted);
+ColumnChoice chooseColumns(const Table& table, const std::vector<std::string>& wanted,
+                           int taken = 0);
+
+/// The position of the column of numbers with the given name or number.
+/// @param option  the option that names it
+/// @throws Failure  as chooseColumns
+std::size_t chooseColumn(const Table& table, const std::string& wanted, const std::string& option);
 
 }  // namespace tool

@@ -1,0 +1,189 @@
+#include "options.h"
+
+#include <CLI/CLI.hpp>
+
+#include "table_file.h"
+
+namespace tool {
+namespace {
+
+constexpr const char* kDescribeHelp = R"(
+The figures:
+  standard deviation  divisor n - 1; the standard error is that of the mean
+  skewness, kurtosis  corrected for the sample size; 0 for a normal population
+  quartiles           at (n + 1) q of the sorted values, interpolated
+  percentiles         at (n - 1) p of the sorted values from 0, interpolated
+  mode                the smallest of the most frequent values
+
+Several columns make one table, one picture of all histograms and, in JSON, the
+array "variables"; a single one is shown in more detail.
+
+Examples:
+  zel describe data/sunspots.asc
+  zel describe data/sunspots.asc --plot sunspots.png
+  zel describe data/faithful_waiting.asc --percentiles 1,2.5,97.5,99 --bins 20
+  zel describe data/iris.csv --column Petal.Length,Petal.Width
+  zel describe - --json < data/sunspots.asc
+)";
+
+constexpr const char* kCorrelateHelp = R"(
+The figure for two variables is Pearson's correlation over the rows in which
+neither value is missing, n their number. It is undefined, and shown as a dash,
+for fewer than two such rows and for a variable that is constant in them.
+
+Examples:
+  zel correlate data/iris.csv
+  zel correlate data/USArrests.csv --column Murder,Assault,Rape
+  zel correlate data/iris.csv --plot iris.png
+)";
+
+constexpr const char* kFitHelp = R"(
+The models, fitted by least squares:
+  line        y = intercept + slope x
+  parabola    y = k0 + k1 x + k2 x^2
+  poly:N      polynomial of degree N, up to 30
+  centred:N   the same in powers of x less its mean, for large x or N
+  circle      (x - x0)^2 + (y - y0)^2 = radius^2
+  log         y = k0 + k1 ln x
+  hyperbola   y = k0 + k1 / x
+  recip       y = 1 / (k0 + k1 x)
+  recihyp     y = x / (k0 x + k1)
+  recilog     y = 1 / (k0 + k1 ln x)
+  power       y = k0 x^k1
+  exp         y = k0 exp(k1 x)
+  hoerl       y = k0 k1^x x^k2
+  gauss       y = height exp(-(x - position)^2 / (2 sigma^2))
+  spline      natural cubic spline through the pairs, the mean y where x repeats
+  smooth      cubic smoothing spline; --smoothing 0 is the spline, 1 the line
+The models recip to gauss fit 1/y or ln y; their quality, standard errors and
+analysis of variance are those of 1/y or ln y. Standard errors of coefficients
+that are exponentials are to first order. Significances are two-sided, of the
+t distribution. Rows in which x or y is missing are left out.
+
+Examples:
+  zel fit data/faithful.csv --x eruptions --y waiting
+  zel fit data/faithful.csv --x eruptions --y waiting --plot fit.png
+  zel fit data/longley.csv --x GNP --y Employed --model centred:2 --json
+)";
+
+constexpr const char* kPcaHelp = R"(
+Components of the correlations suit variables in different units, those of the
+covariances variables in the same. Explained is the part of the variance that a
+component has; the loadings are unit eigenvectors, signed so that the largest of
+each is positive. Rows with a missing value are left out. The picture shows each
+row by its first two components, with the same scale on both axes, and the
+loadings as arrows.
+
+Examples:
+  zel pca data/iris.csv
+  zel pca data/iris.csv --color Species --plot iris_pca.png
+  zel pca data/USArrests.csv --mode covariance --json
+)";
+
+constexpr const char* kExitHelp = R"(
+Exit status: 0 all done; 2 a wrong argument, a file that cannot be read or
+written, bad data: one line on standard error says what, where and why.)";
+
+void addFile(CLI::App& command, std::string& file) {
+  command.add_option("FILE", file, "CSV or ASC file; - is standard input")
+      ->required()
+      ->option_text(" ");
+}
+
+/// The option that chooses columns, for chooseColumns. Each use takes one word, so that it leaves
+/// the file alone.
+void addColumns(CLI::App& command, std::vector<std::string>& columns) {
+  command
+      .add_option("--column", columns,
+                  "take only these columns, each by its name or its number in the file")
+      ->allow_extra_args(false)
+      ->option_text("NAME,...");
+}
+
+void addPicture(CLI::App& command, std::string& picture, const std::string& what) {
+  command.add_option("--plot", picture, "draw " + what + ", a .png or .svg file (needs gnuplot)")
+      ->option_text("PICTURE");
+}
+
+void addJson(CLI::App& command, bool& json) {
+  command.add_flag("--json", json, "print JSON, all digits, null for what is undefined");
+}
+
+void addHelp(CLI::App& command, const char* help) {
+  command.footer(std::string(kFileHelp) + help + kExitHelp);
+}
+
+}  // namespace
+
+CLI::App* addDescribe(CLI::App& program, DescribeOptions& options) {
+  CLI::App* command =
+      program.add_subcommand("describe", "Describe columns of numbers: table, histogram, picture");
+  addFile(*command, options.file);
+  addColumns(*command, options.columns);
+  command
+      ->add_option("--percentiles", options.percentiles,
+                   "percentiles to show, 0 to 100 [5,10,90,95]")
+      ->option_text("P,P,...");
+  command->add_option("--bins", options.bins, "about this many bins, of a round width")
+      ->check(CLI::Range(1, 200))
+      ->option_text("N");
+  command->add_flag("--no-histogram", options.noHistogram, "the table only");
+  addPicture(*command, options.picture, "a picture");
+  addJson(*command, options.json);
+  command->add_flag("--ascii", options.ascii, "print bars and dashes as ASCII characters");
+  addHelp(*command, kDescribeHelp);
+  return command;
+}
+
+CLI::App* addCorrelate(CLI::App& program, CorrelateOptions& options) {
+  CLI::App* command =
+      program.add_subcommand("correlate", "Correlate columns of numbers: table, heat map");
+  addFile(*command, options.file);
+  addColumns(*command, options.columns);
+  addPicture(*command, options.picture, "a heat map");
+  addJson(*command, options.json);
+  command->add_flag("--ascii", options.ascii, "print dashes as ASCII characters");
+  addHelp(*command, kCorrelateHelp);
+  return command;
+}
+
+CLI::App* addFit(CLI::App& program, FitOptions& options) {
+  CLI::App* command =
+      program.add_subcommand("fit", "Fit a curve to two columns: coefficients, quality, picture");
+  addFile(*command, options.file);
+  command->add_option("--x", options.x, "the column of the abscissas, by name or number")
+      ->required()
+      ->option_text("COL");
+  command->add_option("--y", options.y, "the column of the ordinates")
+      ->required()
+      ->option_text("COL");
+  command->add_option("--model", options.model, "the curve, one of those below [line]")
+      ->option_text("MODEL");
+  command->add_option("--smoothing", options.smoothing, "of the model smooth, 0 to 1 [0.5]")
+      ->check(CLI::Range(0.0, 1.0))
+      ->option_text("S");
+  addPicture(*command, options.picture, "the points, the curve and the residuals");
+  addJson(*command, options.json);
+  command->add_flag("--ascii", options.ascii, "print dashes as ASCII characters");
+  addHelp(*command, kFitHelp);
+  return command;
+}
+
+CLI::App* addPca(CLI::App& program, PcaOptions& options) {
+  CLI::App* command = program.add_subcommand(
+      "pca", "Principal components of columns: variances, loadings, score plot");
+  addFile(*command, options.file);
+  addColumns(*command, options.columns);
+  command->add_option("--mode", options.mode, "correlation or covariance [correlation]")
+      ->option_text("MODE");
+  command
+      ->add_option("--color", options.color,
+                   "colour the picture by the words or numbers of this column")
+      ->option_text("COL");
+  addPicture(*command, options.picture, "the scores of the first two components");
+  addJson(*command, options.json);
+  addHelp(*command, kPcaHelp);
+  return command;
+}
+
+}  // namespace tool

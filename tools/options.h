@@ -1,0 +1,23 @@
+/// @file
+/// The commands on the command line: their options and their help.
+#pragma once
+
+#include "correlate.h"
+#include "describe.h"
+#include "fit.h"
+#include "pca.h"
+
+namespace CLI {
+class App;
+}
+
+namespace tool {
+
+// Each adds a command; parsing fills the options.
+
+CLI::App* addDescribe(CLI::App& program, DescribeOptions& options);
+CLI::App* addCorrelate(CLI::App& program, CorrelateOptions& options);
+CLI::App* addFit(CLI::App& program, FitOptions& options);
+CLI::App* addPca(CLI::App& program, PcaOptions& options);
+
+}  // namespace tool
