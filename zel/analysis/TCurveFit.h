@@ -177,19 +177,21 @@ class ZEL_API TCurveFit : public TComponent {
   ///   are not finite
   /// @throws EZELMath2Error  "CalcPolyFit: not enough memory"
   /// Method: singular value decomposition, refined with residuals in double-double. O(n nOrder^2).
-  bool CalcPolyFit(int nOrder, TDoubleArray& kArray, double& FitQual, bool& NearSingular) const;
   bool CalcPolyFit(int nOrder, TDoubleArray& kArray, TDoubleArray& Alpha, double& FitQual,
                    bool& NearSingular) const;
+  /// The same without the significances.
+  bool CalcPolyFit(int nOrder, TDoubleArray& kArray, double& FitQual, bool& NearSingular) const;
   /// Polynomial about a shift, y = kArray[0] + kArray[1] (x - XShift) + ... The powers are those of
   /// (x - XShift) divided by the standard deviation of x, so that the order may be high.
   /// @param XShift  0 is replaced by the mean of x
   /// @param alpha   as in CalcPolyFit; that of the constant belongs to y less its mean
   /// @throws EZELMath2Error  "CalcCenteredPolyFit: not enough memory"
   /// Everything else is as in CalcPolyFit.
-  bool CalcCenteredPolyFit(int nOrder, TDoubleArray& kArray, double& XShift, double& FitQual,
-                           bool& NearSingular) const;
   bool CalcCenteredPolyFit(int nOrder, TDoubleArray& kArray, TDoubleArray& alpha, double& XShift,
                            double& FitQual, bool& NearSingular) const;
+  /// The same without the significances.
+  bool CalcCenteredPolyFit(int nOrder, TDoubleArray& kArray, double& XShift, double& FitQual,
+                           bool& NearSingular) const;
   /// Circle of radius r about (dx, dy): minimises the sum of the squares of
   /// (x - dx)^2 + (y - dy)^2 - r^2, which is exact for points on a circle and gives too small radii
   /// for short noisy arcs.
