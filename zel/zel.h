@@ -3,6 +3,7 @@
 #pragma once
 
 #include "zel/analysis/Zel_math2.h"
+#include "zel/analysis/Zel_sline.h"
 #include "zel/base/Zel_dstruct.h"
 #include "zel/base/Zel_filesys.h"
 #include "zel/base/Zel_streams.h"

@@ -3,8 +3,10 @@
 #pragma once
 
 #include "zel/analysis/TCurveFit.h"
+#include "zel/analysis/expressions.h"
 #include "zel/analysis/multivariate.h"
 #include "zel/analysis/penalizedspline.h"
+#include "zel/analysis/polygons.h"
 #include "zel/analysis/regression.h"
 #include "zel/analysis/singularvalues.h"
 #include "zel/analysis/vertexcomponents.h"

@@ -55,7 +55,10 @@ bool findSubspace(ConstMatrix data, std::span<const double> centre, Matrix basis
   }
   std::vector<std::size_t> order(n);
   std::iota(order.begin(), order.end(), std::size_t{0});
-  std::ranges::stable_sort(order, std::ranges::greater{}, [&](std::size_t k) { return values[k]; });
+  // Not std::stable_sort, which allocates; ties go by the index.
+  std::ranges::sort(order, [&](std::size_t a, std::size_t b) {
+    return values[a] > values[b] || (values[a] == values[b] && a < b);
+  });
   constexpr double kNothing = 1e-13;
   if (!(values[order[basis.columns - 1]] > kNothing * values[order[0]])) return false;
   for (std::size_t k = 0; k < basis.columns; ++k) {

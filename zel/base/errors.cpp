@@ -12,5 +12,10 @@ EZELMath1Error::~EZELMath1Error() = default;
 EZELVectorError::~EZELVectorError() = default;
 EZELMatrixError::~EZELMatrixError() = default;
 EZELMath2Error::~EZELMath2Error() = default;
+EZELMathExp::~EZELMathExp() = default;
+EZELComplexError::~EZELComplexError() = default;
+EZELSLineError::~EZELSLineError() = default;
+EZELFourierError::~EZELFourierError() = default;
+EZELWaveletError::~EZELWaveletError() = default;
 
 }  // namespace zel

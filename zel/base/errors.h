@@ -77,4 +77,39 @@ class ZEL_API EZELMath2Error : public EZELError {
   ~EZELMath2Error() override;
 };
 
+/// Raised for faulty expressions.
+class ZEL_API EZELMathExp : public EZELError {
+ public:
+  using EZELError::EZELError;
+  ~EZELMathExp() override;
+};
+
+/// Raised by complex arithmetic.
+class ZEL_API EZELComplexError : public EZELError {
+ public:
+  using EZELError::EZELError;
+  ~EZELComplexError() override;
+};
+
+/// Raised by straight lines. Not an EZELError.
+class ZEL_API EZELSLineError : public Exception {
+ public:
+  using Exception::Exception;
+  ~EZELSLineError() override;
+};
+
+/// Raised by the Fourier transform.
+class ZEL_API EZELFourierError : public EZELError {
+ public:
+  using EZELError::EZELError;
+  ~EZELFourierError() override;
+};
+
+/// Raised by the wavelet transform.
+class ZEL_API EZELWaveletError : public EZELError {
+ public:
+  using EZELError::EZELError;
+  ~EZELWaveletError() override;
+};
+
 }  // namespace zel

@@ -56,6 +56,14 @@ struct TRect {
   bool operator==(const TRect&) const = default;
 };
 
+/// How an angle is written: decimal degrees, degrees and decimal minutes, degrees, minutes and
+/// decimal seconds, a plain number.
+enum TDegreeFormat : std::uint8_t { dfDegrees, dfDegMin, dfDegMinSec, dfNumber };
+/// The decimal separator of a text; dpsBoth takes either.
+enum TDecPSep : std::uint8_t { dpsPoint, dpsComma, dpsBoth };
+/// Language of the names of months.
+enum TLanguage : std::uint8_t { lgEnglish, lgGerman, lgFrench, lgItalian, lgSpanish };
+
 /// The dimension of a matrix that a result runs along.
 enum TDims : std::uint8_t { dimColumns, dimRows };
 

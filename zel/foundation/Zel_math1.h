@@ -8,10 +8,12 @@
 #pragma once
 
 #include "zel/base/Zel_zelbase.h"
+#include "zel/foundation/angles.h"
 #include "zel/foundation/bits.h"
 #include "zel/foundation/bounds.h"
 #include "zel/foundation/elementary.h"
 #include "zel/foundation/exchange.h"
+#include "zel/foundation/geometry.h"
 #include "zel/foundation/integers.h"
 #include "zel/foundation/interpolation.h"
 #include "zel/foundation/kahan.h"

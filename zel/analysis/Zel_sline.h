@@ -1,0 +1,5 @@
+/// @file
+/// Straight lines.
+#pragma once
+
+#include "zel/analysis/TSLine.h"
