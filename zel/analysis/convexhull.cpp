@@ -108,7 +108,7 @@ Points Convex2DHull(std::span<const TPointDouble> Points) {
                          static_cast<double>(uc_pi / 2);
     return angle > static_cast<double>(uc_2pi) ? angle - static_cast<double>(uc_2pi) : angle;
   };
-  std::ranges::rotate(hull, std::ranges::min_element(hull, {}, key));
+  std::rotate(hull.begin(), std::ranges::min_element(hull, {}, key), hull.end());
   return hull;
 }
 
