@@ -3,10 +3,15 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <concepts>
 #include <cstdint>
+#include <cstring>
 #include <limits>
+
+#include "zel/base/littleendian_impl.h"
+#include "zel/base/types.h"
 
 namespace zel::detail {
 
@@ -77,6 +82,39 @@ F unpackExtended(const ExtendedBits& bits) {
     }
   }
   return (bits.signExponent & kExtendedSign) != 0 ? -x : x;
+}
+
+// Packing would lose the payload of a not-a-number.
+inline constexpr bool kIsX87 = std::numeric_limits<Extended>::digits == 64;
+
+/// The bits of the platform's extended type.
+inline ExtendedBits bitsOf(Extended x) {
+  if constexpr (kIsX87) {
+    std::array<char, 10> bytes{};
+    std::memcpy(bytes.data(), &x, bytes.size());
+    return {getLittle<8>(bytes.data()), static_cast<std::uint16_t>(getLittle<2>(bytes.data() + 8))};
+  } else {
+    return packExtended(x);
+  }
+}
+
+/// The value with the given bits; a not-a-number for invalid ones.
+inline Extended valueOf(ExtendedBits bits) {
+  if constexpr (kIsX87) {
+    if (isInvalid(bits)) return std::numeric_limits<Extended>::quiet_NaN();
+    // A leading bit with exponent 0 means exponent 1, which is the encoding to work with.
+    const bool lacksExponent = (bits.signExponent & kExtendedMaxExponent) == 0 &&
+                               (bits.significand & kExtendedLeadingBit) != 0;
+    if (lacksExponent) bits.signExponent |= 1U;
+    std::array<char, 10> bytes{};
+    putLittle<8>(bytes.data(), bits.significand);
+    putLittle<2>(bytes.data() + 8, bits.signExponent);
+    Extended x = 0;
+    std::memcpy(&x, bytes.data(), bytes.size());
+    return x;
+  } else {
+    return unpackExtended<Extended>(bits);
+  }
 }
 
 }  // namespace zel::detail

@@ -1,8 +1,6 @@
 #include "zel/base/streams.h"
 
 #include <array>
-#include <cstring>
-#include <limits>
 
 #include "zel/base/errors.h"
 #include "zel/base/extended_impl.h"
@@ -12,39 +10,10 @@
 namespace zel {
 namespace {
 
+using detail::bitsOf;
 using detail::getLittle;
 using detail::putLittle;
-
-// Packing would lose the payload of a not-a-number.
-constexpr bool kIsX87 = std::numeric_limits<Extended>::digits == 64;
-
-detail::ExtendedBits bitsOf(Extended x) {
-  if constexpr (kIsX87) {
-    std::array<char, 10> bytes{};
-    std::memcpy(bytes.data(), &x, bytes.size());
-    return {getLittle<8>(bytes.data()), static_cast<std::uint16_t>(getLittle<2>(bytes.data() + 8))};
-  } else {
-    return detail::packExtended(x);
-  }
-}
-
-Extended valueOf(detail::ExtendedBits bits) {
-  if constexpr (kIsX87) {
-    if (detail::isInvalid(bits)) return std::numeric_limits<Extended>::quiet_NaN();
-    // A leading bit with exponent 0 means exponent 1, which is the encoding to work with.
-    const bool lacksExponent = (bits.signExponent & detail::kExtendedMaxExponent) == 0 &&
-                               (bits.significand & detail::kExtendedLeadingBit) != 0;
-    if (lacksExponent) bits.signExponent |= 1U;
-    std::array<char, 10> bytes{};
-    putLittle<8>(bytes.data(), bits.significand);
-    putLittle<2>(bytes.data() + 8, bits.signExponent);
-    Extended x = 0;
-    std::memcpy(&x, bytes.data(), bytes.size());
-    return x;
-  } else {
-    return detail::unpackExtended<Extended>(bits);
-  }
-}
+using detail::valueOf;
 
 template <std::size_t N>
 bool readBytes(std::istream& s, std::array<char, N>& bytes) {

@@ -1,4 +1,5 @@
 #include "zel/kernels/fingerprint.h"
+#include "zel/kernels/digits.h"
 
 #include <algorithm>
 #include <bit>
@@ -104,12 +105,9 @@ void fingerprint(std::span<const std::int32_t> x, std::span<std::uint32_t, 4> re
 }
 
 std::string fingerprintText(std::span<const std::uint32_t> registers) {
-  constexpr char kDigits[] = "0123456789ABCDEF";
   std::string text;
   text.reserve(8 * registers.size());
-  for (const std::uint32_t r : registers) {
-    for (int shift = 28; shift >= 0; shift -= 4) text += kDigits[(~r >> shift) & 0xFu];
-  }
+  for (const std::uint32_t r : registers) appendDigits(text, ~r, 4, 8);
   return text;
 }
 
