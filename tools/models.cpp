@@ -42,9 +42,6 @@ struct Parameter {
   int regressor;  // -1: the constant
 };
 
-using TwoFit = void (zel::TCurveFit::*)(double&, double&, double&) const;
-using ThreeFit = void (zel::TCurveFit::*)(double&, double&, double&, double&) const;
-
 /// A model that is linear in its coefficients after a change of y.
 struct Model {
   const char* name;
@@ -52,12 +49,21 @@ struct Model {
   Scale scale;
   std::vector<Function> regressors;
   std::vector<Parameter> parameters;
-  TwoFit two;
-  ThreeFit three;
+  void (*fit)(const zel::TCurveFit& pairs, Numbers& k, double& quality);
   double (*curve)(const Numbers& k, double x);
 };
 
-void lineFit(const zel::TCurveFit& pairs, Numbers& k, double& quality) {
+/// A fit of two or three coefficients.
+template <auto kMember>
+void fitBy(const zel::TCurveFit& pairs, Numbers& k, double& quality) {
+  if constexpr (requires { (pairs.*kMember)(k[0], k[1], quality); }) {
+    (pairs.*kMember)(k[0], k[1], quality);
+  } else {
+    (pairs.*kMember)(k[0], k[1], k[2], quality);
+  }
+}
+
+void fitLine(const zel::TCurveFit& pairs, Numbers& k, double& quality) {
   pairs.CalcLinFit(k[1], k[0], quality);
 }
 
@@ -72,88 +78,77 @@ const std::vector<Model>& models() {
        kPlain,
        {same},
        {{"intercept", kLinear, -1}, {"slope", kLinear, 0}},
-       nullptr,
-       nullptr,
+       fitLine,
        [](const Numbers& k, double x) { return k[0] + k[1] * x; }},
       {"parabola",
        "y = k0 + k1 x + k2 x²",
        kPlain,
        {same, square},
        {{"k0", kLinear, -1}, {"k1", kLinear, 0}, {"k2", kLinear, 1}},
-       nullptr,
-       &Fit::CalcParabolFit,
+       fitBy<&Fit::CalcParabolFit>,
        [](const Numbers& k, double x) { return k[0] + x * (k[1] + x * k[2]); }},
       {"log",
        "y = k0 + k1 ln x",
        kPlain,
        {logarithm},
        {{"k0", kLinear, -1}, {"k1", kLinear, 0}},
-       &Fit::CalcLogFit,
-       nullptr,
+       fitBy<&Fit::CalcLogFit>,
        [](const Numbers& k, double x) { return k[0] + k[1] * std::log(x); }},
       {"hyperbola",
        "y = k0 + k1 / x",
        kPlain,
        {reciprocal},
        {{"k0", kLinear, -1}, {"k1", kLinear, 0}},
-       &Fit::CalcHyperbolFit,
-       nullptr,
+       fitBy<&Fit::CalcHyperbolFit>,
        [](const Numbers& k, double x) { return k[0] + k[1] / x; }},
       {"recip",
        "y = 1 / (k0 + k1 x)",
        kReciprocal,
        {same},
        {{"k0", kLinear, -1}, {"k1", kLinear, 0}},
-       &Fit::CalcReciLinFit,
-       nullptr,
+       fitBy<&Fit::CalcReciLinFit>,
        [](const Numbers& k, double x) { return 1 / (k[0] + k[1] * x); }},
       {"recihyp",
        "y = x / (k0 x + k1)",
        kReciprocal,
        {reciprocal},
        {{"k0", kLinear, -1}, {"k1", kLinear, 0}},
-       &Fit::CalcReciHyperbolFit,
-       nullptr,
+       fitBy<&Fit::CalcReciHyperbolFit>,
        [](const Numbers& k, double x) { return x / (k[0] * x + k[1]); }},
       {"recilog",
        "y = 1 / (k0 + k1 ln x)",
        kReciprocal,
        {logarithm},
        {{"k0", kLinear, -1}, {"k1", kLinear, 0}},
-       &Fit::CalcReciLogFit,
-       nullptr,
+       fitBy<&Fit::CalcReciLogFit>,
        [](const Numbers& k, double x) { return 1 / (k[0] + k[1] * std::log(x)); }},
       {"power",
        "y = k0 x^k1",
        kLogarithm,
        {logarithm},
        {{"k0", kExp, -1}, {"k1", kLinear, 0}},
-       &Fit::CalcPowerFit,
-       nullptr,
+       fitBy<&Fit::CalcPowerFit>,
        [](const Numbers& k, double x) { return k[0] * std::pow(x, k[1]); }},
       {"exp",
        "y = k0 exp(k1 x)",
        kLogarithm,
        {same},
        {{"k0", kExp, -1}, {"k1", kLinear, 0}},
-       &Fit::CalcExponentialFit,
-       nullptr,
+       fitBy<&Fit::CalcExponentialFit>,
        [](const Numbers& k, double x) { return k[0] * std::exp(k[1] * x); }},
       {"hoerl",
        "y = k0 k1^x x^k2",
        kLogarithm,
        {same, logarithm},
        {{"k0", kExp, -1}, {"k1", kExp, 0}, {"k2", kLinear, 1}},
-       nullptr,
-       &Fit::CalcHoerlFit,
+       fitBy<&Fit::CalcHoerlFit>,
        [](const Numbers& k, double x) { return k[0] * std::pow(k[1], x) * std::pow(x, k[2]); }},
       {"gauss",
        "y = height exp(-(x - position)² / (2 sigma²))",
        kLogarithm,
        {same, square},
        {{"height", kOther, 0}, {"position", kOther, 0}, {"sigma", kOther, 0}},
-       nullptr,
-       &Fit::CalcGaussFit,
+       fitBy<&Fit::CalcGaussFit>,
        [](const Numbers& k, double x) {
          const double u = (x - k[1]) / k[2];
          return k[0] * std::exp(-u * u / 2);
@@ -218,13 +213,7 @@ void addError(Coefficient& coefficient, const LinearModel& linear, std::size_t k
 FittedModel fitLinearised(zel::TCurveFit& pairs, const Model& model) {
   Numbers k(model.parameters.size());
   double quality = 0;
-  if (model.three) {
-    (pairs.*model.three)(k[0], k[1], k[2], quality);
-  } else if (model.two) {
-    (pairs.*model.two)(k[0], k[1], quality);
-  } else {
-    lineFit(pairs, k, quality);
-  }
+  model.fit(pairs, k, quality);
   FittedModel fitted;
   fitted.formula = model.formula;
   fitted.scale = model.scale.name;

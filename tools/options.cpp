@@ -84,10 +84,15 @@ constexpr const char* kExitHelp = R"(
 Exit status: 0 all done; 2 a wrong argument, a file that cannot be read or
 written, bad data: one line on standard error says what, where and why.)";
 
-void addFile(CLI::App& command, std::string& file) {
-  command.add_option("FILE", file, "CSV or ASC file; - is standard input")
+/// A command with its file and its help.
+CLI::App* addCommand(CLI::App& program, const std::string& name, const std::string& what,
+                     std::string& file, const char* help) {
+  CLI::App* command = program.add_subcommand(name, what);
+  command->add_option("FILE", file, "CSV or ASC file; - is standard input")
       ->required()
       ->option_text(" ");
+  command->footer(std::string(kFileHelp) + help + kExitHelp);
+  return command;
 }
 
 /// The option that chooses columns, for chooseColumns. Each use takes one word, so that it leaves
@@ -109,16 +114,12 @@ void addJson(CLI::App& command, bool& json) {
   command.add_flag("--json", json, "print JSON, all digits, null for what is undefined");
 }
 
-void addHelp(CLI::App& command, const char* help) {
-  command.footer(std::string(kFileHelp) + help + kExitHelp);
-}
-
 }  // namespace
 
 CLI::App* addDescribe(CLI::App& program, DescribeOptions& options) {
   CLI::App* command =
-      program.add_subcommand("describe", "Describe columns of numbers: table, histogram, picture");
-  addFile(*command, options.file);
+      addCommand(program, "describe", "Describe columns of numbers: table, histogram, picture",
+                 options.file, kDescribeHelp);
   addColumns(*command, options.columns);
   command
       ->add_option("--percentiles", options.percentiles,
@@ -131,26 +132,24 @@ CLI::App* addDescribe(CLI::App& program, DescribeOptions& options) {
   addPicture(*command, options.picture, "a picture");
   addJson(*command, options.json);
   command->add_flag("--ascii", options.ascii, "print bars and dashes as ASCII characters");
-  addHelp(*command, kDescribeHelp);
   return command;
 }
 
 CLI::App* addCorrelate(CLI::App& program, CorrelateOptions& options) {
   CLI::App* command =
-      program.add_subcommand("correlate", "Correlate columns of numbers: table, heat map");
-  addFile(*command, options.file);
+      addCommand(program, "correlate", "Correlate columns of numbers: table, heat map",
+                 options.file, kCorrelateHelp);
   addColumns(*command, options.columns);
   addPicture(*command, options.picture, "a heat map");
   addJson(*command, options.json);
   command->add_flag("--ascii", options.ascii, "print dashes as ASCII characters");
-  addHelp(*command, kCorrelateHelp);
   return command;
 }
 
 CLI::App* addFit(CLI::App& program, FitOptions& options) {
   CLI::App* command =
-      program.add_subcommand("fit", "Fit a curve to two columns: coefficients, quality, picture");
-  addFile(*command, options.file);
+      addCommand(program, "fit", "Fit a curve to two columns: coefficients, quality, picture",
+                 options.file, kFitHelp);
   command->add_option("--x", options.x, "the column of the abscissas, by name or number")
       ->required()
       ->option_text("COL");
@@ -165,14 +164,13 @@ CLI::App* addFit(CLI::App& program, FitOptions& options) {
   addPicture(*command, options.picture, "the points, the curve and the residuals");
   addJson(*command, options.json);
   command->add_flag("--ascii", options.ascii, "print dashes as ASCII characters");
-  addHelp(*command, kFitHelp);
   return command;
 }
 
 CLI::App* addPca(CLI::App& program, PcaOptions& options) {
-  CLI::App* command = program.add_subcommand(
-      "pca", "Principal components of columns: variances, loadings, score plot");
-  addFile(*command, options.file);
+  CLI::App* command =
+      addCommand(program, "pca", "Principal components of columns: variances, loadings, score plot",
+                 options.file, kPcaHelp);
   addColumns(*command, options.columns);
   command->add_option("--mode", options.mode, "correlation or covariance [correlation]")
       ->option_text("MODE");
@@ -182,7 +180,6 @@ CLI::App* addPca(CLI::App& program, PcaOptions& options) {
       ->option_text("COL");
   addPicture(*command, options.picture, "the scores of the first two components");
   addJson(*command, options.json);
-  addHelp(*command, kPcaHelp);
   return command;
 }
 

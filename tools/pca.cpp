@@ -93,22 +93,33 @@ std::string jsonText(const Table& file, const Components& pca, const PcaOptions&
   return json.text();
 }
 
-/// The category of each row that is left; empty without --color.
-std::vector<std::string> categoriesOf(const Table& file, const Components& pca,
-                                      const std::string& color) {
+/// The column that colours the rows: its number, and its cells.
+struct Coloring {
+  int column = 0;  // 0: none
+  std::vector<std::string> labels;
+};
+
+Coloring coloringOf(const Table& file, const std::string& color) {
   if (color.empty()) return {};
-  std::vector<std::string> all = file.labels;
-  if (file.labelColumn == 0) {
-    // A file without texts: the numbers of a column.
-    const std::size_t c = chooseColumn(file, color, "--color");
-    for (const double v : file.values->Column(static_cast<int>(c) + 1)) all.push_back(shortest(v));
-    for (const int row : file.columns[c].missingRows)
-      all[static_cast<std::size_t>(row - 1)].clear();
+  if (file.labelColumn > 0) return {file.labelColumn, file.labels};
+  // A file without texts: the numbers of a column.
+  const std::size_t c = chooseColumn(file, color, "--color");
+  Coloring result{file.columns[c].number, {}};
+  for (const double v : file.values->Column(static_cast<int>(c) + 1)) {
+    result.labels.push_back(shortest(v));
   }
+  for (const int row : file.columns[c].missingRows) {
+    result.labels[static_cast<std::size_t>(row - 1)].clear();
+  }
+  return result;
+}
+
+/// The labels of the rows that are left.
+std::vector<std::string> categoriesOf(const Coloring& coloring, const Components& pca) {
   std::vector<std::string> kept;
-  for (int row = 1; row <= file.rows; ++row) {
-    if (std::binary_search(pca.leftOut.begin(), pca.leftOut.end(), row)) continue;
-    kept.push_back(std::move(all[static_cast<std::size_t>(row - 1)]));
+  int row = 0;
+  for (const std::string& label : coloring.labels) {
+    if (!std::binary_search(pca.leftOut.begin(), pca.leftOut.end(), ++row)) kept.push_back(label);
   }
   return kept;
 }
@@ -124,16 +135,16 @@ Result pca(const PcaOptions& options) {
     requireDifferentFiles(options.file, options.picture);
   }
   const Table file = readTable(options.file, options.color);
-  const ColumnChoice choice = chooseColumns(file, options.columns, file.labelColumn);
+  const Coloring coloring = coloringOf(file, options.color);
+  const ColumnChoice choice = chooseColumns(file, options.columns, coloring.column);
   if (choice.columns.size() < 2) {
     throw Failure(options.columns.empty()
                       ? file.source + " has one column of numbers, and components take two"
                       : "--column names one column, and components take two");
   }
   const Components components = componentsOf(file, choice.columns, options.mode == "correlation");
-  const std::vector<std::string> categories = categoriesOf(file, components, options.color);
   if (!options.picture.empty()) {
-    drawScores(options.picture, pictureTitle(file), components, categories,
+    drawScores(options.picture, pictureTitle(file), components, categoriesOf(coloring, components),
                options.mode == "correlation");
   }
   if (options.json) return {jsonText(file, components, options), choice.note};

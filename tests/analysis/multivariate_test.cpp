@@ -134,6 +134,33 @@ TEST(PseudoInverse, OfADeficientMatrixGivesItBack) {
   }
 }
 
+/// One notification each; what fails leaves all three alone.
+TEST(SingularValues, ResultsComeTogether) {
+  TMatrix a{{3, 0}, {0, 4}, {0, 0}}, v{{7}};
+  TVector w{8};
+  int events = 0;
+  for (TNotifyEvent* event : {&a.OnChange, &v.OnChange, &w.OnChange}) {
+    *event = [&](TObject*) { ++events; };
+  }
+  const auto expectOld = [&] {
+    EXPECT_EQ(a(2, 2), 4);
+    EXPECT_EQ(v(1, 1), 7);
+    EXPECT_EQ(w(1), 8);
+    EXPECT_EQ(events, 0);
+  };
+  for (int k = 0; k < 2; ++k) {
+    const test::FailingStorage failing(k);
+    EXPECT_THROW(SingularValueDecompose(&a, &v, &w), EZELMath2Error);
+    expectOld();
+  }
+  TMatrix bad{{1, NAN}, {0, 1}};
+  EXPECT_FALSE(SingularValueDecompose(&bad, &v, &w));
+  expectOld();
+  ASSERT_TRUE(SingularValueDecompose(&a, &v, &w));
+  EXPECT_EQ(events, 3);
+  EXPECT_EQ(std::max(w(1), w(2)), 4);
+}
+
 TEST(VariableNames, AreNeitherFunctionsNorNumbers) {
   TStrArray names;
   ExtractVarNames("a1*sin(x) + 1.5e-3*b_2 - x/log (y.z) + 'text' + 2e", names);

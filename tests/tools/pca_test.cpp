@@ -59,6 +59,12 @@ TEST(Pca, TableAndPicture) {
   EXPECT_EQ("2", JsonFields(runZel(folder, "pca x.csv --color c --plot y.svg --json").output)
                      .text("variables/1/column"));
   EXPECT_NE(std::string::npos, readBytes(folder.file("y.svg")).find("(missing)"));
+  writeBytes(folder.file("x.asc"),
+             "c\n3\n4\nFALSE TRUE FALSE\na b g\n1 2 1\n2 1 1\n4 4 2\n5 7 2\n");
+  EXPECT_EQ(
+      "(absent)",
+      JsonFields(runZel(folder, "pca x.asc --color g --json").output).text("variables/2/name"))
+      << "what colours is no variable, whatever the file";
 }
 
 TEST(Pca, Refusals) {

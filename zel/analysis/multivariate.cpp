@@ -35,13 +35,9 @@ class Associations {
         squares_(data.columns, 0.0) {
     if (mode == cmDistance) return;
     for (std::size_t j = 0; j < data.columns; ++j) {
-      if (mode != cmProducts) mean_[j] = kernels::mean(data[j]);
-      const int e = kernels::largestExponent(data[j]);
-      if (std::abs(e) >= 300) {
-        exponent_[j] = std::clamp(e, -1000, 1000);
-        factor_[j] = std::ldexp(1.0, -exponent_[j]);
-      }
-      if (mode != cmProducts) rest_[j] = std::ldexp(roundingOfMean(j), -exponent_[j]);
+      exponent_[j] = kernels::beyondHarmless(kernels::largestExponent(data[j]));
+      factor_[j] = std::ldexp(1.0, -exponent_[j]);
+      if (mode != cmProducts) findMean(j);
     }
     // Enough work between two questions whether to go on, not more.
     constexpr std::size_t kWork = std::size_t{1} << 28;
@@ -85,11 +81,13 @@ class Associations {
     }
   }
 
-  /// What the true mean exceeds its rounded value by; 0 where sums leave the range of doubles.
-  [[nodiscard]] double roundingOfMean(std::size_t j) const {
+  /// The rounded mean and what the true one exceeds it by; 0 where sums leave the range of doubles.
+  void findMean(std::size_t j) {
     const auto m = static_cast<double>(data_.rows);
-    const double rest = (kernels::sum(data_[j]) - kernels::twoProduct(mean_[j], m)).hi / m;
-    return std::isfinite(rest) ? rest : 0;
+    const kernels::DoubleDouble total = kernels::sum(data_[j]);
+    mean_[j] = kernels::isFinite(total) ? total.hi / m : kernels::mean(data_[j]);
+    const double rest = (total - kernels::twoProduct(mean_[j], m)).hi / m;
+    rest_[j] = std::isfinite(rest) ? std::ldexp(rest, -exponent_[j]) : 0;
   }
 
   kernels::ConstMatrix data_;

@@ -18,10 +18,8 @@ namespace zel {
 
 namespace {
 
-using detail::announce;
 using detail::Centred;
 using detail::Numbers;
-using detail::put;
 
 /// Growing matrix of factors, one column each.
 struct Factors {
@@ -150,20 +148,17 @@ bool SimPLS(const TMatrix* XMat, const TMatrix* YMat, int NFactors, bool Standar
       for (double& value : fitted[j]) value = value * yData.divisor(j) + yData.means[j];
     }
 
-    put(t.view(), XScores);
-    put(p.view(), XLoadings);
-    put(u.view(), YScores);
-    put(q.view(), YLoadings);
-    put(r.view(), Weights);
-    put({coefficients.data(), terms, y.columns, terms}, Coeff);
-    put(partX, XVariance);
-    put(partY, YVariance);
-    put(fitted, Fitted);
-    for (TMatrix* matrix : {XScores, XLoadings, YScores, YLoadings, Weights, Coeff, Fitted}) {
-      announce(matrix);
-    }
-    announce(XVariance);
-    announce(YVariance);
+    detail::TResults results;
+    results.Add(XScores, t.view());
+    results.Add(XLoadings, p.view());
+    results.Add(YScores, u.view());
+    results.Add(YLoadings, q.view());
+    results.Add(Weights, r.view());
+    results.Add(Coeff, {coefficients.data(), terms, y.columns, terms});
+    results.Add(Fitted, fitted);
+    results.Add(XVariance, partX);
+    results.Add(YVariance, partY);
+    results.Commit();
     return true;
   });
 }

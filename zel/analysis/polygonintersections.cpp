@@ -1,13 +1,14 @@
 // Self-intersections of polygons.
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <span>
+#include <utility>
 #include <vector>
 
 #include "zel/analysis/polygons.h"
-#include "zel/kernels/double_double.h"
-#include "zel/kernels/exact_sum.h"
 #include "zel/kernels/orientation.h"
 
 namespace zel {
@@ -25,36 +26,9 @@ struct Edge {
   [[nodiscard]] bool isPoint() const { return p == q; }
 };
 
-/// Sign of the cross product of the directions of two edges, exact.
-int turn(const Edge& a, const Edge& b) {
-  const Extended left = (Extended{a.q.X} - a.p.X) * (Extended{b.q.Y} - b.p.Y);
-  const Extended right = (Extended{b.q.X} - b.p.X) * (Extended{a.q.Y} - a.p.Y);
-  const Extended difference = left - right;
-  const Extended bound =
-      4 * std::numeric_limits<Extended>::epsilon() * (std::abs(left) + std::abs(right));
-  const auto signOf = [](Extended v) { return v > 0 ? 1 : v < 0 ? -1 : 0; };
-  if (std::abs(difference) > bound || !std::isfinite(bound) || bound == 0)
-    return signOf(difference);
-  kernels::ExactSum sum;
-  const auto add = [&sum](double x, double y) {
-    const auto product = kernels::twoProduct(Extended{x}, Extended{y});
-    sum.add(product.hi);
-    sum.add(product.lo);
-  };
-  const auto addProduct = [&](double x1, double x0, double y1, double y0, double sign) {
-    add(sign * x1, y1);
-    add(-sign * x1, y0);
-    add(-sign * x0, y1);
-    add(sign * x0, y0);
-  };
-  addProduct(a.q.X, a.p.X, b.q.Y, b.p.Y, 1);
-  addProduct(b.q.X, b.p.X, a.q.Y, a.p.Y, -1);
-  return signOf(sum.value().hi);
-}
-
 /// Order of the lines that edges lie on: by direction, then from right to left.
 int compareLines(const Edge& a, const Edge& b) {
-  const int direction = turn(a, b);
+  const int direction = kernels::signOfTurn(a.p, a.q, b.p, b.q);
   return direction != 0 ? -direction : -orientation(a.p, a.q, b.p);
 }
 

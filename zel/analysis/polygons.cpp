@@ -117,10 +117,12 @@ int ConvertToDiffPolygon(std::span<const TPointDouble> Poly, std::vector<TPointD
   };
   std::vector<TPointDouble> steps;
   steps.reserve(Poly.size());
+  double before = 0;  // direction of the last step, which its sum with others may have lost
   forEachEdge(Poly, false, [&](TPointDouble p, TPointDouble q) {
     const TPointDouble step{q.X - p.X, q.Y - p.Y};
     if (RedMode > 0 && step == TPointDouble{}) return;
-    if (RedMode == kMerge && !steps.empty() && direction(steps.back()) == direction(step)) {
+    const double last = std::exchange(before, direction(step));
+    if (RedMode == kMerge && !steps.empty() && last == before) {
       steps.back().X += step.X;
       steps.back().Y += step.Y;
     } else {

@@ -45,8 +45,9 @@ ZEL_API void OuterRectOfPolygon(std::span<const TPointDouble> Poly, double& xLow
                                 double& xHigh, double& yHigh);
 
 /// Difference form (chain code): the steps from each point to the next.
-/// @param RedMode  above 0: steps of length 0 are dropped; 2: and neighbouring steps with the same
-///   dy/dx, opposite ones included, are added up
+/// @param RedMode  above 0: steps of length 0 are dropped; 2: and runs of steps with the same
+/// dy/dx,
+///   opposite ones included, are added up
 /// @return number of steps
 ZEL_API int ConvertToDiffPolygon(std::span<const TPointDouble> Poly,
                                  std::vector<TPointDouble>& DiffPoly, int RedMode);

@@ -21,10 +21,8 @@ namespace zel {
 
 namespace {
 
-using detail::announce;
 using detail::Centred;
 using detail::Numbers;
-using detail::put;
 
 bool doFit(const TMatrix* XMat, const TVector* YVec, const TVector* Coeff) {
   return XMat && YVec && Coeff && XMat->NrOfColumns() > 0 && XMat->NrOfRows() > 0 &&
@@ -101,10 +99,10 @@ bool MultiLinReg(const TMatrix* XMat, const TVector* YVec, TVector* Coeff, TVect
     const double degrees = static_cast<double>(x.rows) - static_cast<double>(x.columns);
     const double spread = degrees > 0 ? std::sqrt(residualSquares(x, y, b) / degrees) : 0;
     for (double& e : errors) e *= spread;
-    put(b, Coeff);
-    put(errors, StdErr);
-    announce(Coeff);
-    announce(StdErr);
+    detail::TResults results;
+    results.Add(Coeff, b);
+    results.Add(StdErr, errors);
+    results.Commit();
     return true;
   });
 }
@@ -118,10 +116,10 @@ bool RidgeReg(const TMatrix* XMat, const TVector* YVec, double Lambda, TVector* 
     Ridge ridge;
     if (!solveRidge(detail::ViewOf(*XMat), YVec->Elements(), Lambda, 0, ridge)) return false;
     NearSingular = ridge.isNearSingular;
-    put(ridge.coefficients, Coeff);
-    put(ridge.errors, StdErr);
-    announce(Coeff);
-    announce(StdErr);
+    detail::TResults results;
+    results.Add(Coeff, ridge.coefficients);
+    results.Add(StdErr, ridge.errors);
+    results.Commit();
     return true;
   });
 }
@@ -154,11 +152,12 @@ bool RidgeRegStd(const TMatrix* XMat, const TVector* YVec, double Lambda, TVecto
     z.means.push_back(target.means[0]);
     z.deviations.push_back(target.deviations[0]);
     NearSingular = ridge.isNearSingular;
-    put(ridge.coefficients, Coeff);
-    put(ridge.errors, StdErr);
-    put(z.means, Means);
-    put(z.deviations, StdDevs);
-    for (TVector* vector : {Coeff, StdErr, Means, StdDevs}) announce(vector);
+    detail::TResults results;
+    results.Add(Coeff, ridge.coefficients);
+    results.Add(StdErr, ridge.errors);
+    results.Add(Means, z.means);
+    results.Add(StdDevs, z.deviations);
+    results.Commit();
     return true;
   });
 }

@@ -15,7 +15,7 @@ namespace zel {
 /// @return false if a singular value took more than 30 iterations (the others are right) or an
 ///   element is not finite; for null or A = V. Nothing else changes in the last two cases.
 /// @throws EZELMath2Error  "SingularValueDecompose: not enough memory"; A is unchanged then
-/// OnChange of A, V and W fires once each (and once for a resize). O(m n^2).
+/// OnChange of A, V and W fires once each. O(m n^2).
 /// Method: Householder bidiagonalisation, implicitly shifted QR (Golub and Reinsch, Numer. Math. 14
 /// (1970) 403).
 ZEL_API bool SingularValueDecompose(TMatrix* A, TMatrix* V, TVector* W);
@@ -39,8 +39,7 @@ ZEL_API bool SingValEquSolve(const TMatrix* MatU, const TMatrix* MatV, const TVe
                              const TVector* VecB, TVector* VecX, TVector* VecC);
 
 /// Moore-Penrose pseudo-inverse.
-/// @param PInv  resized to the transposed shape; may be Mat. OnChange fires once (and once for a
-///   resize).
+/// @param PInv  resized to the transposed shape; may be Mat. OnChange fires once.
 /// @param Tol   singular values below it count as 0; 0 takes max(rows, columns) times the largest
 ///   one times 1.2E-16
 /// @return false, with PInv unchanged, if a singular value does not converge or an element is not

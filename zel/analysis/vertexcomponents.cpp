@@ -153,8 +153,10 @@ bool VertexCompAnalysis(const TMatrix* Data, int NEndmembers, bool HighSNR, TMat
     }
     Dense basis(n, HighSNR ? p : p - 1);
     if (!findSubspace(data, centre, basis.view())) return false;
-    for (std::size_t c = 0; c < n; ++c) {
-      for (double& x : data[c]) x -= centre[c];
+    if (!HighSNR) {
+      for (std::size_t c = 0; c < n; ++c) {
+        for (double& x : data[c]) x -= centre[c];
+      }
     }
     Dense scores(data.rows, basis.view().columns);
     kernels::multiply(data, Factor::plain, basis.view(), Factor::plain, scores.view());
@@ -170,27 +172,29 @@ bool VertexCompAnalysis(const TMatrix* Data, int NEndmembers, bool HighSNR, TMat
         chosen.view()(k, c) = scores.view()(vertices[k], c);
       }
     }
+    detail::TResults results;
     Dense pure(p, n);
     kernels::multiply(chosen.view(), Factor::plain, basis.view(), Factor::transposed, pure.view());
     for (std::size_t c = 0; c < n; ++c) {
       for (double& x : pure.view()[c]) x += centre[c];
-      for (double& x : data[c]) x += centre[c];
     }
-    Dense inverse(n, p);
-    if (!kernels::pseudoInverse(pure.view(), 0, inverse.view())) return false;
-    Dense fractions(data.rows, p);
-    kernels::multiply(data, Factor::plain, inverse.view(), Factor::plain, fractions.view());
+    if (Fractions) {
+      Dense inverse(n, p);
+      if (!kernels::pseudoInverse(pure.view(), 0, inverse.view())) return false;
+      // The data are still those about the centre, which has its own mixture.
+      Numbers ofCentre(p);
+      kernels::multiplyVector(inverse.view(), Factor::transposed, centre, ofCentre);
+      const Matrix fractions = results.Add(Fractions, data.rows, p);
+      kernels::multiply(data, Factor::plain, inverse.view(), Factor::plain, fractions);
+      for (std::size_t k = 0; k < p; ++k) {
+        for (double& x : fractions[k]) x += ofCentre[k];
+      }
+    }
     kernels::scaleByPower(pure.view(), *exponent);
-
-    std::vector<int> rows(p);
-    std::ranges::transform(vertices, rows.begin(),
-                           [](std::size_t k) { return static_cast<int>(k) + 1; });
-    if (Indices) Indices->SetElements(rows);
-    detail::put(pure.view(), Endmembers);
-    detail::put(fractions.view(), Fractions);
-    detail::announce(Endmembers);
-    detail::announce(Indices);
-    detail::announce(Fractions);
+    results.Add(Endmembers, pure.view());
+    const std::span<int> rows = results.Add(Indices, Indices ? p : 0);
+    for (std::size_t k = 0; k < rows.size(); ++k) rows[k] = static_cast<int>(vertices[k]) + 1;
+    results.Commit();
     return true;
   });
 }

@@ -6,6 +6,7 @@
 
 #include "zel/kernels/jacobi.h"
 #include "zel/kernels/products.h"
+#include "zel/kernels/scaling.h"
 #include "zel/kernels/scratch.h"
 #include "zel/kernels/sums.h"
 #include "zel/kernels/targets.h"
@@ -252,6 +253,7 @@ struct Iteration {
   bool makeRowZero(std::size_t p, Poll step) {
     const std::size_t n = a.columns;
     bool goOn = true;
+    bool isAnySmall = false;
     waiting.push_back({p, turns.size()});
     for (std::size_t q = p + 1; q < n; ++q) row[q] = a(p, q);
     for (std::size_t first = p + 1; first < n && goOn; first += kBlock) {
@@ -263,6 +265,7 @@ struct Iteration {
           for (std::size_t j = first; j < q; ++j) turn(row[j], a(j, q));
           for (std::size_t j = q + 1; j < last; ++j) turn(row[j], a(q, j));
           turns.push_back(turn);
+          isAnySmall = isAnySmall || scale[q] < kSmallScale;
         }
         goOn = step();
       }
@@ -275,7 +278,8 @@ struct Iteration {
       }
     }
     for (std::size_t q = p + 1; q < n; ++q) a(p, q) = row[q];
-    if (turns.size() > kMostTurns) {
+    // A column that takes a rotation from every row gets small even if all others take none.
+    if (turns.size() > kMostTurns || isAnySmall) {
       carryOut();
       for (std::size_t k = 0; k < n; ++k) {
         if (scale[k] < kSmallScale) absorb(k);
@@ -345,7 +349,7 @@ int scalingExponent(ConstMatrix a) {
   }
   if (largest == 0 || !std::isfinite(largest)) return 0;
   const int exponent = std::ilogb(largest);
-  return std::abs(exponent) < 300 ? 0 : std::clamp(-exponent, -1000, 1000);
+  return -beyondHarmless(exponent);
 }
 
 }  // namespace

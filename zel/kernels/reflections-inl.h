@@ -54,12 +54,6 @@ HWY_INLINE void dots(const double* HWY_RESTRICT x, const double* const* y, std::
   for (std::size_t k = 0; k < kSums; ++k) result[k] = addLanes<kSumVecs>(s[k]);
 }
 
-HWY_INLINE double dot(const double* x, const double* y, std::size_t n) {
-  double result;
-  dots<1, kSumLanes>(x, &y, n, &result);
-  return result;
-}
-
 /// Sum of the squares of scale x.
 HWY_INLINE double scaledSquares(const double* HWY_RESTRICT x, std::size_t n, double scale) {
   const Tag d;
@@ -82,19 +76,7 @@ HWY_INLINE double scaledSquares(const double* HWY_RESTRICT x, std::size_t n, dou
   return addLanes<kSumVecs>(s);
 }
 
-/// y -= f x
-HWY_INLINE void subtract(double f, const double* HWY_RESTRICT x, double* HWY_RESTRICT y,
-                         std::size_t n) {
-  const Tag d;
-  const Vec factor = hn::Set(d, f);
-  std::size_t i = 0;
-  for (; i + kLanes <= n; i += kLanes) {
-    hn::StoreU(hn::Sub(hn::LoadU(d, y + i), hn::Mul(factor, hn::LoadU(d, x + i))), d, y + i);
-  }
-  for (; i < n; ++i) y[i] -= f * x[i];
-}
-
-/// x[k] -= f[k] v for several x, which share the reading of v.
+/// x[k] -= f[k] v for one or several x, which share the reading of v.
 template <std::size_t kCount>
 HWY_INLINE void subtractFromEach(const double* f, const double* HWY_RESTRICT v, double* const* x,
                                  std::size_t n) {
@@ -133,6 +115,11 @@ HWY_INLINE void subtractAll(const double* f, const double* const* v, double* HWY
   }
 }
 
+/// x -= f v
+HWY_INLINE void subtract(double f, const double* v, double* x, std::size_t n) {
+  subtractFromEach<1>(&f, v, &x, n);
+}
+
 /// x *= f
 HWY_INLINE void multiply(double f, double* x, std::size_t n) {
   const Tag d;
@@ -161,13 +148,7 @@ HWY_INLINE double largestMagnitude(const double* x, std::size_t n) {
   return result;
 }
 
-/// x -> (1 - f v v^T) x
-HWY_INLINE void reflect(double f, const double* HWY_RESTRICT v, double* HWY_RESTRICT x,
-                        std::size_t n) {
-  if (f != 0) subtract(f * dot(v, x, n), v, x, n);
-}
-
-/// The same for several x.
+/// x[k] -> (1 - f v v^T) x[k] for one or several x.
 template <std::size_t kCount>
 HWY_INLINE void reflectEach(double f, const double* HWY_RESTRICT v, double* const* x,
                             std::size_t n) {
@@ -176,6 +157,10 @@ HWY_INLINE void reflectEach(double f, const double* HWY_RESTRICT v, double* cons
   dots<kCount, kSumLanes>(v, x, n, weights);
   for (double& weight : weights) weight *= f;
   subtractFromEach<kCount>(weights, v, x, n);
+}
+
+HWY_INLINE void reflect(double f, const double* v, double* x, std::size_t n) {
+  reflectEach<1>(f, v, &x, n);
 }
 
 /// Makes the reflection that maps (head; x) on a multiple of the first unit vector. Its vector is

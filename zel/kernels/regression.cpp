@@ -17,9 +17,8 @@ namespace {
 class Normalised {
  public:
   explicit Normalised(std::span<const double> x) : FValues(x) {
-    constexpr int kHarmless = 300;
-    const int e = largestExponent(x);
-    if (std::abs(e) <= kHarmless) return;
+    const int e = beyondHarmless(largestExponent(x));
+    if (e == 0) return;
     FExponent = e;
     FCopy.reserve(x.size());
     for (const double v : x) FCopy.push_back(std::ldexp(v, -e));

@@ -26,6 +26,15 @@ namespace zel::kernels {
   return exponent;
 }
 
+/// The exponent of a largest magnitude if squares of such values, or products of a few, may leave
+/// the range of doubles, else 0. Limited, so that powers of two with it and its negative are
+/// normal.
+[[nodiscard]] inline int beyondHarmless(int exponent) {
+  constexpr int kHarmless = 300;
+  constexpr int kMost = 1000;
+  return std::abs(exponent) < kHarmless ? 0 : std::clamp(exponent, -kMost, kMost);
+}
+
 /// Exponent of the largest magnitude if squares of such values may leave the range of doubles, else
 /// 0; nothing if an element is not finite.
 inline std::optional<int> extremeExponent(ConstMatrix a) {
@@ -42,8 +51,7 @@ inline std::optional<int> extremeExponent(ConstMatrix a) {
   }
   const double magnitude = std::bit_cast<double>(std::max({big[0], big[1], big[2], big[3]}) >> 1);
   if (!std::isfinite(magnitude)) return {};
-  const int exponent = magnitude > 0 ? std::ilogb(magnitude) : 0;
-  return std::abs(exponent) < 300 ? 0 : exponent;
+  return magnitude > 0 ? beyondHarmless(std::ilogb(magnitude)) : 0;
 }
 
 /// a = a 2^exponent. What falls below the range of doubles is rounded.

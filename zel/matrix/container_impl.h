@@ -82,7 +82,7 @@ void TNumMatrix<T>::SetRows(std::initializer_list<std::initializer_list<T>> rows
 }
 
 template <class T>
-void TNumMatrix<T>::TakeOver(TDynArray<T, 2>& contents, int Nc, int Nr) {
+void TNumMatrix<T>::TakeOver(TDynArray<T, 2>& contents, int Nc, int Nr) noexcept {
   Mat.swap(contents);
   FNCol = Nc;
   FNRow = Nr;

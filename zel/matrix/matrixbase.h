@@ -15,6 +15,10 @@
 
 namespace zel {
 
+namespace detail {
+class TResults;
+}
+
 namespace kernels {
 template <class T>
 struct MatrixSpan;
@@ -345,9 +349,11 @@ class TNumMatrix : public TComponent {
   /// @throws EZELMatrixError  `: matrices do not match` if they differ in length
   void SetRows(std::initializer_list<std::initializer_list<T>> rows);
   /// Takes over contents of the given size; OnChange does not fire.
-  void TakeOver(TDynArray<T, 2>& contents, int Nc, int Nr);
+  void TakeOver(TDynArray<T, 2>& contents, int Nc, int Nr) noexcept;
 
  private:
+  friend class detail::TResults;
+
   /// Zeroes what an empty matrix still stores, so that it is 0 when it grows again.
   void ClearHidden();
   /// Gives the target a result of the given size that compute(view) writes, then fires the events

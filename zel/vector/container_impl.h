@@ -111,11 +111,18 @@ TDynArray<T, 1> TNumVector<T>::WorkCopy(int LowElem, int HighElem) const {
 template <class T>
 void TNumVector<T>::SetElements(std::span<const T> values) {
   if (values.empty()) return;
+  TDynArray<T, 1> contents;
   try {
-    FVec = TDynArray<T, 1>(values);
+    contents = TDynArray<T, 1>(values);
   } catch (...) {
     Raise<EZELVectorError>("\": not enough memory");
   }
+  TakeOver(contents);
+}
+
+template <class T>
+void TNumVector<T>::TakeOver(TDynArray<T, 1>& contents) noexcept {
+  FVec.swap(contents);
   FIsEmpty = false;
 }
 

@@ -15,6 +15,10 @@
 
 namespace zel {
 
+namespace detail {
+class TResults;
+}
+
 /// One-dimensional container of numbers; TVector (double) and TIntVector (32-bit integer) derive
 /// from it.
 ///
@@ -253,6 +257,8 @@ class TNumVector : public TComponent {
   /// Copy of a range for an operation that rearranges it.
   /// @throws EZELVectorError  `: not enough memory on heap`
   [[nodiscard]] TDynArray<T, 1> WorkCopy(int LowElem, int HighElem) const;
+  /// Takes over contents, at least one element, without notification; they get the old ones.
+  void TakeOver(TDynArray<T, 1>& contents) noexcept;
   /// Marks the vector as written.
   void MarkWritten() { FIsEmpty = false; }
   /// Raises `: vectors have different dimensions`.
@@ -278,6 +284,8 @@ class TNumVector : public TComponent {
   void StoreQuietly(std::size_t first, const TPositions& read);
 
  private:
+  friend class detail::TResults;
+
   /// Stores value(k) at the positions first, first + 1, ..., firing OnChange for each.
   template <class Value>
   void StoreEach(std::int64_t first, std::size_t count, Value&& value);
