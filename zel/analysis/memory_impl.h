@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "zel/base/errors.h"
-#include "zel/matrix/guard_impl.h"
+#include "zel/base/guard_impl.h"
 
 namespace zel::detail {
 

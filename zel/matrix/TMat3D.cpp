@@ -5,13 +5,13 @@
 #include <cstdint>
 #include <new>
 
+#include "zel/base/guard_impl.h"
 #include "zel/foundation/randoms.h"
 #include "zel/kernels/fingerprint.h"
 #include "zel/kernels/minmax.h"
 #include "zel/kernels/moments.h"
 #include "zel/kernels/range.h"
 #include "zel/kernels/search.h"
-#include "zel/matrix/guard_impl.h"
 #include "zel/matrix/rules_impl.h"
 
 namespace zel {

@@ -6,9 +6,9 @@
 #include <type_traits>
 #include <utility>
 
+#include "zel/base/guard_impl.h"
 #include "zel/kernels/dense.h"
 #include "zel/kernels/range.h"
-#include "zel/matrix/guard_impl.h"
 #include "zel/matrix/matrixbase.h"
 
 namespace zel {

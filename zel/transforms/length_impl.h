@@ -1,6 +1,7 @@
 #pragma once
 
 #include <bit>
+#include <string_view>
 
 namespace zel {
 
@@ -10,5 +11,8 @@ inline constexpr int longestTransform = 1 << 23;
 [[nodiscard]] constexpr bool isTransformLength(int n) noexcept {
   return n >= 1 && n <= longestTransform && std::has_single_bit(static_cast<unsigned>(n));
 }
+
+/// What a component says of any other length.
+inline constexpr std::string_view transformLengthMessage = "\": data length must be power of 2";
 
 }  // namespace zel

@@ -1,5 +1,5 @@
 /// @file
-/// Failed allocations as the exceptions of the matrices. Internal.
+/// Failed allocations as the exceptions of components. Internal.
 #pragma once
 
 #include <new>

@@ -1,0 +1,147 @@
+// The Fourier transform and its roots of unity against sums and functions in extended precision.
+#include "zel/kernels/fourier.h"
+
+#include <cmath>
+#include <cstddef>
+#include <numbers>
+#include <random>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "tests/support/simd_targets.h"
+#include "zel/base/types.h"
+#include "zel/kernels/roots_of_unity.h"
+
+namespace zel::kernels {
+namespace {
+
+using Numbers = std::vector<double>;
+
+constexpr double kEpsilon = 0x1p-53;
+
+Numbers randomNumbers(int bits, unsigned seed = 7) {
+  std::mt19937 random(seed);
+  Numbers x(std::size_t{2} << bits);
+  for (double& part : x) part = static_cast<double>(random()) / 4294967296.0 - 0.5;
+  return x;
+}
+
+template <class Function>
+Numbers transformed(Function run, Numbers x, int bits) {
+  Numbers work(fourierWorkSize(bits));
+  run(x.data(), bits, work.data());
+  return x;
+}
+
+double norm(const Numbers& x) {
+  Extended sum = 0;
+  for (const double part : x) sum += Extended{part} * part;
+  return static_cast<double>(std::sqrt(sum));
+}
+
+double distance(Numbers a, const Numbers& b) {
+  for (std::size_t i = 0; i < a.size(); ++i) a[i] -= b[i];
+  return norm(a);
+}
+
+TEST(RootsOfUnity, RightlyRoundedOrNearly) {
+  std::mt19937_64 random(1);
+  for (int bits = 0; bits <= 30; ++bits) {
+    const RootsOfUnity roots(bits);
+    const auto near = [&](double root, Extended exact) {
+      const int exponent = exact == 0 ? -1100 : std::ilogb(exact);
+      const Extended ulps = exponent >= -2 ? 0.51L : 1;
+      return std::abs(root - exact) <= std::ldexp(ulps, exponent - 52);
+    };
+    for (int trial = 0; trial < 2000; ++trial) {
+      const auto m = random() % (std::uint64_t{1} << bits);
+      // sin and cos of an eighth turn at most, where the rounding of pi does not show
+      const auto eighths = std::ldexp(static_cast<Extended>(m), 3 - bits);
+      const auto octant = static_cast<int>(eighths);
+      const Extended part = eighths - static_cast<Extended>(octant);
+      const Extended angle = part * (std::numbers::pi_v<Extended> / 4);
+      const Extended back = (1 - part) * (std::numbers::pi_v<Extended> / 4);
+      const Extended c[] = {std::cos(angle), std::sin(back), -std::sin(angle), -std::cos(back)};
+      const Extended s[] = {std::sin(angle), std::cos(back), std::cos(angle), std::sin(back)};
+      const int turn = octant % 4;
+      const int sign = octant < 4 ? 1 : -1;
+      ASSERT_TRUE(near(roots(m).re, sign * c[turn])) << bits << " " << m;
+      ASSERT_TRUE(near(roots(m).im, sign * s[turn])) << bits << " " << m;
+    }
+  }
+  EXPECT_EQ(RootsOfUnity(2)(7).re, 0) << "exact, and counted modulo 4";
+  EXPECT_EQ(RootsOfUnity(2)(7).im, -1);
+  EXPECT_EQ(RootsOfUnity(20)(1 << 17).re, RootsOfUnity(20)(1 << 17).im);
+}
+
+TEST(Fourier, IsTheSum) {
+  for (int bits = 0; bits <= 15; ++bits) {
+    const Numbers x = randomNumbers(bits);
+    const Numbers result = transformed(fourier, x, bits);
+    const std::size_t n = x.size() / 2;
+    const RootsOfUnity roots(bits);
+    const double bound = kEpsilon * (bits + 2) * norm(x);
+    const std::size_t step = n <= 256 ? 1 : n / 31;
+    for (std::size_t k = 0; k < n; k += step) {
+      Extended re = 0;
+      Extended im = 0;
+      for (std::size_t j = 0; j < n; ++j) {
+        const auto w = roots(j * k);
+        re += Extended{x[2 * j]} * w.re - Extended{x[2 * j + 1]} * w.im;
+        im += Extended{x[2 * j]} * w.im + Extended{x[2 * j + 1]} * w.re;
+      }
+      ASSERT_NEAR(result[2 * k], static_cast<double>(re), bound) << bits << " " << k;
+      ASSERT_NEAR(result[2 * k + 1], static_cast<double>(im), bound) << bits << " " << k;
+    }
+  }
+}
+
+TEST(Fourier, EveryLengthTransformsAnImpulse) {
+  for (int bits = 0; bits <= kMostFourierBits; ++bits) {
+    const std::size_t n = std::size_t{1} << bits;
+    const RootsOfUnity roots(bits);
+    const std::size_t at = (n * 5 / 7) | (n > 1 ? 1 : 0);
+    Numbers x(2 * n);
+    x[2 * at] = 1;
+    const Numbers result = transformed(fourier, std::move(x), bits);
+    double worst = 0;
+    for (std::size_t k = 0; k < n; ++k) {
+      const auto w = roots(at * k);
+      worst = std::max({worst, std::abs(result[2 * k] - w.re), std::abs(result[2 * k + 1] - w.im)});
+    }
+    EXPECT_LE(worst, 12 * kEpsilon) << bits;
+  }
+}
+
+TEST(Fourier, InverseAndSumOfSquares) {
+  for (int bits = 0; bits <= 16; ++bits) {
+    const Numbers x = randomNumbers(bits);
+    const Numbers result = transformed(fourier, x, bits);
+    const double size = norm(x);
+    EXPECT_NEAR(norm(result), size * std::sqrt(std::ldexp(1, bits)), 1e-14 * norm(result)) << bits;
+    EXPECT_LE(distance(transformed(inverseFourier, result, bits), x), 2e-16 * (bits + 2) * size)
+        << bits;
+  }
+}
+
+TEST(Fourier, SameBitsOnEveryInstructionSet) {
+  for (const int bits : {4, 6, 9, 12, 13, 14}) {
+    const Numbers x = randomNumbers(bits);
+    Numbers forward;
+    Numbers inverse;
+    test::forEachTarget([&] {
+      const Numbers a = transformed(fourier, x, bits);
+      const Numbers b = transformed(inverseFourier, x, bits);
+      if (forward.empty()) {
+        forward = a;
+        inverse = b;
+      }
+      EXPECT_EQ(a, forward) << bits;
+      EXPECT_EQ(b, inverse) << bits;
+    });
+  }
+}
+
+}  // namespace
+}  // namespace zel::kernels

@@ -1,0 +1,227 @@
+// TFastFourier: windows, spectrum and lengths.
+#include <algorithm>
+#include <climits>
+#include <cmath>
+#include <limits>
+#include <numbers>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "tests/support/expect_message.h"
+#include "tests/support/failing_new.h"
+#include "zel/transforms/Zel_fourier.h"
+
+namespace zel {
+namespace {
+
+constexpr double kPi = std::numbers::pi;
+
+TEST(FastFourier, StartsAndResizes) {
+  TFastFourier F;
+  EXPECT_EQ(F.SpectrumSize(), 256);
+  EXPECT_EQ(F.WeightingWindow(), fwRectangle);
+  EXPECT_EQ(F.FData, TDoubleArray(512));
+  EXPECT_EQ(F.GetWgtVal(256), 1);
+  F.SetName("FFT1");
+  F.SetRealVal(7, 3);
+  for (const int bad : {1000, 0, -1, -2, INT_MIN, 3, 1 << 24, 1 << 30}) {
+    EXPECT_THROW_MSG(F.SetNumData(bad), EZELFourierError,
+                     "Component \"FFT1\": data length must be power of 2");
+  }
+  EXPECT_EQ(F.GetRealVal(7), 3) << "kept after a refusal";
+  for (const int n : {1, 2, 1 << 12, 1 << 23}) {
+    F.SetNumData(n);
+    ASSERT_EQ(F.SpectrumSize(), n);
+    ASSERT_EQ(F.FData.size(), 2 * static_cast<std::size_t>(n));
+  }
+  F.SetNumData(8);
+  EXPECT_EQ(F.GetWgtVal(1), 0) << "the user's window starts anew";
+}
+
+TEST(FastFourier, PointsOutsideAreZero) {
+  TFastFourier F;
+  F.SetNumData(4);
+  for (const int ix : {0, 5, -1, INT_MAX, INT_MIN}) {
+    F.SetRealVal(ix, 1);
+    F.SetImagVal(ix, 1);
+    F.SetWgtVal(ix, 1);
+    EXPECT_EQ(F.GetRealVal(ix) + F.GetImagVal(ix) + F.GetWgtVal(ix), 0);
+  }
+  EXPECT_EQ(F.FData, TDoubleArray(8));
+  F.FData = {1, 2, 3, 4, 5, 6, 7, 8};
+  F.ClearReal();
+  EXPECT_EQ(F.FData, (TDoubleArray{0, 2, 0, 4, 0, 6, 0, 8}));
+  F.ClearImag();
+  EXPECT_EQ(F.FData, TDoubleArray(8));
+  F.FData.resize(3);
+  F.Transform();
+  EXPECT_EQ(F.FData.size(), 8U) << "a size that the caller changed";
+}
+
+TEST(FastFourier, ImpulseAndOscillation) {
+  TFastFourier F;
+  F.SetNumData(64);
+  F.SetRealVal(1, 1);
+  F.Transform();
+  for (int ix = 1; ix <= 64; ++ix) {
+    EXPECT_EQ(F.GetRealVal(ix), 1);
+    EXPECT_EQ(F.GetImagVal(ix), 0);
+  }
+  EXPECT_EQ(F.GetPowerSpec(0), 1.0 / 64);
+  EXPECT_EQ(F.GetPowerSpec(3), 2.0 / 64);
+  EXPECT_EQ(F.GetMagnitude(1), 2.0 / 64);
+
+  // 3 + cos(4 w t) + 2 sin(9 w t): series coefficients, phases, and the sign of the exponent
+  F.Clear();
+  for (int i = 1; i <= 64; ++i) {
+    const double wt = 2 * kPi * (i - 1) / 64;
+    F.SetRealVal(i, 3 + std::cos(4 * wt) + 2 * std::sin(9 * wt));
+  }
+  F.Transform();
+  EXPECT_NEAR(F.GetFSerCos(0), 3, 1e-14);
+  for (int line = 1; line <= 32; ++line) {
+    EXPECT_NEAR(F.GetFSerCos(line), line == 4 ? 1 : 0, 1e-14) << line;
+    EXPECT_NEAR(F.GetFSerSin(line), line == 9 ? 2 : 0, 1e-14) << line;
+    EXPECT_NEAR(F.GetMagnitude(line), line == 4 ? 1 : line == 9 ? 2 : 0, 1e-14) << line;
+  }
+  EXPECT_NEAR(F.GetImagVal(10), 64, 1e-12) << "plus in the exponent";
+  EXPECT_NEAR(F.GetPhase(4), 0, 1e-14);
+  EXPECT_NEAR(std::abs(F.GetPhase(9)), kPi / 2, 1e-14);
+  EXPECT_NEAR(F.PowerMax(), 2 * 64, 1e-12);
+  EXPECT_NEAR(F.MagniMax(), 2, 1e-14);
+  EXPECT_NEAR(F.RealMax(), 192, 1e-12);
+  EXPECT_NEAR(F.ImagMin(), -64, 1e-12);
+  F.SetRealVal(3, 1000);
+  EXPECT_EQ(F.RealMax(), 1000) << "found again after a change";
+  for (const int line : {-1, 33, INT_MAX}) {
+    EXPECT_EQ(F.GetPowerSpec(line) + F.GetMagnitude(line) + F.GetPhase(line) + F.GetFSerSin(line) +
+                  F.GetFSerCos(line),
+              0);
+  }
+}
+
+TEST(FastFourier, SpectrumOfGivenLines) {
+  TFastFourier F;
+  F.SetNumData(8);
+  // X_0 .. X_7; line 1 has X_1 = 3 + 4 i and X_7 = 1 - 2 i, line 4 has X_4 twice.
+  F.FData = {2, 1, 3, 4, 0, -5, 0, 0, 6, 8, 0, 0, 0, 0, 1, -2};
+  EXPECT_EQ(F.GetPowerSpec(0), 5.0 / 8);
+  EXPECT_EQ(F.GetPowerSpec(1), 30.0 / 8);
+  EXPECT_EQ(F.GetPowerSpec(4), 200.0 / 8);
+  EXPECT_EQ(F.GetMagnitude(0), std::sqrt(5) / 8);
+  EXPECT_EQ(F.GetMagnitude(1), std::sqrt(52) / 8);
+  EXPECT_EQ(F.GetMagnitude(4), 12.0 / 8);
+  EXPECT_EQ(F.GetFSerSin(0), 0);
+  EXPECT_EQ(F.GetFSerSin(1), 6.0 / 8);
+  EXPECT_EQ(F.GetFSerCos(1), 4.0 / 8);
+  EXPECT_EQ(F.GetPhase(0), 0);
+  EXPECT_EQ(F.GetPhase(1), std::atan(4.0 / 3));
+  EXPECT_EQ(F.GetPhase(2), -kPi / 2);
+  EXPECT_EQ(F.GetPhase(3), -kPi / 2) << "of 0";
+  EXPECT_EQ(F.RMS(0, 1), std::sqrt(35) / 8);
+  EXPECT_EQ(F.RMS(5, 1), F.RMS(1, 5));
+  EXPECT_EQ(F.RMS(-3, 10000), std::sqrt(5.0 + 30 + 25 + 200) / 8);
+  EXPECT_EQ(F.RMS(INT_MAX, INT_MAX), std::sqrt(200) / 8);
+  EXPECT_EQ(F.PowerMax(), 30.0 / 8) << "without the last line";
+  EXPECT_EQ(F.MagniMax(), 12.0 / 8) << "with the last line";
+  EXPECT_EQ(F.ImagMax(), 8);
+  EXPECT_EQ(F.RealMin(), 0);
+  F.SetRealVal(2, 1e200);
+  EXPECT_DOUBLE_EQ(F.GetMagnitude(1), 1.25e199) << "squares beyond the range of double";
+
+  EXPECT_EQ(F.FreqOfLine(2, 0.5), 0.5);
+  EXPECT_EQ(F.FreqOfLine(0, 0.5) + F.FreqOfLine(5, 0.5), 0);
+  for (int line = 1; line <= 4; ++line) {
+    EXPECT_EQ(F.LineOfFreq(F.FreqOfLine(line, 0.1), 0.1), line);
+  }
+  EXPECT_EQ(F.LineOfFreq(2.5, 0.125), 2) << "ties to even";
+  EXPECT_EQ(F.LineOfFreq(4.6, 0.125) + F.LineOfFreq(0.5, 0.125) + F.LineOfFreq(-1, 1), 0);
+  EXPECT_EQ(F.LineOfFreq(std::numeric_limits<double>::infinity(), 1), 0);
+  EXPECT_EQ(F.LineOfFreq(std::nan(""), 1), 0);
+
+  F.SetNumData(1);
+  F.FData = {3, -4};
+  F.Transform();
+  EXPECT_EQ(F.FData, (TDoubleArray{3, -4}));
+  EXPECT_EQ(F.GetMagnitude(0), 5);
+  EXPECT_EQ(F.GetMagnitude(1) + F.MagniMax() + F.PowerMax(), 0) << "no line but 0";
+  EXPECT_EQ(F.ImagMax(), -4);
+}
+
+/// The weights as they are defined, in extended precision.
+Extended weight(TFastFourierWgtWin window, int i, int n) {
+  const Extended t = (static_cast<Extended>(i) - static_cast<Extended>(n) / 2) / n;
+  const auto cosine = [&](int k) { return std::cos(k * std::numbers::pi_v<Extended> * t); };
+  switch (window) {
+    case fwTriangle:
+      return static_cast<Extended>(2 * std::min(i, n + 1 - i)) / n;
+    case fwCos2:
+      return cosine(1) * cosine(1);
+    case fwGauss:
+      return std::exp(-18 * t * t);
+    case fwHamming:
+      return 0.543478261L + 0.456521739L * cosine(2);
+    case fwBlackman:
+      return 0.42659L + 0.49656L * cosine(2) + 0.076848L * cosine(4);
+    case fwBlkmHarris:
+      return 0.35875L + 0.48829L * cosine(2) + 0.14128L * cosine(4) + 0.01168L * cosine(6);
+    case fwBlkmNuttall:
+      return 0.3635819L + 0.4891775L * cosine(2) + 0.1365995L * cosine(4) + 0.0106411L * cosine(6);
+    default:
+      return window == fwUserDef ? i : 1;
+  }
+}
+
+TEST(FastFourier, Windows) {
+  TFastFourier F;
+  for (int window = fwRectangle; window <= fwUserDef; ++window) {
+    const auto kind = static_cast<TFastFourierWgtWin>(window);
+    F.SetWgtWin(kind);
+    for (const int n : {1, 2, 4, 64, 65536}) {
+      F.SetNumData(n);
+      for (int i = 1; i <= n; ++i) {
+        F.SetWgtVal(i, i);
+        F.SetRealVal(i, 1);
+        F.SetImagVal(i, 2);
+      }
+      F.Transform();
+      F.InverseTransform();
+      for (int i = 1; i <= n; ++i) {
+        const auto w = static_cast<double>(n == 1 ? 1 : weight(kind, i, n));
+        const double bound = 2e-15 * (kind == fwUserDef ? n : 1);
+        ASSERT_NEAR(F.GetRealVal(i), w, bound) << window << " " << n << " " << i;
+        ASSERT_NEAR(F.GetImagVal(i), 2 * w, bound) << window << " " << n << " " << i;
+      }
+    }
+  }
+}
+
+TEST(FastFourier, WithoutMemoryNothingIsLost) {
+  TFastFourier F;
+  F.SetName("F");
+  F.SetWgtWin(fwHamming);
+  F.SetNumData(2048);
+  F.SetRealVal(5, 1);
+  const TDoubleArray before = F.FData;
+  {
+    const test::FailingNew fail(0);
+    EXPECT_THROW_MSG(F.SetNumData(4), EZELFourierError,
+                     "Component \"F\": not enough memory on heap");
+  }
+  int failures = 0;
+  for (bool isDone = false; !isDone; ++failures) {
+    const test::FailingNew fail(failures);
+    try {
+      F.Transform();
+      isDone = true;
+    } catch (const EZELFourierError& error) {
+      ASSERT_EQ(std::string(error.what()), "Component \"F\": not enough memory on heap");
+      ASSERT_EQ(F.FData, before);
+    }
+  }
+  EXPECT_GT(failures, 1);
+}
+
+}  // namespace
+}  // namespace zel

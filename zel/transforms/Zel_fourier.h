@@ -1,0 +1,5 @@
+/// @file
+/// Fourier transforms.
+#pragma once
+
+#include "zel/transforms/TFastFourier.h"
