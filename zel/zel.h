@@ -15,4 +15,5 @@
 #include "zel/foundation/Zel_math1.h"
 #include "zel/matrix/Zel_matrix.h"
 #include "zel/statistics/Zel_statis.h"
+#include "zel/transforms/Zel_wavelet.h"
 #include "zel/vector/Zel_vector.h"

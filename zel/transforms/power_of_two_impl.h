@@ -1,3 +1,5 @@
+/// @file
+/// The lengths of transforms. Internal.
 #pragma once
 
 #include <bit>
