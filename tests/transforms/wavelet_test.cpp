@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "tests/support/expect_message.h"
-#include "tests/support/failing_new.h"
+#include "tests/support/failing_storage.h"
 #include "zel/transforms/Zel_wavelet.h"
 
 namespace {
@@ -116,7 +116,7 @@ TEST(Wavelet, PeriodicTransformsAreOrthogonal) {
     for (const int n : {1, 2, 4, 8, 64, 4096}) {
       fill(W, n);
       const Signal x = valuesOf(W);
-      const int levels = std::bit_width(static_cast<unsigned>(n)) - 1;
+      const int levels = static_cast<int>(std::bit_width(static_cast<unsigned>(n))) - 1;
       W.Transform(levels);
       const auto squares = [](const Signal& v) {
         Extended sum = 0;
@@ -180,7 +180,7 @@ TEST(Wavelet, RefusalsChangeNothing) {
                      "Component \"w\": invalid order of Daubechies wavelet family");
   }
   const auto without = [&](auto&& operation) {
-    const zel::test::FailingNew failing(0);
+    const zel::test::FailingStorage failing(0);
     EXPECT_THROW_MSG(operation(), EZELWaveletError, "Component \"w\": not enough memory on heap");
   };
   without([&] { W.SetNumData(1 << 10); });

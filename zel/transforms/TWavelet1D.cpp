@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <new>
+#include <utility>
 
 #include "zel/kernels/wavelet.h"
 #include "zel/transforms/power_of_two_impl.h"
@@ -66,8 +67,8 @@ void TWavelet1D::SetOrder(int Order) {
   std::copy_n(kLowPass[static_cast<std::size_t>(Order - 1)].begin(), taps, lowPass.begin());
   std::reverse_copy(lowPass.begin(), lowPass.end(), highPass.begin());
   for (std::size_t k = 1; k < highPass.size(); k += 2) highPass[k] = -highPass[k];
-  FCoeffsLP.swap(lowPass);
-  FCoeffsHP.swap(highPass);
+  FCoeffsLP = std::move(lowPass);
+  FCoeffsHP = std::move(highPass);
   FOrder = Order;
 }
 
@@ -86,7 +87,7 @@ void TWavelet1D::PartialWLT(int Len, int Offset, bool inverse, std::span<Extende
   const auto block =
       std::span(FData).subspan(static_cast<std::size_t>(Offset), static_cast<std::size_t>(Len));
   const auto step = inverse ? kernels::waveletInverse : kernels::waveletForward;
-  step(block, FCoeffsLP, startOf(FWLSigExtMode), Scratch);
+  step(block, LowPass(), startOf(FWLSigExtMode), Scratch);
 }
 
 void TWavelet1D::DoWLT(int Level, bool inverse) {
@@ -94,11 +95,11 @@ void TWavelet1D::DoWLT(int Level, bool inverse) {
   int levels = std::max(Level, 1);
   if (inverse) {
     for (int length = 2; length <= FNumData && levels > 0; length *= 2, --levels) {
-      PartialWLT(length, 0, true, scratch);
+      PartialWLT(length, 0, true, std::span(scratch));
     }
   } else {
     for (int length = FNumData; length >= 2 && levels > 0; length /= 2, --levels) {
-      PartialWLT(length, 0, false, scratch);
+      PartialWLT(length, 0, false, std::span(scratch));
     }
   }
 }
@@ -109,7 +110,7 @@ void TWavelet1D::InverseTransform(int Level) { DoWLT(Level, true); }
 
 void TWavelet1D::SingleStep(bool inverse) {
   TExtendedArray scratch = Zeros(FNumData / 2);
-  PartialWLT(FNumData, 0, inverse, scratch);
+  PartialWLT(FNumData, 0, inverse, std::span(scratch));
 }
 
 }  // namespace zel

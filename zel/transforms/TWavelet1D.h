@@ -5,9 +5,9 @@
 #include <cstdint>
 #include <span>
 #include <string_view>
-#include <vector>
 
 #include "zel/base/api.h"
+#include "zel/base/array.h"
 #include "zel/base/component.h"
 #include "zel/base/errors.h"
 #include "zel/base/types.h"
@@ -63,8 +63,8 @@ class ZEL_API TWavelet1D : public TComponent {
   void SetWaveletFam(TWaveletFamily f) { FWaveletFam = f; }
   /// The filters h_1..h_2K and g_1..g_2K, with g_(2K+1-j) = (-1)^j h_j. They are given to 16
   /// digits, so their sums of squares are 1 to within 1e-15.
-  [[nodiscard]] std::span<const Extended> LowPass() const { return FCoeffsLP; }
-  [[nodiscard]] std::span<const Extended> HighPass() const { return FCoeffsHP; }
+  [[nodiscard]] std::span<const Extended> LowPass() const { return std::span(FCoeffsLP); }
+  [[nodiscard]] std::span<const Extended> HighPass() const { return std::span(FCoeffsHP); }
 
   // Values.
 
@@ -75,7 +75,7 @@ class ZEL_API TWavelet1D : public TComponent {
   /// Nothing happens outside 1..Size.
   void SetDataVal(int ix, double v);
   /// All values, for reading; valid until the size changes.
-  [[nodiscard]] std::span<const Extended> Data() const { return FData; }
+  [[nodiscard]] std::span<const Extended> Data() const { return std::span(FData); }
 
   // Transforms. Each needs memory for half a signal for a while, and changes nothing if there is
   // none.
@@ -96,7 +96,7 @@ class ZEL_API TWavelet1D : public TComponent {
   void SingleStep(bool inverse);
 
  private:
-  using TExtendedArray = std::vector<Extended>;
+  using TExtendedArray = TDynArray<Extended, 1>;
 
   [[nodiscard]] TExtendedArray Zeros(int n) const;
   /// One step on the Len values after position Offset.
