@@ -42,7 +42,7 @@ TEST(WaveletCommand, TableAndPicture) {
   EXPECT_NE(std::string::npos,
             run.output.find("mean 48.61349 removed, 223 zeros added at the end\n"));
   // The cycle of eleven years.
-  EXPECT_NE(std::string::npos, run.output.find("  D3      8       8–16            64  212981     "
+  EXPECT_NE(std::string::npos, run.output.find("  D3      8       8–16            64  212981    "
                                                "47.46\n"))
       << run.output;
   const std::string picture = readBytes(folder.file("x.svg"));
