@@ -2,7 +2,6 @@
 // numbers are extended ones. Both transform in place, from a fresh copy each time.
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
 #include <map>
 #include <memory>
@@ -57,23 +56,26 @@ struct Rivals {
   }
 };
 
-/// Our filters end at a pair of values, the other library's start there, with the taps in the other
-/// order: its transform of the reversed signal has our coefficients, each level reversed, with the
-/// signs of the details for themselves.
+/// Our filters end at a pair of values, the other library's start there. Started t - 2 values
+/// later, its transform has our coefficients, but each level turned by t - 2 places; details may
+/// have the other sign.
 bool sameForward(Rivals& r) {
   const std::size_t n = r.copy.size();
+  const std::size_t turn = r.zel.LowPass().size() - 2;
   r.runZel(false);
-  std::reverse_copy(normalData(n).begin(), normalData(n).end(), r.copy.begin());
+  const auto& data = normalData(n);
+  std::rotate_copy(data.begin(), data.begin() + static_cast<std::ptrdiff_t>(turn), data.end(),
+                   r.copy.begin());
   r.gsl.forward(r.copy);
-  const double tolerance = 1e-13 * std::sqrt(static_cast<double>(n)) * 10;
-  for (std::size_t i = 0; i < n; ++i) {
-    const std::size_t first = std::bit_floor(i);
-    const std::size_t mirrored = i < 2 ? i : 3 * first - 1 - i;
-    const double wanted = std::abs(r.copy[mirrored]);
-    if (!(std::abs(std::abs(static_cast<double>(r.extendedCopy[i])) - wanted) <= tolerance))
-      return false;
+  const double tolerance = 1e-12 * std::sqrt(static_cast<double>(n));
+  for (std::size_t level = 1; level < n; level *= 2) {
+    for (std::size_t i = 0; i < level; ++i) {
+      const double wanted = std::abs(r.copy[level + i]);
+      const auto found = static_cast<double>(r.extendedCopy[level + (i + turn) % level]);
+      if (!(std::abs(std::abs(found) - wanted) <= tolerance)) return false;
+    }
   }
-  return true;
+  return std::abs(static_cast<double>(r.extendedCopy[0]) - r.copy[0]) <= tolerance;
 }
 
 /// Back from the transform.
