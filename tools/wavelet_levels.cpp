@@ -8,6 +8,7 @@
 
 #include "failure.h"
 #include "number_text.h"
+#include "zel/vector/Zel_vector.h"
 
 namespace tool {
 namespace {
@@ -35,16 +36,6 @@ double centreOfLevel(const zel::TWavelet1D& transform, const WaveletLevel& level
   return step * last + (step - 1) * low;
 }
 
-double meanOf(std::span<const double> series) {
-  double sum = 0;
-  // Divided first, so that the sum of large values stays in range; the rest corrects the rounding.
-  const auto n = static_cast<double>(series.size());
-  for (const double v : series) sum += v / n;
-  double rest = 0;
-  for (const double v : series) rest += (v - sum) / n;
-  return sum + rest;
-}
-
 }  // namespace
 
 WaveletLevels waveletLevels(std::span<const double> series, const std::string& what, int order,
@@ -64,7 +55,8 @@ WaveletLevels waveletLevels(std::span<const double> series, const std::string& w
   WaveletLevels result;
   result.samples = static_cast<int>(series.size());
   result.zeros = static_cast<int>(size) - result.samples;
-  result.mean = meanOf(series);
+  double variance = 0;
+  zel::TVector(series).MeanVar(0, 0, result.mean, variance);
   zel::TWavelet1D transform;
   transform.SetOrder(order);
   transform.SetSigExtMode(mode);
