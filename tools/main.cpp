@@ -29,6 +29,7 @@ constexpr const char* kHelp = R"(Examples:
   zel correlate data/iris.csv
   zel fit data/faithful.csv --x eruptions --y waiting
   zel pca data/iris.csv --color Species --plot iris_pca.png
+  zel wavelet data/sunspots.asc
   zel describe --help
 
 Exit status: 0 all done; 2 something failed, and one line on standard error
@@ -78,13 +79,15 @@ int main(int argc, char** argv) {
   tool::CorrelateOptions correlateOptions;
   tool::FitOptions fitOptions;
   tool::PcaOptions pcaOptions;
+  tool::WaveletOptions waveletOptions;
   const Command commands[] = {
       {tool::addDescribe(program, describeOptions),
        [&] { return tool::describe(describeOptions); }},
       {tool::addCorrelate(program, correlateOptions),
        [&] { return tool::correlate(correlateOptions); }},
       {tool::addFit(program, fitOptions), [&] { return tool::fit(fitOptions); }},
-      {tool::addPca(program, pcaOptions), [&] { return tool::pca(pcaOptions); }}};
+      {tool::addPca(program, pcaOptions), [&] { return tool::pca(pcaOptions); }},
+      {tool::addWavelet(program, waveletOptions), [&] { return tool::wavelet(waveletOptions); }}};
   const auto find = [&](auto&& condition) {
     return std::find_if(std::begin(commands), std::end(commands),
                         [&](const Command& command) { return condition(*command.app); });

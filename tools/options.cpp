@@ -80,6 +80,22 @@ Examples:
   zel pca data/USArrests.csv --mode covariance --json
 )";
 
+constexpr const char* kWaveletHelp = R"(
+The column is taken as a series of values at equal distances. Its mean is removed
+and zeros are added at its end up to the next power of two, which changes no
+energy. Level k of the details, Dk, holds the periods from 2^k to 2^(k+1) values,
+the approximations of the last level what is longer. The energy of a level is the
+sum of squares of its coefficients. With the mode wrap (before the series comes
+its end) the levels have the energy of the series together; zero and symmetric
+(before it come zeros, or its mirror image) change it near the start. Order 1 is
+the Haar wavelet. In the picture each level has a scale of its own.
+
+Examples:
+  zel wavelet data/sunspots.asc
+  zel wavelet data/sunspots.asc --order 3 --plot wavelet.png
+  zel wavelet data/airquality.csv --column Temp --levels 5 --json
+)";
+
 constexpr const char* kExitHelp = R"(
 Exit status: 0 all done; 2 a wrong argument, a file that cannot be read or
 written, bad data: one line on standard error says what, where and why.)";
@@ -180,6 +196,28 @@ CLI::App* addPca(CLI::App& program, PcaOptions& options) {
       ->option_text("COL");
   addPicture(*command, options.picture, "the scores of the first two components");
   addJson(*command, options.json);
+  return command;
+}
+
+CLI::App* addWavelet(CLI::App& program, WaveletOptions& options) {
+  CLI::App* command = addCommand(
+      program, "wavelet", "Wavelet transform of a column: energy by level, coefficients, picture",
+      options.file, kWaveletHelp);
+  command
+      ->add_option("--column", options.column,
+                   "the column of the series, by name or number, if there are several")
+      ->option_text("COL");
+  command->add_option("--order", options.order, "vanishing moments of the wavelet, 1 to 3 [2]")
+      ->check(CLI::Range(1, 3))
+      ->option_text("K");
+  command->add_option("--levels", options.levels, "so many levels [all]")
+      ->check(CLI::Range(1, 23))
+      ->option_text("L");
+  command->add_option("--mode", options.mode, "wrap, zero or symmetric [wrap]")
+      ->option_text("MODE");
+  addPicture(*command, options.picture, "the series and the coefficients by level");
+  addJson(*command, options.json);
+  command->add_flag("--ascii", options.ascii, "print dashes as ASCII characters");
   return command;
 }
 

@@ -16,4 +16,5 @@
 #include "zel/matrix/Zel_matrix.h"
 #include "zel/statistics/Zel_statis.h"
 #include "zel/transforms/Zel_fourier.h"
+#include "zel/transforms/Zel_wavelet.h"
 #include "zel/vector/Zel_vector.h"

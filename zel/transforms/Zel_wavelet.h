@@ -1,0 +1,5 @@
+/// @file
+/// Wavelet transforms.
+#pragma once
+
+#include "zel/transforms/TWavelet1D.h"
