@@ -29,6 +29,7 @@ constexpr const char* kHelp = R"(Examples:
   zel correlate data/iris.csv
   zel fit data/faithful.csv --x eruptions --y waiting
   zel pca data/iris.csv --color Species --plot iris_pca.png
+  zel spectrum data/sunspots.asc
   zel wavelet data/sunspots.asc
   zel describe --help
 
@@ -79,6 +80,7 @@ int main(int argc, char** argv) {
   tool::CorrelateOptions correlateOptions;
   tool::FitOptions fitOptions;
   tool::PcaOptions pcaOptions;
+  tool::SpectrumOptions spectrumOptions;
   tool::WaveletOptions waveletOptions;
   const Command commands[] = {
       {tool::addDescribe(program, describeOptions),
@@ -87,6 +89,8 @@ int main(int argc, char** argv) {
        [&] { return tool::correlate(correlateOptions); }},
       {tool::addFit(program, fitOptions), [&] { return tool::fit(fitOptions); }},
       {tool::addPca(program, pcaOptions), [&] { return tool::pca(pcaOptions); }},
+      {tool::addSpectrum(program, spectrumOptions),
+       [&] { return tool::spectrum(spectrumOptions); }},
       {tool::addWavelet(program, waveletOptions), [&] { return tool::wavelet(waveletOptions); }}};
   const auto find = [&](auto&& condition) {
     return std::find_if(std::begin(commands), std::end(commands),

@@ -80,6 +80,23 @@ Examples:
   zel pca data/USArrests.csv --mode covariance --json
 )";
 
+constexpr const char* kSpectrumHelp = R"(
+The column is taken as a series of values at equal distances of time. Its mean is
+removed, the window put over it, and zeros are added at its end to at least three
+times its length; then it is transformed. A line is shown if its magnitude exceeds
+that of its neighbours, the strongest first. The magnitude is the amplitude of a
+cosine of that frequency in the series, the phase that of the cosine at the first
+value, in degrees. Frequencies are in cycles per unit of the sample time. The
+window rectangle has the narrowest lines, but shows small ones beside each strong
+one that are not in the series; harris and nuttall have the widest lines and the
+least of those. Numbers beside the lines of the picture are periods.
+
+Examples:
+  zel spectrum data/sunspots.asc
+  zel spectrum data/sunspots.asc --window hamming --plot spectrum.png
+  zel spectrum data/airquality.csv --column Temp --sample-time 1 --json
+)";
+
 constexpr const char* kWaveletHelp = R"(
 The column is taken as a series of values at equal distances. Its mean is removed
 and zeros are added at its end up to the next power of two, which changes no
@@ -119,6 +136,14 @@ void addColumns(CLI::App& command, std::vector<std::string>& columns) {
                   "take only these columns, each by its name or its number in the file")
       ->allow_extra_args(false)
       ->option_text("NAME,...");
+}
+
+/// The option that chooses the column of a series, for seriesOf.
+void addSeries(CLI::App& command, std::string& column) {
+  command
+      .add_option("--column", column,
+                  "the column of the series, by name or number, if there are several")
+      ->option_text("COL");
 }
 
 void addPicture(CLI::App& command, std::string& picture, const std::string& what) {
@@ -199,14 +224,28 @@ CLI::App* addPca(CLI::App& program, PcaOptions& options) {
   return command;
 }
 
+CLI::App* addSpectrum(CLI::App& program, SpectrumOptions& options) {
+  CLI::App* command =
+      addCommand(program, "spectrum", "Spectrum of a column: strongest lines, picture",
+                 options.file, kSpectrumHelp);
+  addSeries(*command, options.column);
+  command->add_option("--sample-time", options.sampleTime, "time between two values [1]")
+      ->option_text("T");
+  command->add_option("--window", options.window, windowWords() + " [cos2]")->option_text("NAME");
+  command->add_option("--lines", options.lines, "show at most so many lines [10]")
+      ->check(CLI::Range(1, 1000))
+      ->option_text("N");
+  addPicture(*command, options.picture, "the series and its spectrum");
+  addJson(*command, options.json);
+  command->add_flag("--ascii", options.ascii, "print no degree signs");
+  return command;
+}
+
 CLI::App* addWavelet(CLI::App& program, WaveletOptions& options) {
   CLI::App* command = addCommand(
       program, "wavelet", "Wavelet transform of a column: energy by level, coefficients, picture",
       options.file, kWaveletHelp);
-  command
-      ->add_option("--column", options.column,
-                   "the column of the series, by name or number, if there are several")
-      ->option_text("COL");
+  addSeries(*command, options.column);
   command->add_option("--order", options.order, "vanishing moments of the wavelet, 1 to 3 [2]")
       ->check(CLI::Range(1, 3))
       ->option_text("K");

@@ -6,6 +6,7 @@
 #include "describe.h"
 #include "fit.h"
 #include "pca.h"
+#include "spectrum.h"
 #include "wavelet.h"
 
 namespace CLI {
@@ -20,6 +21,7 @@ CLI::App* addDescribe(CLI::App& program, DescribeOptions& options);
 CLI::App* addCorrelate(CLI::App& program, CorrelateOptions& options);
 CLI::App* addFit(CLI::App& program, FitOptions& options);
 CLI::App* addPca(CLI::App& program, PcaOptions& options);
+CLI::App* addSpectrum(CLI::App& program, SpectrumOptions& options);
 CLI::App* addWavelet(CLI::App& program, WaveletOptions& options);
 
 }  // namespace tool

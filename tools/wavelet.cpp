@@ -2,7 +2,6 @@
 
 #include <cmath>
 #include <optional>
-#include <span>
 #include <utility>
 #include <vector>
 
@@ -11,11 +10,11 @@
 #include "gnuplot.h"
 #include "json.h"
 #include "number_text.h"
+#include "series.h"
 #include "table_file.h"
 #include "text_histogram.h"
 #include "text_table.h"
 #include "utf8.h"
-#include "variable.h"
 #include "wavelet_levels.h"
 #include "wavelet_picture.h"
 
@@ -27,15 +26,6 @@ zel::TWLSigExtMode modeOf(const std::string& word) {
   if (word == "zero") return zel::wseZeroPad;
   if (word == "symmetric") return zel::wseSymmetric;
   throw Failure("--mode: " + inQuotes(word) + " is none of wrap, zero and symmetric");
-}
-
-std::size_t columnOf(const Table& file, const std::string& wanted) {
-  if (!wanted.empty()) return chooseColumn(file, wanted, "--column");
-  if (file.columns.size() > 1) {
-    throw Failure(file.source + " has " + std::to_string(file.columns.size()) +
-                  " columns of numbers; --column chooses one");
-  }
-  return 0;
 }
 
 /// What the transform is one of.
@@ -136,20 +126,13 @@ Result wavelet(const WaveletOptions& options) {
     requireDifferentFiles(options.file, options.picture);
   }
   const Table file = readTable(options.file);
-  const std::size_t c = columnOf(file, options.column);
-  const Column& column = file.columns[c];
-  const std::string what =
-      file.source + (column.name.empty() ? "" : ", column " + inQuotes(column.name));
-  if (!column.missingRows.empty()) {
-    throw Failure(what + ": row " + std::to_string(column.missingRows[0]) +
-                  " has no value, and a transform takes a series without gaps");
-  }
-  const std::span<const double> series = file.values->Column(static_cast<int>(c) + 1);
-  const WaveletLevels transform = waveletLevels(series, what, options.order, options.levels, mode);
-  const std::string title = column.title();
+  const Series series = seriesOf(file, options.column);
+  const WaveletLevels transform =
+      waveletLevels(series.values, series.what, options.order, options.levels, mode);
+  const std::string& title = series.title;
   if (!options.picture.empty()) {
-    drawWavelet(options.picture, pictureTitle(file), title, methodText(transform, options), series,
-                transform, mode == zel::wseWrap);
+    drawWavelet(options.picture, pictureTitle(file), title, methodText(transform, options),
+                series.values, transform, mode == zel::wseWrap);
   }
   if (options.json) return {jsonText(file, title, transform, options), ""};
   std::string text = tableText(file, title, transform, options);

@@ -7,12 +7,10 @@
 
 #include "gnuplot.h"
 #include "number_text.h"
+#include "series.h"
 
 namespace tool {
 namespace {
-
-/// More marks than this, side by side, would not be told apart.
-constexpr std::size_t kMostMarks = 1500;
 
 /// Uses the variables and the data that the caller puts before it.
 constexpr const char* kSeries = R"(
@@ -60,24 +58,6 @@ struct Extent {
   }
 };
 
-/// A long series as the extremes of its parts.
-std::string seriesBlock(std::span<const double> series) {
-  const std::size_t part = (series.size() + kMostMarks - 1) / kMostMarks;
-  std::string block = "$series << EOD\n";
-  const auto add = [&](std::size_t i) {
-    block += std::to_string(i + 1) + ' ' + shortest(series[i]) + '\n';
-  };
-  for (std::size_t first = 0; first < series.size(); first += part) {
-    const auto values = series.subspan(first, std::min(part, series.size() - first));
-    const auto [least, most] = std::minmax_element(values.begin(), values.end());
-    const auto a = static_cast<std::size_t>(least - values.begin()) + first;
-    const auto b = static_cast<std::size_t>(most - values.begin()) + first;
-    add(std::min(a, b));
-    if (a != b) add(std::max(a, b));
-  }
-  return block + "EOD\n";
-}
-
 /// Bars up and down from the height of the level, those of one place merged.
 std::string marksOf(const WaveletLevel& level, double height, int samples, int size, bool wraps) {
   double largest = 0;
@@ -85,7 +65,7 @@ std::string marksOf(const WaveletLevel& level, double height, int samples, int s
   // Full bars of nothing but rounding would mislead.
   if (!(level.share > 1e-20)) return "";
   const double step = std::ldexp(1, level.level);
-  const double width = std::max(step, samples / static_cast<double>(kMostMarks));
+  const double width = std::max(step, samples / static_cast<double>(kMostPlaces));
   std::vector<Extent> bars(static_cast<std::size_t>(samples / width) + 1);
   std::vector<double> places(bars.size(), -1);
   for (std::size_t i = 0; i < level.coefficients.size(); ++i) {
@@ -140,7 +120,7 @@ void drawWavelet(const std::string& fileName, const std::string& title, const st
   const double levelsHeight = 0.42 * static_cast<double>(count) + 0.2;
   const double height = kHead + kSeriesHeight + kGap + levelsHeight + kFoot;
   const auto fromTop = [&](double inches) { return shortest(1 - inches / height); };
-  const std::string script = seriesBlock(series) + marks + smooth + zero + "EOD\n" +
+  const std::string script = curveBlock("$series", series, 1, 1) + marks + smooth + zero + "EOD\n" +
                              gnuplotVariable("title", gnuplotText(title, 95)) +
                              gnuplotVariable("subtitle", gnuplotText(subtitle, 110)) +
                              gnuplotVariable("yTitle", gnuplotText(yTitle, 24)) +

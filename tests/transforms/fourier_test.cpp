@@ -187,6 +187,13 @@ TEST(FastFourier, Windows) {
       }
       F.Transform();
       F.InverseTransform();
+      if (kind != fwTriangle && kind != fwUserDef && n > 1) {
+        for (int i = 1; i <= n; i += 7) {
+          const double t = (i - n / 2.0) / n;
+          ASSERT_NEAR(TFastFourier::WeightAt(kind, t), static_cast<double>(weight(kind, i, n)),
+                      4e-16);
+        }
+      }
       for (int i = 1; i <= n; ++i) {
         const auto w = static_cast<double>(n == 1 ? 1 : weight(kind, i, n));
         const double bound = 2e-15 * (kind == fwUserDef ? n : 1);
@@ -194,6 +201,13 @@ TEST(FastFourier, Windows) {
         ASSERT_NEAR(F.GetImagVal(i), 2 * w, bound) << window << " " << n << " " << i;
       }
     }
+  }
+}
+
+TEST(FastFourier, WeightsOutside) {
+  EXPECT_EQ(TFastFourier::WeightAt(fwTriangle, -0.25), 0.5);
+  for (const double t : {0.51, -0.51, std::nan("")}) {
+    EXPECT_EQ(TFastFourier::WeightAt(fwRectangle, t), 0);
   }
 }
 

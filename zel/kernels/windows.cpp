@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstddef>
+#include <numbers>
 
 #include "zel/kernels/double_double.h"
 #include "zel/kernels/roots_of_unity.h"
@@ -42,6 +43,14 @@ DoubleDouble exponential(DoubleDouble x) {
 }
 
 }  // namespace
+
+double cosineSum(const std::array<double, 4>& a, double t) {
+  const double cosine = std::cos(2 * std::numbers::pi * t);
+  // cos 2x and cos 3x by cos x
+  const double twice = 2 * cosine * cosine - 1;
+  const double thrice = (2 * twice - 1) * cosine;
+  return a[0] + a[1] * cosine + a[2] * twice + a[3] * thrice;
+}
 
 void cosineSumWindow(double* data, int bits, const std::array<double, 4>& a) {
   const RootsOfUnity roots(bits);

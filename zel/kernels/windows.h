@@ -9,6 +9,9 @@
 
 namespace zel::kernels {
 
+/// a[0] + a[1] cos(2 pi t) + a[2] cos(4 pi t) + a[3] cos(6 pi t), for any t.
+[[nodiscard]] double cosineSum(const std::array<double, 4>& a, double t);
+
 /// Weights a[0] + a[1] cos(2 pi t) + a[2] cos(4 pi t) + a[3] cos(6 pi t).
 /// @throws std::bad_alloc  with data unchanged
 void cosineSumWindow(double* data, int bits, const std::array<double, 4>& a);

@@ -1,6 +1,7 @@
 #include "zel/transforms/TFastFourier.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
 #include <cstddef>
@@ -17,6 +18,22 @@
 namespace zel {
 
 namespace {
+
+/// The windows that are sums of cosines.
+constexpr std::array<double, 4> cosinesOf(TFastFourierWgtWin window) {
+  switch (window) {
+    case fwHamming:
+      return {0.543478261, 0.456521739};
+    case fwBlackman:
+      return {0.42659, 0.49656, 0.076848};
+    case fwBlkmHarris:
+      return {0.35875, 0.48829, 0.14128, 0.01168};
+    case fwBlkmNuttall:
+      return {0.3635819, 0.4891775, 0.1365995, 0.0106411};
+    default:
+      return {1};
+  }
+}
 
 int bitsOf(int n) { return std::countr_zero(static_cast<unsigned>(n)); }
 
@@ -43,6 +60,15 @@ void TFastFourier::SetNumData(int n) {
   FWork = {};
   FNumData = n;
   MaxValuesValid = false;
+}
+
+double TFastFourier::WeightAt(TFastFourierWgtWin w, double t) {
+  if (!(std::abs(t) <= 0.5)) return 0;
+  if (w == fwTriangle) return 1 - 2 * std::abs(t);
+  if (w == fwGauss) return std::exp(-18 * t * t);
+  if (w != fwCos2) return kernels::cosineSum(cosinesOf(w), t);
+  const double cosine = std::cos(std::numbers::pi * t);
+  return cosine * cosine;
 }
 
 template <class Work>
@@ -109,13 +135,10 @@ void TFastFourier::ApplyWindow() {
     case fwGauss:
       return kernels::gaussWindow(data, bits);
     case fwHamming:
-      return kernels::cosineSumWindow(data, bits, {0.543478261, 0.456521739});
     case fwBlackman:
-      return kernels::cosineSumWindow(data, bits, {0.42659, 0.49656, 0.076848});
     case fwBlkmHarris:
-      return kernels::cosineSumWindow(data, bits, {0.35875, 0.48829, 0.14128, 0.01168});
     case fwBlkmNuttall:
-      return kernels::cosineSumWindow(data, bits, {0.3635819, 0.4891775, 0.1365995, 0.0106411});
+      return kernels::cosineSumWindow(data, bits, cosinesOf(FWgtWin));
     case fwUserDef:
       for (std::size_t i = 0; i < FUserWgt.size(); ++i) {
         data[2 * i] *= FUserWgt[i];

@@ -72,6 +72,9 @@ class ZEL_API TFastFourier : public TComponent {
   [[nodiscard]] TFastFourierWgtWin WeightingWindow() const { return FWgtWin; }
   /// The window that Transform applies.
   void SetWgtWin(TFastFourierWgtWin w) { FWgtWin = w; }
+  /// The weight of a window at t in [-1/2, 1/2], 0 outside, to put it over a part of the signal by
+  /// fwUserDef; fwTriangle is 1 - 2 |t| here, fwUserDef 1.
+  [[nodiscard]] static double WeightAt(TFastFourierWgtWin w, double t);
 
   // The signal.
 
