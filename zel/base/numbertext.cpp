@@ -1,18 +1,24 @@
 #include "zel/base/numbertext.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
+#include <cstddef>
 #include <limits>
+#include <system_error>
+#include <utility>
 
+#include "zel/base/ascii_impl.h"
+#include "zel/base/numbertext_impl.h"
 #include "zel/base/textreading.h"
 
 namespace zel {
 namespace {
 
-constexpr int kMostDecimals = 16445;
+using detail::isDigit;
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
+constexpr int kMostDecimals = 16445;
 
 /// Power of ten of the leading non-zero digit of a well-formed unsigned number. Only its sign is of
 /// interest, so an exponent beyond any double may be cut.
@@ -44,41 +50,98 @@ std::string padded(const std::string& text, std::size_t width) {
   return text.size() < width ? std::string(width - text.size(), ' ') + text : text;
 }
 
+/// Right-aligned in at least width characters.
 template <class F>
-std::string fixedText(F x, int decimals) {
-  if (!std::isfinite(x)) return specialWord(x);
+std::string fixedText(F x, int decimals, std::size_t width = 0) {
+  if (!std::isfinite(x)) return padded(specialWord(x), width);
   decimals = std::clamp(decimals, 0, kMostDecimals);
-  std::string text(32 + static_cast<std::size_t>(decimals), '\0');
+  // Without an allocation for what is usually written; the rest is tried with growing room.
+  std::array<char, 64> near;
+  std::string far;
+  char* first = near.data();
+  std::size_t room = near.size();
   for (;;) {
-    char* const last = text.data() + text.size();
-    const auto result = std::to_chars(text.data(), last, x, std::chars_format::fixed, decimals);
+    const auto result = std::to_chars(first, first + room, x, std::chars_format::fixed, decimals);
     if (result.ec == std::errc()) {
-      text.resize(static_cast<std::size_t>(result.ptr - text.data()));
+      const auto length = static_cast<std::size_t>(result.ptr - first);
+      std::string text(std::max(length, width), ' ');
+      std::copy_n(first, length, text.end() - static_cast<std::ptrdiff_t>(length));
       return text;
     }
-    // Only numbers with many digits before the point come here.
-    text.resize(text.size() + std::numeric_limits<F>::max_exponent10 + 1);
+    far.resize(std::max(room, static_cast<std::size_t>(decimals)) +
+               std::numeric_limits<F>::max_exponent10);
+    first = far.data();
+    room = far.size();
   }
+}
+
+template <class F>
+detail::SignificantDigits digitsOf(F x, int count) {
+  // Beside the digits: the point, "e", the sign and up to four digits of the exponent.
+  std::string text(static_cast<std::size_t>(count) + 8, '\0');
+  char* const last = text.data() + text.size();
+  const auto end =
+      std::to_chars(text.data(), last, std::abs(x), std::chars_format::scientific, count - 1).ptr;
+  const std::size_t mark = text.find('e');
+  detail::SignificantDigits number;
+  const char* const exponent = text.data() + mark + 1;
+  std::from_chars(exponent + (*exponent == '+' ? 1 : 0), end, number.exponent);
+  text.resize(mark);
+  if (count > 1) text.erase(1, 1);
+  number.digits = std::move(text);
+  return number;
+}
+
+/// Sign or blank, digits with a point behind the first, "E", sign and at least the given number of
+/// digits of the exponent; in width characters.
+std::string expText(Extended x, int width, int exponentDigits) {
+  const auto field = static_cast<std::size_t>(width);
+  if (!std::isfinite(x)) return padded(specialWord(x), field);
+  const int frame = 5 + exponentDigits;  // sign, digit, point, "E", sign of the exponent
+  const auto [digits, exponent] = detail::significantDigits(x, width - frame + 1);
+  const std::string power = std::to_string(std::abs(exponent));
+  std::string text;
+  text.reserve(field);
+  text += std::signbit(x) ? '-' : ' ';
+  text += digits[0];
+  text += '.';
+  text.append(digits, 1);
+  text += 'E';
+  text += exponent < 0 ? '-' : '+';
+  text.append(static_cast<std::size_t>(exponentDigits) - power.size(), '0');
+  return text += power;
 }
 
 }  // namespace
 
-std::optional<double> ParseNumber(std::string_view word) {
-  if (word.starts_with('+')) {
-    word.remove_prefix(1);
-    if (word.starts_with('-')) return std::nullopt;
-  }
-  const std::string_view magnitude = word.substr(word.starts_with('-') ? 1 : 0);
-  if (magnitude.empty() || (!isDigit(magnitude[0]) && magnitude[0] != '.')) return std::nullopt;
-  double x = 0;
-  const char* const last = word.data() + word.size();
-  const auto [end, error] = std::from_chars(word.data(), last, x);
-  if (end != last || error == std::errc::invalid_argument) return std::nullopt;
+std::size_t detail::scanNumber(std::string_view text, std::chars_format format, double& x) {
+  const std::size_t plus = text.starts_with('+') ? 1 : 0;
+  text.remove_prefix(plus);
+  const bool negative = plus == 0 && text.starts_with('-');
+  const std::string_view magnitude = text.substr(negative ? 1 : 0);
+  // Keeps out the words for infinity and not-a-number, and a second sign.
+  if (magnitude.empty() || (!isDigit(magnitude[0]) && magnitude[0] != '.')) return 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), x, format);
+  if (error == std::errc::invalid_argument) return 0;
+  const auto length = static_cast<std::size_t>(end - text.data());
   if (error == std::errc::result_out_of_range) {
-    if (decimalExponent(magnitude) > 0) return std::nullopt;
-    return word[0] == '-' ? -0.0 : 0.0;
+    const bool large = decimalExponent(text.substr(0, length).substr(negative ? 1 : 0)) > 0;
+    x = large ? std::numeric_limits<double>::infinity() : 0.0;
+    if (negative) x = -x;
   }
-  if (std::isinf(x)) return std::nullopt;
+  return plus + length;
+}
+
+detail::SignificantDigits detail::significantDigits(Extended x, int count) {
+  // The digits of a double have a faster exact method.
+  const auto narrow = static_cast<double>(x);
+  return narrow == x ? digitsOf(narrow, count) : digitsOf(x, count);
+}
+
+std::optional<double> ParseNumber(std::string_view word) {
+  double x = 0;
+  const std::size_t length = detail::scanNumber(word, std::chars_format::general, x);
+  if (length == 0 || length != word.size() || std::isinf(x)) return std::nullopt;
   return x;
 }
 
@@ -90,32 +153,17 @@ bool ReadNumber(std::istream& in, double& x) {
 
 std::string FormatFixed(double x, int decimals) { return fixedText(x, decimals); }
 
-std::string FormatExp(double x, int width) {
-  width = std::clamp(width, 9, 1100);
-  const auto field = static_cast<std::size_t>(width);
-  if (!std::isfinite(x)) return padded(specialWord(x), field);
-  constexpr int kFrame = 8;  // sign, digit, point, "E", exponent sign and digits
-  std::string digits(field + 8, '\0');
-  char* const last = digits.data() + digits.size();
-  const auto result = std::to_chars(digits.data(), last, std::abs(x), std::chars_format::scientific,
-                                    width - kFrame);
-  digits.resize(static_cast<std::size_t>(result.ptr - digits.data()));
-  const std::size_t mark = digits.find('e');
-  std::string text(1, std::signbit(x) ? '-' : ' ');
-  text.append(digits, 0, mark);
-  text += 'E';
-  text += digits[mark + 1];
-  // to_chars writes two exponent digits where two are enough.
-  if (digits.size() - mark < 5) text += '0';
-  text.append(digits, mark + 2);
-  return text;
+std::string FormatExp(double x, int width) { return expText(x, std::clamp(width, 9, 1100), 3); }
+
+std::string FormatExtendedExp(Extended x, int width) {
+  return expText(x, std::clamp(width, 10, 12000), 4);
 }
 
 std::string strff(Extended x, int w, int d) {
   const auto narrow = static_cast<double>(x);
+  const auto width = static_cast<std::size_t>(std::max(w, 0));
   // The text of a double has a faster exact method.
-  return padded(narrow == x ? fixedText(narrow, d) : fixedText(x, d),
-                static_cast<std::size_t>(std::max(w, 0)));
+  return narrow == x ? fixedText(narrow, d, width) : fixedText(x, d, width);
 }
 
 }  // namespace zel

@@ -36,8 +36,14 @@ ZEL_API bool ReadNumber(std::istream& in, double& x);
 /// @param width  limited to 9..1100
 [[nodiscard]] ZEL_API std::string FormatExp(double x, int width);
 
+/// The same for an extended value with four digits of the exponent (" 1.5000E+0002" for 13). From
+/// width 29 on the text determines the number.
+/// @param width  limited to 10..12000; no extended number has more digits
+[[nodiscard]] ZEL_API std::string FormatExtendedExp(Extended x, int width);
+
 /// Fixed-point text of an extended value: FormatFixed padded on the left with blanks to at least w
-/// characters. A double is converted exactly, so its text is that of the double.
+/// characters. A double is converted exactly, so its text is that of the double. Huge values are
+/// written out, up to 4933 digits before the point, and w has no upper limit but the memory.
 /// @param d  decimals, limited to 0..16445
 [[nodiscard]] ZEL_API std::string strff(Extended x, int w, int d);
 

@@ -1,6 +1,7 @@
 /// @file
 /// Elementary numeric routines: compensated summation, sorting and selection of plain arrays,
-/// interpolation, axis scaling, integers and bits, random deviates, elementary functions.
+/// interpolation, axis scaling, integers and bits, random deviates, elementary functions; numbers,
+/// angles and dates as text.
 ///
 /// The routines keep no state and may run on several threads at once, except GRandom, LongRand and
 /// the other random routines, which share process-wide generators, and the sorts, which add to the
@@ -12,6 +13,8 @@
 #include "zel/foundation/bitpatterns.h"
 #include "zel/foundation/bits.h"
 #include "zel/foundation/bounds.h"
+#include "zel/foundation/datescanner.h"
+#include "zel/foundation/degreescanner.h"
 #include "zel/foundation/elementary.h"
 #include "zel/foundation/exchange.h"
 #include "zel/foundation/geometry.h"
@@ -19,6 +22,8 @@
 #include "zel/foundation/integertext.h"
 #include "zel/foundation/interpolation.h"
 #include "zel/foundation/kahan.h"
+#include "zel/foundation/numberformats.h"
+#include "zel/foundation/numberscanners.h"
 #include "zel/foundation/polynomial.h"
 #include "zel/foundation/randoms.h"
 #include "zel/foundation/scaling.h"
