@@ -11,6 +11,7 @@
 #include "zel/base/Zel_univconst.h"
 #include "zel/base/Zel_zelbase.h"
 #include "zel/base/Zel_zelcolors.h"
+#include "zel/datatable/Zel_datatable.h"
 #include "zel/foundation/Zel_complex.h"
 #include "zel/foundation/Zel_math1.h"
 #include "zel/matrix/Zel_matrix.h"

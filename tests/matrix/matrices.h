@@ -50,7 +50,7 @@ class WithProgress : public testing::Test {
 /// for operator new: each failure must raise the message, and `check` must find everything as it
 /// was. At least one allocation must fail.
 /// @param prepare  runs before each attempt
-template <class Operation, class Check, class Prepare = void (*)()>
+template <class Error = EZELMatrixError, class Operation, class Check, class Prepare = void (*)()>
 void expectFailuresHarmless(
     Operation&& operation, const std::string& message, Check&& check, Prepare&& prepare = [] {}) {
   int failures = 0;
@@ -62,7 +62,7 @@ void expectFailuresHarmless(
         const auto failing = fail(k);
         operation();
         return;
-      } catch (const EZELMatrixError& error) {
+      } catch (const Error& error) {
         std::snprintf(caught, sizeof caught, "%s", error.what());
       }
       ++failures;

@@ -9,4 +9,5 @@
 #include "zel/base/progress.h"
 #include "zel/base/random.h"
 #include "zel/base/rounding.h"
+#include "zel/base/shortstring.h"
 #include "zel/base/types.h"

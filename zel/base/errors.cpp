@@ -11,6 +11,7 @@ EInOutError::~EInOutError() = default;
 EZELMath1Error::~EZELMath1Error() = default;
 EZELVectorError::~EZELVectorError() = default;
 EZELMatrixError::~EZELMatrixError() = default;
+EZELDataTableError::~EZELDataTableError() = default;
 EZELMath2Error::~EZELMath2Error() = default;
 EZELMathExp::~EZELMathExp() = default;
 EZELComplexError::~EZELComplexError() = default;

@@ -70,6 +70,13 @@ class ZEL_API EZELMatrixError : public EZELError {
   ~EZELMatrixError() override;
 };
 
+/// Raised by the data table.
+class ZEL_API EZELDataTableError : public EZELError {
+ public:
+  using EZELError::EZELError;
+  ~EZELDataTableError() override;
+};
+
 /// Raised by curve fitting and multivariate analysis.
 class ZEL_API EZELMath2Error : public EZELError {
  public:

@@ -1,0 +1,408 @@
+#include "zel/datatable/Zel_datatable.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <random>
+#include <stdexcept>
+
+#include "tests/datatable/table_model.h"
+#include "tests/matrix/matrices.h"
+#include "tests/support/expect_message.h"
+
+namespace zel::test {
+namespace {
+
+// Every operation on structure and cells, in random order, beside the plain model: the whole state
+// and all events agree after each.
+TEST(DataTable, FollowsThePlainModel) {
+  for (unsigned seed = 1; seed <= 12; ++seed) {
+    std::mt19937 random(seed);
+    const auto draw = [&](int low, int high) {
+      return std::uniform_int_distribution<int>(low, high)(random);
+    };
+    TMatrix external;
+    TDataTable table;  // half of the runs use a borrowed matrix
+    if (seed % 2 == 0) table.AssignAnotherDataMatrix(&external);
+    TableModel model;
+    recordEvents(table, model.events);
+    for (int step = 0; step < 700; ++step) {
+      std::string events;
+      recordEvents(table, events);
+      model.events.clear();
+      const int nc = model.nCols(), nr = model.nRows();
+      const int c = draw(1, nc), r = draw(1, nr), c2 = draw(c, nc), r2 = draw(r, nr);
+      const int anyCol = draw(0, nc + 2), anyRow = draw(0, nr + 2);
+      const int x = draw(0, 8), y = draw(-2, 9), mask = draw(0, 255), op = draw(0, 40);
+      const auto byte = static_cast<std::uint8_t>(op > 30 ? 1 << (mask % 16) : mask);
+      if (op < 2) table.Resize(x, y), model.resize(x, y);
+      if (op == 2 || op == 3) table.InsertRow(anyRow), model.insertRow(anyRow);
+      if (op == 4 || op == 5) table.InsertColumn(anyCol), model.insertColumn(anyCol);
+      if (op == 6) table.RemoveRow(anyRow), model.removeRow(anyRow);
+      if (op == 7) table.RemoveColumn(anyCol), model.removeColumn(anyCol);
+      if (op == 8) {
+        EXPECT_EQ(table.RemoveMarkedRows(0, 0, byte), model.removeMarkedRows(0, 0, mask));
+      }
+      if (op == 9) {
+        EXPECT_EQ(table.RemoveMarkedRows(anyRow, r, byte), model.removeMarkedRows(anyRow, r, mask));
+      }
+      if (op == 10) table.ExchangeColumns(anyCol, c), model.exchange(false, anyCol, c);
+      if (op == 11) table.ExchangeRows(anyRow, r), model.exchange(true, anyRow, r);
+      if (op == 12) table.MirrorColumns(), model.mirror(false);
+      if (op == 13) table.MirrorRows(), model.mirror(true);
+      if (op == 14 && x == 0) table.Clear(), model.clear();
+      if (op == 15 && nc * nr < 40) table.Serialize(x > 4, y > 4), model.serialize(x > 4, y > 4);
+      if (op == 16 || op == 17) {  // within the table, overlapping; bounds reversed
+        table.CopyFrom(&table, c2, r2, c, r, x - 2, y), model.copyFrom(c, r, c2, r2, x - 2, y);
+      }
+      if (op == 18) table.SetMScaleType(c, model.setScale(c, static_cast<TMScaleType>(x % 5)));
+      if (op == 19) table.SetColAttrib(c, y), table.SetRowAttrib(r, x), model.attribute(c, r, y, x);
+      if (op == 20) {
+        const std::string name(static_cast<std::size_t>(mask / 4), 'x');
+        table.SetColName(c, name), table.SetRowName(r, name), model.setNames(c, r, name);
+      }
+      if (op == 21) table.SetNominalID(c, mask, "identifiers"), model.setIdentifier(c, mask);
+      if (op > 21) {
+        table.SetElem(c, r, mask / 2.0), table.SetCellState(c, r, byte);
+        model.setCell(c, r, mask / 2.0, byte);
+      }
+      ASSERT_EQ(events, model.events) << "seed " << seed << " step " << step << " operation " << op;
+      ASSERT_EQ(difference(table, model), "")
+          << "seed " << seed << " step " << step << " operation " << op;
+    }
+    TDataTable copy;
+    copy.Resize(3, 2);
+    std::string events;
+    recordEvents(copy, events);
+    copy.CopyContentsFrom(&table);
+    EXPECT_TRUE(events == "Z(3,2)DCSNAZ(3,2)" || events == "DCSNAZ(3,2)") << events;
+    for (auto& column : model.columns) column.round();
+    EXPECT_EQ(difference(copy, model), "");
+    EXPECT_EQ(copy.CRCofCellStates(), table.CRCofCellStates());
+    EXPECT_EQ(copy.CRCofNamesAndAttributes(), table.CRCofNamesAndAttributes());
+  }
+}
+
+TEST(DataTable, IndicesOutsideAreNeutral) {
+  TDataTable table;
+  EXPECT_EQ(table.GetColName(1), "C-1");
+  EXPECT_EQ(table.GetMScaleType(1), stInterval);
+  for (const int i : {-1, 0, 2, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()}) {
+    table.SetElem(i, 1, 5);
+    table.SetElem(1, i, 5);
+    table.SetCellState(1, i, 7);
+    table.SetIsEmpty(i, 1, true);
+    table.SetElemNominal(i, 1, "a");
+    table.SetColName(i, "a");
+    table.SetRowAttrib(i, 3);
+    table.InsertRow(i == 2 ? 0 : i);
+    table.RemoveColumn(i);
+    table.ExchangeRows(1, i);
+    EXPECT_EQ(table.GetElem(1, i), 0);
+    EXPECT_FALSE(table.GetIsNumber(1, i));
+    EXPECT_EQ(table.GetRowName(i), "");
+    EXPECT_EQ(table.GetMScaleType(i), stUnknown);
+    EXPECT_EQ(table.AddNominalID(i, "a"), 0);
+    EXPECT_FALSE(table.IfRowHasCellState(i, 255));
+    TDoubleArray untouched{1, 2};
+    EXPECT_EQ(table.CopyDataRowToArray(i, untouched), -1);
+    EXPECT_EQ(untouched.size(), 2U);
+  }
+  TableModel fresh;
+  EXPECT_EQ(difference(table, fresh), "");
+}
+
+TEST(DataTable, NamesAreCutAndFoundWithoutCaseAndBlanks) {
+  TDataTable table;
+  table.Resize(3, 2);
+  table.SetColName(1, std::string(51, 'a'));
+  EXPECT_EQ(table.GetColName(1).size(), 50U);
+  EXPECT_EQ(table.MaxColNameLength(), 50);
+  EXPECT_EQ(table.FindColIndex(std::string(70, 'A')), 1);
+  EXPECT_EQ(table.FindColIndex(" c-2 "), 2);
+  EXPECT_EQ(table.FindColIndex("\tc-2"), 0);
+  table.SetRowName(2, "  B ");
+  EXPECT_EQ(table.FindRowIndex("b"), 2);
+  table.SetFComment("one\ntwo");
+  EXPECT_EQ(table.Comment(), "onetwo");
+  table.SetColAttributes(0x0F);
+  table.SetColAttributes(0x50, 0xF0);
+  EXPECT_EQ(table.GetColAttrib(3), 0x5F);
+}
+
+TEST(DataTable, CategoriesFillAndOverflow) {
+  TDataTable table;
+  table.SetName("T");
+  table.Resize(2, 2);
+  EXPECT_EQ(table.OrdinalOfNominalID(1, "a", true), 0);
+  table.SetMScaleType(1, stOrdinal);
+  EXPECT_EQ(table.AddNominalID(1, "Identifier long"), 1);
+  EXPECT_EQ(table.GetMScaleType(1), stNominal);
+  EXPECT_EQ(table.AddNominalID(1, "identifier"), 1);
+  EXPECT_EQ(table.OrdinalOfNominalID(1, "identifier", false), 0);
+  for (int k = 2; k <= 150; ++k) table.SetElemNominal(1, 1, "k" + std::to_string(k));
+  EXPECT_EQ(table.GetElem(1, 1), 150);
+  EXPECT_EQ(table.GetElemNominal(1, 1), "k150");
+  std::string events;
+  recordEvents(table, events);
+  table.SetElemNominal(1, 2, "K7");
+  EXPECT_EQ(table.GetElem(1, 2), 7);
+  EXPECT_EQ(table.AddNominalID(1, "more"), 0);
+  EXPECT_THROW_MSG(table.SetElemNominal(1, 1, "more"), EZELDataTableError,
+                   "Component \"T\": number of available nominal values exceeded");
+  EXPECT_EQ(table.GetElem(1, 1), 150);
+  table.SetElem(1, 1, -1e300);
+  EXPECT_EQ(table.GetElemNominal(1, 1), "-214748364");
+  table.SetElem(1, 1, 2.5);
+  EXPECT_EQ(table.GetElem(1, 1), 2);
+  table.SetNominalID(2, 1, "no");  // an interval column
+  EXPECT_EQ(events, "DDD");
+  EXPECT_EQ(table.ListOfCategorialVars(), TIntArray{1});
+}
+
+TEST(DataTable, ContingencyTable) {
+  TDataTable table;
+  table.Resize(2, 5);
+  table.CopyDataFromArray(TInt2DArray{{1, 2, 2, 7, 3}, {2, 1, 1, 0, 1}});
+  TInt2DArray counts;
+  EXPECT_EQ(table.CreateContingencyTable(1, 3, 0, 0, counts), -1);
+  EXPECT_EQ(table.CreateContingencyTable(1, 2, 0, 0, counts), -2);
+  table.SetMScaleType(1, stNominal);
+  table.SetMScaleType(2, stOrdinal);
+  table.SetIsEmpty(1, 5, true);
+  EXPECT_EQ(table.CreateContingencyTable(1, 2, 0, 0, counts), -3);
+  EXPECT_EQ(counts, (TInt2DArray{{0, 1, 1}, {2, 0, 2}, {2, 1, 3}}));
+  EXPECT_EQ(table.CreateContingencyTable(1, 2, 1, 1, counts), 0);
+  EXPECT_EQ(counts, (TInt2DArray{{0, 1, 1}, {0, 1, 1}}));
+  TIntArray list;
+  EXPECT_EQ(table.ScanForCatValues(2, 0, 0, list), 1);
+  EXPECT_EQ(list[0], 3);
+  EXPECT_EQ(list.size(), 150U);
+}
+
+TEST(DataTable, StatesOfManyCells) {
+  TDataTable table;
+  table.Resize(2, 3);
+  table.SetCellState(2, 3, 64 + 4);
+  table.SetIsImputed(1, 1, true);
+  EXPECT_TRUE(table.IfAnyCellHasCellState(2, 2, 2, 3, 64));
+  EXPECT_FALSE(table.IfAnyCellHasCellState(1, 1, 2, 2, 64));
+  EXPECT_EQ(table.CountMarkedCellsInRow(3, 4), 1);
+  EXPECT_EQ(table.CountMarkedCellsInColumn(1, 32 + 64), 1);
+  std::string events;
+  recordEvents(table, events);
+  table.ExchangeMarkings();
+  EXPECT_EQ(table.GetCellState(2, 3), 128 + 4);
+  table.InvertCellStates(1);
+  table.UnmarkAllCells();
+  EXPECT_EQ(table.GetCellState(2, 3), 4 + 1);
+  EXPECT_FALSE(table.GetIsNumber(1, 2));
+  table.SetIsEmpty(1, 2, true);
+  table.SetIsEmpty(1, 2, true);
+  EXPECT_EQ(events, "CCCCD");
+  // A sort of the matrix takes the states along.
+  table.NumericData->SetVal(2, 1, 9);
+  table.NumericData->SortRows(2, false, 1, 1, 2, 3);
+  table.NumericData->SortRows(2, true, 1, 1, 2, 3);
+  for (int r = 1; r <= 3; ++r) {
+    EXPECT_EQ(table.GetElem(2, r) == 9, table.GetIsImputed(1, r)) << r;
+  }
+}
+
+/// The fingerprint by its definition.
+std::string plainFingerprint(const std::vector<std::string>& items) {
+  std::array<std::uint32_t, 8> registers;
+  registers.fill(0xFFFFFFFF);
+  for (const std::string& item : items) {
+    for (std::size_t p = 1; p <= item.size(); ++p) {
+      auto& crc = registers[p % 8];
+      crc = CalcNextCRC32(static_cast<std::uint8_t>(item[p - 1]), crc);
+    }
+  }
+  std::string text;
+  for (const std::uint32_t crc : registers) {
+    char digits[9];
+    std::snprintf(digits, sizeof digits, "%08X", ~crc);
+    text += digits;
+  }
+  return text;
+}
+
+TEST(DataTable, Fingerprints) {
+  for (const int rows : {1, 7, 8, 9, 5003}) {
+    TDataTable table;
+    table.Resize(3, rows);
+    std::mt19937 random(1);
+    std::vector<std::string> states(3);
+    for (int c = 1; c <= 3; ++c) {
+      for (int r = 1; r <= rows; ++r) {
+        table.SetCellState(c, r, static_cast<std::uint8_t>(random()));
+        states[static_cast<std::size_t>(c - 1)] += static_cast<char>(table.GetCellState(c, r));
+      }
+    }
+    EXPECT_EQ(table.CRCofCellStates(), plainFingerprint(states)) << rows;
+  }
+  TDataTable table;
+  table.Resize(2, 2);
+  table.SetFComment("a longer comment");
+  table.SetColAttrib(2, 0x1234);
+  table.SetRowAttrib(1, -1);
+  table.AddNominalID(2, "red");
+  table.SetNominalID(2, 5, "green");
+  const std::vector<std::string> items = {"a longer comment",
+                                          "C-1",
+                                          "C-2",
+                                          std::string("\0\x34", 2),
+                                          "R-1",
+                                          "R-2",
+                                          std::string("\xff\0", 2),
+                                          std::string("\3\1"),
+                                          "red",
+                                          "green"};
+  EXPECT_EQ(table.CRCofNamesAndAttributes(), plainFingerprint(items));
+}
+
+TEST(DataTable, BorrowedMatrixIsNeitherFreedNorCut) {
+  TMatrix first{{1, 2}, {3, 4}, {5, 6}};
+  TMatrix second{{7}};
+  const auto before = contents(first);
+  {
+    TDataTable table;
+    table.AddNominalID(1, "kept");
+    std::string events;
+    recordEvents(table, events);
+    table.AssignAnotherDataMatrix(&first);
+    EXPECT_EQ(events, "Z(1,1)Z(1,1)DSNAC");
+    EXPECT_EQ(table.GetElem(2, 3), 6);
+    EXPECT_EQ(table.GetMScaleType(1), stInterval);
+    EXPECT_EQ(table.CountNominalIDs(1), 1);
+    events.clear();
+    first.SetVal(1, 1, 1);
+    EXPECT_EQ(events, "D");
+    table.AssignAnotherDataMatrix(&second);
+    EXPECT_FALSE(first.OnChange);
+    EXPECT_EQ(contents(first), before);
+    EXPECT_EQ(table.GetElem(1, 1), 7);
+    table.OnChange = nullptr;
+    second.Resize(4, 4);  // not for others to do
+    table.InsertRow(1);
+    EXPECT_EQ(second.NrOfColumns(), 1);
+    EXPECT_EQ(table.GetElem(1, 2), 7);
+    table.AssignAnotherDataMatrix(nullptr);
+  }
+  EXPECT_FALSE(second.OnChange);
+  EXPECT_FALSE(second.OnSortExchange);
+  EXPECT_EQ(second.GetVal(1, 2), 7);
+}
+
+TEST(DataTable, AssignTakesHandlersAndKeepsTheMatrix) {
+  TDataTable source;
+  std::string events;
+  source.Resize(3, 2);
+  source.SetMScaleType(3, stNominal);
+  source.SetElem(3, 2, 2.5);
+  recordEvents(source, events);
+  TDataTable target;
+  TMatrix* const matrix = target.NumericData;
+  source.AssignTo(&target);
+  EXPECT_EQ(events, "");
+  EXPECT_EQ(target.NumericData, matrix);
+  EXPECT_EQ(matrix->GetVal(3, 2), 2.5);
+  int changes = 0;
+  target.OnChange = [&](TObject* Sender) { changes += Sender == &target ? 1 : 0; };
+  target.NumericData->SetVal(1, 1, 3);
+  EXPECT_EQ(changes, 1);
+  EXPECT_TRUE(target.OnResize);
+  EXPECT_EQ(source.GetElem(1, 1), 0);
+  TMatrix other;
+  EXPECT_THROW(target.Assign(&other), EConvertError);
+}
+
+TEST(DataTable, ArraysCoverTheCommonPart) {
+  TDataTable table;
+  table.Resize(2, 3);
+  std::string events;
+  recordEvents(table, events);
+  EXPECT_EQ(table.CopyDataFromArray(TDouble2DArray{{1, 2, 3, 4}, {5, 6, 7, 8}, {9, 9, 9, 9}}), -1);
+  EXPECT_EQ(table.CopyDataColumnFromArray(2, TDoubleArray{8}), 0);
+  EXPECT_EQ(table.CopyDataRowFromArray(3, TDoubleArray{0, 1, 2}), 0);
+  EXPECT_EQ(events, "DDD");
+  TDouble2DArray all;
+  table.CopyDataToArray(all);
+  EXPECT_EQ(all, (TDouble2DArray{{1, 2, 0}, {8, 6, 1}}));
+  TDoubleArray row;
+  EXPECT_EQ(table.CopyDataRowToArray(2, row), 0);
+  EXPECT_EQ(row, (TDoubleArray{2, 6}));
+}
+
+TEST(DataTable, ThrowingHandlersLeaveHandlersAndTableWhole) {
+  TMatrix matrix{{1, 2, 3}};
+  TDataTable table;
+  table.Resize(2, 2);
+  std::string events;
+  recordEvents(table, events);
+  table.OnResize = [](TObject*, int, int, int, int) { throw std::runtime_error("stop"); };
+  TDataTable source;
+  EXPECT_THROW(table.CopyContentsFrom(&source), std::runtime_error);
+  EXPECT_EQ(table.NrOfColumns(), 1);
+  EXPECT_THROW(table.Serialize(true, false), std::runtime_error);
+  EXPECT_EQ(table.GetColName(2), "(data)");
+  table.SetAllCellStates(64);
+  EXPECT_THROW(table.InsertRow(1), std::runtime_error);
+  EXPECT_THROW(table.RemoveMarkedRows(0, 0, 64), std::runtime_error);
+  EXPECT_THROW(table.AssignAnotherDataMatrix(&matrix), std::runtime_error);
+  EXPECT_EQ(table.GetElem(3, 1), 3);
+  events.clear();
+  matrix.SetVal(1, 1, 1);
+  table.ChangedSetup();
+  table.ChangedNames();
+  table.ChangedAttrib();
+  table.ChangedCellStates();
+  EXPECT_EQ(events, "DSNAC");
+}
+
+TEST(DataTable, FailedAllocationsChangeNothing) {
+  std::unique_ptr<TDataTable> table;
+  TableModel model;
+  TDataTable source;
+  source.Resize(40, 70);
+  const auto prepare = [&] {
+    table = std::make_unique<TDataTable>();
+    table->SetName("T");
+    table->Resize(2, 2);
+    table->SetElem(2, 2, 5);
+    table->SetCellState(2, 1, 64);
+    model = TableModel();
+    model.setSize(2, 2);
+    model.cell(2, 2).value = 5;
+    model.cell(2, 1).state = 64;
+  };
+  const auto unchanged = [&] {
+    EXPECT_EQ(difference(*table, model), "");
+    EXPECT_TRUE(table->NumericData->OnChange);
+  };
+  const auto check = [&](auto&& operation) {
+    expectFailuresHarmless<EZELDataTableError>(
+        operation, "Component \"T\": not enough memory on heap", unchanged, prepare);
+  };
+  check([&] { table->Resize(60, 90); });
+  check([&] { table->Resize(1, 90); });
+  check([&] { table->InsertRow(2); });
+  check([&] { table->InsertColumn(2); });
+  check([&] { table->Serialize(true, true); });
+  check([&] {
+    table->Assign(&source);
+    table->SetName("T");
+  });
+  check([&] { table->CopyContentsFrom(&source); });
+  check([&] { (void)table->RemoveMarkedRows(0, 0, 64); });
+  EXPECT_THROW_MSG(
+      {
+        const FailingStorage failing(1);
+        const TDataTable made;
+      },
+      EZELDataTableError, "Component \"\": failed to initialize (out of memory)");
+}
+
+}  // namespace
+}  // namespace zel::test

@@ -1,0 +1,441 @@
+/// @file
+/// Table of observations with names, attributes, scales of measurement and cell states.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <tuple>
+#include <vector>
+
+#include "zel/base/Zel_zelbase.h"
+#include "zel/matrix/TMatrix.h"
+
+namespace zel {
+
+/// Scale on which a variable is measured. Nominal and ordinal variables are categorical.
+enum TMScaleType : std::uint8_t { stUnknown, stNominal, stOrdinal, stInterval, stRatio };
+
+/// Names of the scales, by TMScaleType.
+inline constexpr std::array<std::string_view, 5> MScaleTypeNames = {"Unknown", "Nominal", "Ordinal",
+                                                                    "Interval", "Ratio"};
+
+/// Identifier of a category, at most 10 bytes.
+using TNominalIDStr = TShortString<10>;
+/// Name of a row or column, at most 50 bytes.
+using TDTNameStr = TShortString<50>;
+
+/// Scale of a variable and its categories. Category k = 1..150 has the identifier IDs[k - 1].
+struct TVTypeSpec {
+  TMScaleType MScaleType = stInterval;
+  std::array<TNominalIDStr, 150> IDs{};
+  bool operator==(const TVTypeSpec&) const = default;
+};
+
+/// The dimensions of a table have changed.
+using TDataTableResizeEvent =
+    std::function<void(TObject* Sender, int OldColumns, int OldRows, int NewColumns, int NewRows)>;
+
+namespace detail {
+
+/// What a table holds beside its values.
+struct TTableArrays {
+  std::string FComment;
+  std::vector<int> FRowAtt;
+  std::vector<int> FColAtt;
+  std::vector<TVTypeSpec> FVType;
+  TDynArray<std::uint8_t, 2> FCState;  // [column][row]
+  std::vector<TDTNameStr> FColName;
+  std::vector<TDTNameStr> FRowName;
+};
+
+}  // namespace detail
+
+/// Table of observations: one column per variable, one row per object, at least one of each.
+///
+/// A column has a name, an integer attribute, a scale of measurement and, for categories, up to 150
+/// identifiers; a row has a name and an attribute. The value of a categorical cell (nominal or
+/// ordinal scale) is the number 1..150 of its category.
+///
+/// Each cell has a state byte. Bit 0 (1): not usable as a number; bit 1 (2): empty; bit 5 (32):
+/// imputed; bits 6 and 7 (64, 128): markings A and B; the others belong to the caller. A cell is a
+/// number if bits 0 and 1 are clear. A mask selects a cell if (state & mask) is not 0.
+///
+/// Columns and rows are numbered from 1, and the column comes first. An index outside the table
+/// makes a getter return 0, an empty string or stUnknown, and a setter do nothing. A range (low,
+/// high) is clamped: (0, 0) is the whole dimension, otherwise each bound is limited to 1..N and a
+/// reversed pair is exchanged. Names and identifiers are bytes; longer ones are cut.
+///
+/// Events fire when the operation is complete, so that a handler finds a consistent table.
+/// Operations on many cells write the storage and fire once; the description of each says which
+/// events. Allocations that fail raise EZELDataTableError, `: not enough memory on heap`, and leave
+/// the table as it was.
+class ZEL_API TDataTable : public TComponent, private detail::TTableArrays {
+ public:
+  /// Values have changed.
+  TNotifyEvent OnChange;
+  /// Structure, scales, identifiers or comment have changed.
+  TNotifyEvent OnChangeSetup;
+  /// Names of rows or columns have changed.
+  TNotifyEvent OnChangeNames;
+  /// Cell states have changed.
+  TNotifyEvent OnChangeCellState;
+  /// Attributes of rows or columns have changed.
+  TNotifyEvent OnChangeAttrib;
+  /// Progress, for callers; no operation of the table fires it.
+  TOnPercentDoneEvent OnPercentDone;
+  /// The dimensions have changed.
+  TDataTableResizeEvent OnResize;
+  /// A sort has exchanged two columns (1) or rows (2).
+  TSortExchgEvent OnSortExchange;
+
+  /// The values, NrOfColumns by NrOfRows; owned by the table or borrowed. Its OnChange and
+  /// OnSortExchange belong to the table: a change made here directly raises the table's OnChange,
+  /// and a sort takes the cell states along. Only the table sets its size; a matrix that was
+  /// resized by others gets the size of the table back.
+  TMatrix* NumericData = nullptr;
+
+  /// One cell, 0, named C-1 and R-1, on the interval scale.
+  /// @throws EZELDataTableError  `: failed to initialize (out of memory)`
+  explicit TDataTable(TComponent* AOwner = nullptr);
+  /// A borrowed matrix is detached and left alive; it must still exist.
+  ~TDataTable() override;
+  [[nodiscard]] std::string_view ClassName() const override;
+
+  // Cells.
+
+  /// Value of a cell; of a categorical one rounded to the nearest integer, ties to even.
+  [[nodiscard]] double GetElem(int ACol, int ARow) const {
+    if (!HasCell(ACol, ARow)) return 0;
+    const double value = NumericData->GetVal(ACol, ARow);
+    return IsCategorical(ACol) ? RoundEven(value) : value;
+  }
+  /// Stores a value and fires OnChange; the state stays.
+  void SetElem(int ACol, int ARow, double Value) {
+    if (!HasCell(ACol, ARow)) return;
+    StoreValue(ACol, ARow, Value);
+    if (OnChange) ChangedData();
+  }
+  [[nodiscard]] double operator()(int ACol, int ARow) const { return GetElem(ACol, ARow); }
+  /// Identifier of the category k of a cell; k in decimal, cut to 10 characters, if it is not in
+  /// 1..150. Empty for other scales.
+  [[nodiscard]] TNominalIDStr GetElemNominal(int ACol, int ARow) const;
+  /// Stores the number of the category with this identifier (letter case ignored) and fires
+  /// OnChange. An identifier that is not found, which it never is in a column of another scale,
+  /// takes the first empty slot.
+  /// @throws EZELDataTableError  `: number of available nominal values exceeded`
+  void SetElemNominal(int ACol, int ARow, std::string_view Value);
+  /// State byte of a cell.
+  [[nodiscard]] std::uint8_t GetCellState(int ACol, int ARow) const {
+    return HasCell(ACol, ARow) ? States(ACol)[ARow - 1] : std::uint8_t{0};
+  }
+  /// Sets the state byte. Fires OnChangeCellState if it differs.
+  void SetCellState(int ACol, int ARow, std::uint8_t Value);
+  /// True if the bits 0 and 1 of the state are clear; false outside the table.
+  [[nodiscard]] bool GetIsNumber(int ACol, int ARow) const {
+    return HasCell(ACol, ARow) && (States(ACol)[ARow - 1] & 3) == 0;
+  }
+  [[nodiscard]] bool GetIsEmpty(int ACol, int ARow) const {
+    return (GetCellState(ACol, ARow) & 2) != 0;
+  }
+  /// Sets or clears the bit. If the state changes, OnChangeCellState and then OnChange fire.
+  void SetIsEmpty(int ACol, int ARow, bool Value) { SetStateBit(ACol, ARow, 2, Value); }
+  [[nodiscard]] bool GetIsImputed(int ACol, int ARow) const {
+    return (GetCellState(ACol, ARow) & 32) != 0;
+  }
+  void SetIsImputed(int ACol, int ARow, bool Value) { SetStateBit(ACol, ARow, 32, Value); }
+
+  // Names, attributes, comment.
+
+  [[nodiscard]] TDTNameStr GetColName(int ColNr) const;
+  /// Fires OnChangeNames.
+  void SetColName(int ColNr, std::string_view HLine);
+  [[nodiscard]] TDTNameStr GetRowName(int RowNr) const;
+  void SetRowName(int RowNr, std::string_view HLine);
+  [[nodiscard]] int GetColAttrib(int ColNr) const;
+  /// Fires OnChangeAttrib, like the other setters of attributes.
+  void SetColAttrib(int ColNr, int Attrib);
+  [[nodiscard]] int GetRowAttrib(int RowNr) const;
+  void SetRowAttrib(int RowNr, int Attrib);
+  /// Sets all attributes, or those of their bits that are set in Mask.
+  void SetColAttributes(int Attrib);
+  void SetColAttributes(int Attrib, std::uint32_t Mask);
+  void SetRowAttributes(int Attrib);
+  void SetRowAttributes(int Attrib, std::uint32_t Mask);
+  /// Free text.
+  [[nodiscard]] const std::string& Comment() const { return FComment; }
+  /// Stores the text without its control characters and fires OnChangeSetup.
+  void SetFComment(std::string_view value);
+  /// Longest name in bytes.
+  [[nodiscard]] int MaxColNameLength() const;
+  [[nodiscard]] int MaxRowNameLength() const;
+  /// First column (row) of this name, where blanks on both ends and the case of letters do not
+  /// count; 0 if there is none.
+  [[nodiscard]] int FindColIndex(std::string_view ColID) const;
+  [[nodiscard]] int FindRowIndex(std::string_view RowID) const;
+
+  // Scales and categories.
+
+  [[nodiscard]] TMScaleType GetMScaleType(int ColNr) const {
+    return HasColumn(ColNr) ? Type(ColNr).MScaleType : stUnknown;
+  }
+  /// Sets the scale, keeps the identifiers, and fires OnChangeSetup.
+  void SetMScaleType(int ColNr, TMScaleType MScaleType);
+  /// Adds a category unless the column is categorical and has it (letter case ignored): the first
+  /// empty slot takes the identifier, the scale becomes nominal and OnChangeSetup fires.
+  /// @return number of the category; 0 outside the table and when all 150 slots are taken
+  int AddNominalID(int Col, std::string_view MScaleID);
+  /// Sets the identifier of category OrdVal = 1..150 and fires OnChangeSetup. In columns of other
+  /// scales it can only be made empty.
+  void SetNominalID(int ColIx, int OrdVal, std::string_view MScaleID);
+  /// Identifier of category OrdVal = 1..150 of a categorical column.
+  [[nodiscard]] TNominalIDStr GetNominalID(int ColIx, int OrdVal) const;
+  /// Number of the first category with this identifier; 0 for none, an empty identifier or a column
+  /// that is not categorical. IgnoreCase concerns the letters A to Z.
+  [[nodiscard]] int OrdinalOfNominalID(int Col, std::string_view ID, bool IgnoreCase) const;
+  /// Number of identifiers that are not empty, whatever the scale.
+  [[nodiscard]] int CountNominalIDs(int Col) const;
+  /// Makes all identifiers empty, keeps the scale, and fires OnChangeSetup.
+  void ClearNominalIDs(int Col);
+  /// Categorical columns in ascending order.
+  [[nodiscard]] TIntArray ListOfCategorialVars() const;
+  /// Counts the cells of each category, whatever their states.
+  /// @param OrdList  150 counts, the one of category k at k - 1
+  /// @return number of values outside 1..150; -1, with OrdList untouched, unless the column is
+  ///   categorical
+  int ScanForCatValues(int ACol, int LowRow, int HighRow, TIntArray& OrdList) const;
+  /// Contingency table of two categorical variables. Rows with a cell that is not a number do not
+  /// count.
+  /// @param ContTab  [category of Col1 - 1][category of Col2 - 1], up to the highest that occur;
+  ///   the last row and column hold the sums over the other variable, the last cell the total
+  /// @return 0; -3 if some row had a value outside 1..150 (it is left out); -1 for a column outside
+  ///   the table, -2 for one that is not categorical, ContTab being untouched then
+  int CreateContingencyTable(int Col1, int Col2, int LowRow, int HighRow,
+                             TInt2DArray& ContTab) const;
+
+  // Size and order. Insertion and removal fire OnResize and then OnChangeSetup.
+
+  [[nodiscard]] int NrOfColumns() const { return FNrOfCols; }
+  [[nodiscard]] int NrOfRows() const { return FNrOfRows; }
+  void SetNrCols(int value) { Resize(value, FNrOfRows); }
+  void SetNrRows(int value) { Resize(FNrOfCols, value); }
+  /// Sets the size and fires OnResize only. New cells are 0 with state 0; new columns, on the
+  /// interval scale, and new rows are named C-9, R-9 and so on by their number and have attribute
+  /// 0. The present size and sizes below 1: nothing happens.
+  void Resize(int NrCols, int NrRows);
+  void MakeValidColRange(int& LowCol, int& HighCol) const;
+  void MakeValidRowRange(int& LowRow, int& HighRow) const;
+  /// Inserts a row without name before row ix = 1..NrOfRows + 1. Categorical values of the rows
+  /// that move are rounded to integers.
+  void InsertRow(int ix);
+  /// The same for a column, on the interval scale.
+  void InsertColumn(int ix);
+  /// Removes a row; the last one stays.
+  void RemoveRow(int ix);
+  /// Removes a column; the last one stays. The columns behind it move with their scales, but
+  /// identifiers move only with categorical columns: where another column moves to, the identifiers
+  /// of the place stay.
+  void RemoveColumn(int ix);
+  /// Removes the rows FirstRow..LastRow ((0, 0): all) that have a cell selected by the mask CState.
+  /// If none is left, the table keeps one empty row without name.
+  /// @return number of rows selected; -1 for a bound outside the table
+  int RemoveMarkedRows(int FirstRow, int LastRow, std::uint8_t CState);
+  /// Exchanges all that belongs to two columns (rows). Fires OnChange, OnChangeCellState,
+  /// OnChangeAttrib, OnChangeNames, OnChangeSetup. Outside the table: nothing happens.
+  void ExchangeColumns(int c1, int c2);
+  void ExchangeRows(int r1, int r2);
+  /// Reverses the order of the columns (rows). Events as ExchangeColumns.
+  void MirrorColumns();
+  void MirrorRows();
+  /// Everything as in a new table, but for the size. Fires OnChangeNames, OnChangeAttrib,
+  /// OnChangeCellState, OnChangeSetup.
+  void Clear();
+
+  // Copies.
+
+  /// Makes this a copy of a TDataTable, handlers included; nothing fires. The matrix stays, with
+  /// the table's handlers, and takes the values.
+  /// @throws EConvertError  for a source of another class, or null
+  void Assign(const TPersistent* Source) override;
+  void AssignTo(TPersistent* Dest) const override;
+  /// Copies all but the handlers; categorical values are rounded to integers. Fires OnResize if the
+  /// size differs, then OnChange, OnChangeCellState, OnChangeSetup, OnChangeNames, OnChangeAttrib,
+  /// and OnResize in any case. Null: nothing happens.
+  void CopyContentsFrom(const TDataTable* ExtTab);
+  /// Copies values and states of a rectangle, each bound limited to the source and a reversed pair
+  /// exchanged ((0, 0) is index 1 here), so that its first cell goes to (DestCol, DestRow); what
+  /// falls outside is dropped. Source and target may overlap. Fires OnChange, OnChangeCellState.
+  /// Null: nothing happens.
+  void CopyFrom(const TDataTable* ExtTab, int SourceColLo, int SourceRowLo, int SourceColHi,
+                int SourceRowHi, int DestCol, int DestRow);
+  /// Copies all states from a table of the same size and fires OnChangeCellState.
+  /// @return false, with nothing changed, for another size or null
+  bool CopyCellStatesFrom(const TDataTable* ExtTab);
+  /// Borrows a matrix, which must outlive the table or its next matrix: the table takes its size
+  /// and values, all scales become interval, identifiers stay. The matrix used before is freed if
+  /// the table owned it, otherwise detached, its contents untouched. Fires OnResize if the size
+  /// differs, OnResize in any case, then OnChange, OnChangeSetup, OnChangeNames, OnChangeAttrib,
+  /// OnChangeCellState. Null and an empty matrix: nothing happens. The table's own matrix stays its
+  /// own.
+  void AssignAnotherDataMatrix(TMatrix* NewDMat);
+  /// Makes one long column of all cells, column by column. The last column, "(data)", holds the
+  /// values and states; it gets the highest of all scales. Categorical values are rounded. Row
+  /// names and attributes repeat. Other columns keep scale, identifiers and states where the old
+  /// table had cells. Fires OnResize if the size changes, and OnChange.
+  /// @param ColHeadsAsVar        column 1, "(column)", is nominal with the old column's number as
+  ///   category; the identifiers are `number:name`, of the first 150 columns
+  /// @param IncludeColRowNumbers  the two columns before the last, "(col. index)" and "(row
+  ///   index)", hold the old place
+  void Serialize(bool ColHeadsAsVar, bool IncludeColRowNumbers);
+
+  // Values as arrays; states are not touched. The values of categorical cells are not rounded.
+
+  /// Copies a column (row); the array gets its length.
+  /// @return 0; -1, with the array untouched, outside the table
+  int CopyDataColumnToArray(int Col, TDoubleArray& DstArray) const;
+  int CopyDataRowToArray(int Row, TDoubleArray& DstArray) const;
+  /// Stores the array in a column (row) from index 1 on, as far as both go, and fires OnChange.
+  /// @return 0; -1 outside the table
+  int CopyDataColumnFromArray(int Col, std::span<const double> SrcArray);
+  int CopyDataRowFromArray(int Row, std::span<const double> SrcArray);
+  /// Copies all values; the array, indexed [column - 1][row - 1], gets the size of the table.
+  void CopyDataToArray(TDouble2DArray& DstArray) const;
+  /// Stores the array, as far as both go, and fires OnChange.
+  /// @return 0; -1 if the sizes differ
+  int CopyDataFromArray(const TDouble2DArray& SrcArray);
+  int CopyDataFromArray(const TInt2DArray& SrcArray);
+
+  // States of many cells. The setters fire OnChangeCellState once.
+
+  void SetAllCellStates(std::uint8_t CellState);
+  /// Clears both markings.
+  void UnmarkAllCells();
+  /// state := state xor mask.
+  void InvertCellStates(std::uint8_t StateMask);
+  /// Exchanges the markings A and B.
+  void ExchangeMarkings();
+  /// True if the mask selects a cell of the row (column, rectangle).
+  [[nodiscard]] bool IfRowHasCellState(int row, std::uint8_t CellState) const;
+  [[nodiscard]] bool IfColHasCellState(int col, std::uint8_t CellState) const;
+  [[nodiscard]] bool IfAnyCellHasCellState(int LowCol, int LowRow, int HighCol, int HighRow,
+                                           std::uint8_t CellState) const;
+  /// Number of cells of the row (column) that the mask selects.
+  [[nodiscard]] int CountMarkedCellsInRow(int Row, std::uint8_t StateMask) const;
+  [[nodiscard]] int CountMarkedCellsInColumn(int Col, std::uint8_t StateMask) const;
+
+  // Fingerprints: eight CRC-32 registers (reflected polynomial 0xEDB88320), where the byte at place
+  // p = 1, 2, ... of an item goes to register p mod 8; each register as eight upper-case
+  // hexadecimal digits.
+
+  /// Items: the comment; each column name; the lowest bytes of the column attributes; each row
+  /// name; those of the row attributes; the scales; each identifier, column by column.
+  [[nodiscard]] std::string CRCofNamesAndAttributes() const;
+  /// Items: the states of each column.
+  [[nodiscard]] std::string CRCofCellStates() const;
+
+  // Notification.
+
+  void ChangedData();
+  void ChangedSetup();
+  void ChangedNames();
+  void ChangedAttrib();
+  void ChangedCellStates();
+  /// Handler of NumericData->OnChange: fires OnChange.
+  void DataHasChanged(TObject* Sender);
+  /// Fires OnPercentDone.
+  void PercDone(TObject* Sender, int Percent);
+
+ private:
+  class TDetached;
+
+  [[nodiscard]] bool HasColumn(int c) const {
+    return static_cast<unsigned>(c) - 1U < static_cast<unsigned>(FNrOfCols);
+  }
+  [[nodiscard]] bool HasRow(int r) const {
+    return static_cast<unsigned>(r) - 1U < static_cast<unsigned>(FNrOfRows);
+  }
+  [[nodiscard]] bool HasCell(int c, int r) const { return HasColumn(c) && HasRow(r); }
+  [[nodiscard]] std::size_t Columns() const { return static_cast<std::size_t>(FNrOfCols); }
+  [[nodiscard]] std::size_t Rows() const { return static_cast<std::size_t>(FNrOfRows); }
+  [[nodiscard]] std::uint8_t* States(int c) {
+    return FCState.data() + static_cast<std::size_t>(c - 1) * Rows();
+  }
+  [[nodiscard]] const std::uint8_t* States(int c) const {
+    return FCState.data() + static_cast<std::size_t>(c - 1) * Rows();
+  }
+  /// Values of a column, once FitMatrix has been called.
+  [[nodiscard]] double* Values(int c) {
+    return NumericData->data() + static_cast<std::size_t>(c - 1) * Rows();
+  }
+  [[nodiscard]] TVTypeSpec& Type(int c) { return FVType[static_cast<std::size_t>(c - 1)]; }
+  [[nodiscard]] const TVTypeSpec& Type(int c) const {
+    return FVType[static_cast<std::size_t>(c - 1)];
+  }
+  [[nodiscard]] bool IsCategorical(int c) const {
+    const TMScaleType scale = Type(c).MScaleType;
+    return scale == stNominal || scale == stOrdinal;
+  }
+  void StoreValue(int c, int r, double value) {
+    const int rows = NumericData->NrOfRows();
+    if (c > NumericData->NrOfColumns() || r > rows) return;
+    NumericData->data()[static_cast<std::size_t>(c - 1) * static_cast<std::size_t>(rows) +
+                        static_cast<std::size_t>(r - 1)] = value;
+  }
+  void SetStateBit(int ACol, int ARow, std::uint8_t bit, bool value);
+  /// Copies n values of a column from row r on; 0 for what the matrix does not have.
+  void ReadValues(int c, int r, std::size_t n, double* out) const;
+  /// Category of a cell, whose column is categorical; outside 1..150 if it has none.
+  [[nodiscard]] int Category(int c, int r) const {
+    return RoundToInt<int>(NumericData->GetVal(c, r));
+  }
+  /// First empty slot of a column, numbered from 1; 0 if there is none.
+  [[nodiscard]] int FreeSlot(int c) const;
+
+  /// Runs an operation whose allocations may fail.
+  /// @throws EZELDataTableError
+  template <class Operation>
+  decltype(auto) Guarded(Operation&& operation) const;
+  /// Sets the handlers of the matrix.
+  void AttachMatrix();
+  /// Gives the matrix the size of the table, should somebody have changed it.
+  void FitMatrix();
+  /// Resizes all but the matrix, which resizeMatrix() does when everything else is sure to succeed.
+  template <class ResizeMatrix>
+  void ResizeArrays(std::int64_t nCols, std::int64_t nRows, ResizeMatrix&& resizeMatrix);
+  /// Resizes without events.
+  void ResizeTo(std::int64_t nCols, std::int64_t nRows);
+  /// Default names from an index (from 0) on.
+  void NameColumns(std::size_t from);
+  void NameRows(std::size_t from);
+  void FireResize(int oldCols, int oldRows);
+  /// Events of an exchange.
+  void ChangedOrder();
+  /// Exchanges all that belongs to two columns, without events.
+  void SwapColumns(int c1, int c2);
+  /// Handler of NumericData->OnSortExchange: what belongs to the exchanged lines follows them.
+  void ExchangeDuringSort(TObject* Sender, std::uint8_t ExchgWhat, int Index1, int Index2,
+                          int First, int Last);
+  template <class Array>
+  int StoreArray(const Array& source);
+  /// All handlers.
+  [[nodiscard]] auto Events() {
+    return std::tie(OnChange, OnChangeSetup, OnChangeNames, OnChangeCellState, OnChangeAttrib,
+                    OnPercentDone, OnResize, OnSortExchange);
+  }
+  [[nodiscard]] auto Events() const {
+    return std::tie(OnChange, OnChangeSetup, OnChangeNames, OnChangeCellState, OnChangeAttrib,
+                    OnPercentDone, OnResize, OnSortExchange);
+  }
+
+  int FNrOfCols = 1;
+  int FNrOfRows = 1;
+  bool FSortIncludeHd = false;      // a sort moves names and attributes, too
+  std::unique_ptr<TMatrix> FOwned;  // empty while the matrix is borrowed
+};
+
+}  // namespace zel

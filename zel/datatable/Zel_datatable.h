@@ -1,0 +1,5 @@
+/// @file
+/// Table of observations: TDataTable.
+#pragma once
+
+#include "zel/datatable/TDataTable.h"
