@@ -18,6 +18,8 @@
 
 namespace zel {
 
+class TVector;
+
 /// Scale on which a variable is measured. Nominal and ordinal variables are categorical.
 enum TMScaleType : std::uint8_t { stUnknown, stNominal, stOrdinal, stInterval, stRatio };
 
@@ -338,6 +340,157 @@ class ZEL_API TDataTable : public TComponent, private detail::TTableArrays {
   /// Items: the states of each column.
   [[nodiscard]] std::string CRCofCellStates() const;
 
+  // Statistics of a rectangle of cells; its bounds are ranges. The values are those of NumericData.
+  // A number cell has bits 0 and 1 of its state clear; a marked cell is a number cell that the mask
+  // CellState selects, whose own bits 0 and 1 do not count. A numeric column is on the interval or
+  // the ratio scale. The routines named after number cells and marked cells leave all other columns
+  // out; NumData is the number of cells that have entered. Working memory for the cells:
+  // EZELDataTableError, `: not enough memory on heap`, if there is none.
+
+  [[nodiscard]] int CountNumCells(int LowCol, int LowRow, int HighCol, int HighRow) const;
+  /// Number cells of all columns.
+  [[nodiscard]] int CountValidCells(int LowCol, int LowRow, int HighCol, int HighRow) const;
+  /// Cells of all columns with bit 1 of the state.
+  [[nodiscard]] int CountEmptyCells(int LowCol, int LowRow, int HighCol, int HighRow) const;
+  /// Cells of all columns with bit 5 of the state.
+  [[nodiscard]] int CountImputedCells(int LowCol, int LowRow, int HighCol, int HighRow) const;
+  /// Sums of the values and of their squares, correctly rounded to an ulp or two.
+  double SumOfNumCells(int LowCol, int LowRow, int HighCol, int HighRow, int& NumData) const;
+  double SumOfMarkedCells(int LowCol, int LowRow, int HighCol, int HighRow, std::uint8_t CellState,
+                          int& NumData) const;
+  double SumOfSquaredNumCells(int LowCol, int LowRow, int HighCol, int HighRow, int& NumData) const;
+  double SumOfSquaredMarkedCells(int LowCol, int LowRow, int HighCol, int HighRow,
+                                 std::uint8_t CellState, int& NumData) const;
+  /// Mean (0 for no cells) and variance with the divisor n - 1 (1 for fewer than three cells).
+  /// @return number of cells
+  int MeanVarOfNumCells(int LowCol, int LowRow, int HighCol, int HighRow, double& Mean,
+                        double& Variance) const;
+  int MeanVarOfMarkedCells(int LowCol, int LowRow, int HighCol, int HighRow, std::uint8_t CellState,
+                           double& Mean, double& Variance) const;
+  /// Extremes; the largest double and its negative for no cells. Not-a-numbers count, but win
+  /// nothing.
+  /// @return number of cells
+  int MinMaxOfNumCells(int LowCol, int LowRow, int HighCol, int HighRow, double& Minimum,
+                       double& Maximum) const;
+  int MinMaxOfMarkedCells(int LowCol, int LowRow, int HighCol, int HighRow, std::uint8_t CellState,
+                          double& Minimum, double& Maximum) const;
+  /// The same of the number cells of all columns; categorical values are rounded.
+  int MinMaxOfValidCells(int LowCol, int LowRow, int HighCol, int HighRow, double& Minimum,
+                         double& Maximum) const;
+  /// Geometric mean of the positive values, whose number is NumData; 0 if some value is 0 or none
+  /// is positive.
+  /// @throws EZELDataTableError  `: negative argument passed to GeometricMean`
+  double GeometricMeanOfNumCells(int LowCol, int LowRow, int HighCol, int HighRow,
+                                 int& NumData) const;
+  /// 0 for no cells.
+  /// @throws EZELDataTableError  `: negative or zero argument passed to HarmonicMean`
+  double HarmonicMeanOfNumCells(int LowCol, int LowRow, int HighCol, int HighRow,
+                                int& NumData) const;
+  /// Quartiles at the places (n + 1) p of the sorted values x_1..x_n, interpolated; x_1 or x_n
+  /// beyond them, 0 for no cells (Hyndman and Fan 1996, definition 6). O(n).
+  /// @return true
+  bool QuartilesOfNumCells(int LowCol, int LowRow, int HighCol, int HighRow, double& Q1, double& Q2,
+                           double& Q3, int& NumData) const;
+  bool QuartilesOfMarkedCells(int LowCol, int LowRow, int HighCol, int HighRow, double& Q1,
+                              double& Q2, double& Q3, std::uint8_t CellState, int& NumData) const;
+  /// Percentile at the place (n - 1) prob / 100 of the sorted values y_0..y_(n-1), interpolated; 0
+  /// for no cells (definition 7). O(n).
+  /// @param prob  in percent, limited to 0..100
+  double PercentileOfNumCells(double prob, int LowCol, int LowRow, int HighCol, int HighRow,
+                              int& NumData) const;
+  double PercentileOfMarkedCells(double prob, int LowCol, int LowRow, int HighCol, int HighRow,
+                                 std::uint8_t CellState, int& NumData) const;
+  /// Puts the number cells of all columns that CellState selects, or all of them for 0xFF, into a
+  /// vector, column by column. The vector gets their number as its length; for none it stays as it
+  /// is. Null: they are only counted.
+  /// @return their number
+  int CopyCellsToVector(int LowCol, int LowRow, int HighCol, int HighRow, std::uint8_t CellState,
+                        TVector* DestVect) const;
+  /// Covariances of the columns LoC..HiC over the rows LoR..HiR, pair by pair over the n rows in
+  /// which both cells are numbers; on any scale, bounds as they are. Mode 0: sum of x y / (n - 1);
+  /// 1: about the means of the columns, each over all its number cells (0 for columns that are not
+  /// numeric); 2: Pearson's correlation, 0 for n < 3 and for constants; 3: its square; 4: sum of
+  /// (x - y)^2 / (n - 1). 0 where n < 2. The diagonal of the modes 2 and 3 is 1.
+  ///
+  /// ProcStat grows by 1 for each mean (mode 1) and for each row of the result, and is polled with
+  /// AbortMathProc, which is cleared first.
+  /// @param CovarMat  at least as many columns and rows as there are columns; only its upper left
+  ///   corner is written. Its OnChange fires once.
+  /// @return false if it is null or too small, for another mode, or if aborted
+  bool CalcCovar(TMatrix* CovarMat, int LoC, int HiC, int LoR, int HiR, int Mode) const;
+
+  // Columns, attributes and scales.
+
+  /// Column col has exactly two values, whatever the states: v1 < v2. Otherwise false, with the
+  /// first values found in v1 and v2 or 0.
+  bool CheckDichotomousColumn(int col, double& v1, double& v2) const;
+  /// All values of a column are equal, whatever the states.
+  [[nodiscard]] bool IsConstantColumn(int ColIx) const;
+  /// Number of different attributes of all rows (columns).
+  [[nodiscard]] int RowAttribLevels() const;
+  [[nodiscard]] int ColAttribLevels() const;
+  /// Largest and smallest attribute of a range of rows (columns), and the first index that has it.
+  int MaxRowAttrib(int FirstRow, int LastRow, int& Row) const;
+  int MinRowAttrib(int FirstRow, int LastRow, int& Row) const;
+  int MaxColAttrib(int FirstCol, int LastCol, int& Col) const;
+  int MinColAttrib(int FirstCol, int LastCol, int& Col) const;
+  /// Highest scale of a range of columns, at least stNominal; the lowest, at most stRatio.
+  [[nodiscard]] TMScaleType FindHighestMLevel(int FirstCol, int LastCol) const;
+  [[nodiscard]] TMScaleType FindLowestMLevel(int FirstCol, int LastCol) const;
+
+  // Transformations of the values.
+
+  /// Sets all cells of the table that StateMask selects, all its bits counting, and fires OnChange
+  /// if there are any.
+  /// @return their number
+  int FillMarkedCells(double Value, std::uint8_t StateMask);
+  /// Standardizes the number cells of each numeric column to mean 0 and variance 1; a column of
+  /// variance 0 stays. Fires OnChange if a column has changed.
+  /// @param Means, StdDevs  element c receives mean and standard deviation of numeric column c, if
+  /// it
+  ///   exists; null: not wanted
+  void StandardizeNumCellColumns(TVector* Means, TVector* StdDevs);
+  /// The same by rows: the number cells of a row by mean and variance of those in numeric columns.
+  /// Fires OnChange.
+  /// @throws EZELDataTableError  "standardization of rows is not possible with nominal or ordinal
+  ///   variables", before anything has changed
+  void StandardizeNumCellRows(TVector* Means, TVector* StdDevs);
+  /// Subtracts the mean only. Fires OnChange.
+  void MeanCenterNumCellColumns(TVector* Means);
+  /// @throws EZELDataTableError  "mean centering of rows is not possible with nominal or ordinal
+  ///   variables", before anything has changed
+  void MeanCenterNumCellRows(TVector* Means);
+
+  // Sorts of a rectangle, whose bounds are ranges: comb sorts, which leave no particular order of
+  // equal keys; not-a-numbers stay where the comparisons leave them. OnSortExchange reports every
+  // exchange as it is made; without a handler the cells move once. A sort of a single row or column
+  // does nothing. A handler that makes the table smaller ends the sort.
+
+  /// Sorts rows by the values of a column; values and states of the rectangle move, the values of
+  /// the key column also from outside it, and with IncludeHeaders names and attributes of the rows.
+  /// Fires OnChange, and with IncludeHeaders OnChangeNames and OnChangeAttrib. A column outside the
+  /// table: nothing happens.
+  void SortRows(int SortColIx, bool Ascending, int LowCol, int LowRow, int HighCol, int HighRow,
+                bool IncludeHeaders);
+  /// The same for columns by the values of a row; scales with their identifiers are headers, too.
+  void SortCols(int SortRowIx, bool Ascending, int LowCol, int LowRow, int HighCol, int HighRow,
+                bool IncludeHeaders);
+  /// Sort rows (columns) by attribute or name; names, attributes, values and states of the
+  /// rectangle move, and the scales with identifiers of columns. Fire OnChange, then OnChangeAttrib
+  /// or OnChangeNames. Names compare byte by byte, with IgnoreCase letters A to Z as lower case.
+  void SortRowAttributes(bool Ascending, int LowCol, int LowRow, int HighCol, int HighRow);
+  void SortRowNames(bool Ascending, int LowCol, int LowRow, int HighCol, int HighRow) {
+    SortRowNames(Ascending, false, LowCol, LowRow, HighCol, HighRow);
+  }
+  void SortRowNames(bool Ascending, bool IgnoreCase, int LowCol, int LowRow, int HighCol,
+                    int HighRow);
+  void SortColAttributes(bool Ascending, int LowCol, int LowRow, int HighCol, int HighRow);
+  void SortColNames(bool Ascending, int LowCol, int LowRow, int HighCol, int HighRow) {
+    SortColNames(Ascending, false, LowCol, LowRow, HighCol, HighRow);
+  }
+  void SortColNames(bool Ascending, bool IgnoreCase, int LowCol, int LowRow, int HighCol,
+                    int HighRow);
+
   // Notification.
 
   void ChangedData();
@@ -431,6 +584,41 @@ class ZEL_API TDataTable : public TComponent, private detail::TTableArrays {
     return std::tie(OnChange, OnChangeSetup, OnChangeNames, OnChangeCellState, OnChangeAttrib,
                     OnPercentDone, OnResize, OnSortExchange);
   }
+
+  /// A rectangle, after its bounds have been made valid.
+  struct TCellRange {
+    int LowCol, LowRow, HighCol, HighRow;
+  };
+  [[nodiscard]] TCellRange ValidRange(int LowCol, int LowRow, int HighCol, int HighRow) const {
+    MakeValidColRange(LowCol, HighCol);
+    MakeValidRowRange(LowRow, HighRow);
+    return {LowCol, LowRow, HighCol, HighRow};
+  }
+  [[nodiscard]] bool IsNumeric(int c) const {
+    const TMScaleType scale = Type(c).MScaleType;
+    return scale == stInterval || scale == stRatio;
+  }
+  /// The number cells that a mask selects, column by column.
+  /// @param mask  kAnyState: all of them
+  [[nodiscard]] std::vector<double> NumberCells(const TCellRange& range, bool isNumericOnly,
+                                                int mask) const;
+  static constexpr int kAnyState = -1;
+  /// Number of cells with (state & mask) == wanted.
+  [[nodiscard]] int CountCells(const TCellRange& range, bool isNumericOnly, std::uint8_t mask,
+                               std::uint8_t wanted) const;
+  /// Subtracts the mean from the number cells of each numeric column and divides by the standard
+  /// deviation, if that is wanted and not 0.
+  /// @return whether cells have changed
+  bool StandardizeColumns(TVector* Means, TVector* StdDevs, bool isDivided);
+  void StandardizeRows(TVector* Means, TVector* StdDevs, bool isDivided);
+  void RefuseCategorical(const char* message) const;
+  /// Puts row order[k] (from 0, of the rectangle) to place k.
+  void ReorderRows(const TCellRange& range, int keyColumn, std::span<const std::uint64_t> order);
+  /// Comb sort of the rows or columns of a rectangle, with all that belongs to them, by a rule that
+  /// says whether two indices are out of order.
+  template <class OutOfOrder>
+  void SortLines(const TCellRange& range, bool isRows, OutOfOrder outOfOrder);
+  void ExchangeLines(bool isRows, int i, int j, int first, int last);
 
   int FNrOfCols = 1;
   int FNrOfRows = 1;

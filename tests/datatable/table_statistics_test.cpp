@@ -1,0 +1,337 @@
+// Statistics of the cells of a table and transformations of its values, against plain loops.
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <random>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "tests/support/expect_message.h"
+#include "zel/base/progress.h"
+#include "zel/datatable/Zel_datatable.h"
+#include "zel/vector/Zel_vector.h"
+
+namespace zel {
+namespace {
+
+constexpr double kMost = std::numeric_limits<double>::max();
+
+bool isNumeric(const TDataTable& T, int c) { return T.GetMScaleType(c) >= stInterval; }
+
+/// Columns of all scales, states of all kinds, ties and positive values.
+void fill(TDataTable& T, int columns, int rows, unsigned seed) {
+  std::mt19937 random(seed);
+  T.Resize(columns, rows);
+  for (int c = 1; c <= columns; ++c) {
+    T.SetMScaleType(c, static_cast<TMScaleType>((c + 2) % 5));
+    for (int r = 1; r <= rows; ++r) {
+      T.SetElem(c, r, static_cast<double>(random() % 40 + 1) / 4);
+      if (random() % 3 == 0) T.SetCellState(c, r, static_cast<std::uint8_t>(random() & random()));
+    }
+  }
+}
+
+/// The values of the selected cells of a rectangle, column by column.
+std::vector<double> selected(const TDataTable& T, int c1, int r1, int c2, int r2,
+                             const std::function<bool(int c, std::uint8_t state)>& takes) {
+  std::vector<double> x;
+  for (int c = c1; c <= c2; ++c) {
+    for (int r = r1; r <= r2; ++r) {
+      const std::uint8_t state = T.GetCellState(c, r);
+      if ((state & 3) == 0 && takes(c, state)) x.push_back(T.NumericData->GetVal(c, r));
+    }
+  }
+  return x;
+}
+
+/// Interpolates at a place from 0 on.
+double at(const std::vector<double>& sorted, double place) {
+  if (sorted.empty()) return 0;
+  const double last = static_cast<double>(sorted.size()) - 1;
+  const double k = std::floor(std::clamp(place, 0.0, last));
+  const auto i = static_cast<std::size_t>(k);
+  return k == last ? sorted[i]
+                   : sorted[i] + (std::max(place, 0.0) - k) * (sorted[i + 1] - sorted[i]);
+}
+
+TEST(TableStatistics, TakeTheCellsThatTheyShould) {
+  for (unsigned seed = 1; seed <= 40; ++seed) {
+    TDataTable T;
+    fill(T, static_cast<int>(seed % 7) + 1, static_cast<int>(seed * 5 % 23) + 1, seed);
+    const int n = T.NrOfColumns();
+    const int c1 = n / 3 + 1;
+    const int r2 = T.NrOfRows() - T.NrOfRows() / 4;
+    constexpr std::uint8_t kMask = 64 + 8 + 3;
+    const auto isMarked = [&](int c, std::uint8_t state) {
+      return isNumeric(T, c) && (state & (64 + 8)) != 0;
+    };
+    for (const bool marked : {false, true}) {
+      SCOPED_TRACE(std::to_string(seed) + (marked ? " marked" : ""));
+      auto x = marked ? selected(T, c1, 1, n, r2, isMarked)
+                      : selected(T, c1, 1, n, r2, [&](int c, auto) { return isNumeric(T, c); });
+      const auto size = static_cast<double>(x.size());
+      double sum = 0;
+      double squares = 0;
+      for (const double v : x) {
+        sum += v;
+        squares += v * v;
+      }
+      int count = -1;
+      // Reversed bounds are exchanged.
+      EXPECT_EQ(marked ? T.SumOfMarkedCells(n, r2, c1, 1, kMask, count)
+                       : T.SumOfNumCells(n, r2, c1, 1, count),
+                sum);
+      EXPECT_EQ(count, size);
+      EXPECT_EQ(marked ? T.SumOfSquaredMarkedCells(c1, 1, n, r2, kMask, count)
+                       : T.SumOfSquaredNumCells(c1, 1, n, r2, count),
+                squares);
+      double mean = -1;
+      double variance = -1;
+      EXPECT_EQ(marked ? T.MeanVarOfMarkedCells(c1, 1, n, r2, kMask, mean, variance)
+                       : T.MeanVarOfNumCells(c1, 1, n, r2, mean, variance),
+                size);
+      EXPECT_DOUBLE_EQ(mean, x.empty() ? 0 : sum / size);
+      EXPECT_NEAR(variance, size < 3 ? 1 : (squares - sum * sum / size) / (size - 1), 1e-11);
+      std::ranges::sort(x);
+      double low = 0;
+      double high = 0;
+      EXPECT_EQ(marked ? T.MinMaxOfMarkedCells(c1, 1, n, r2, kMask, low, high)
+                       : T.MinMaxOfNumCells(c1, 1, n, r2, low, high),
+                size);
+      EXPECT_EQ(low, x.empty() ? kMost : x.front());
+      EXPECT_EQ(high, x.empty() ? -kMost : x.back());
+      double q1 = 0;
+      double q2 = 0;
+      double q3 = 0;
+      EXPECT_TRUE(marked ? T.QuartilesOfMarkedCells(c1, 1, n, r2, q1, q2, q3, kMask, count)
+                         : T.QuartilesOfNumCells(c1, 1, n, r2, q1, q2, q3, count));
+      EXPECT_EQ(q1, at(x, (size + 1) * 0.25 - 1));
+      EXPECT_EQ(q2, at(x, (size + 1) * 0.5 - 1));
+      EXPECT_EQ(q3, at(x, (size + 1) * 0.75 - 1));
+      for (const double prob : {-5.0, 0.0, 37.5, 50.0, 100.0, 200.0}) {
+        const double place = (size - 1) * std::clamp(prob, 0.0, 100.0) / 100;
+        EXPECT_EQ(marked ? T.PercentileOfMarkedCells(prob, c1, 1, n, r2, kMask, count)
+                         : T.PercentileOfNumCells(prob, c1, 1, n, r2, count),
+                  at(x, place));
+      }
+      EXPECT_EQ(count, size);
+    }
+    const auto valid = selected(T, 1, 1, n, T.NrOfRows(), [](auto, auto) { return true; });
+    EXPECT_EQ(T.CountValidCells(0, 0, 0, 0), valid.size());
+    int numeric = 0;
+    int empty = 0;
+    int imputed = 0;
+    double low = kMost;
+    for (int c = 1; c <= n; ++c) {
+      for (int r = 1; r <= T.NrOfRows(); ++r) {
+        numeric += isNumeric(T, c) && T.GetIsNumber(c, r);
+        empty += T.GetIsEmpty(c, r);
+        imputed += T.GetIsImputed(c, r);
+        if (T.GetIsNumber(c, r)) low = std::min(low, T.GetElem(c, r));
+      }
+    }
+    EXPECT_EQ(T.CountNumCells(0, 0, 0, 0), numeric);
+    EXPECT_EQ(T.CountEmptyCells(0, 0, 0, 0), empty);
+    EXPECT_EQ(T.CountImputedCells(0, 0, 0, 0), imputed);
+    double lowest = 0;
+    double highest = 0;
+    EXPECT_EQ(T.MinMaxOfValidCells(0, 0, 0, 0, lowest, highest), valid.size());
+    EXPECT_EQ(lowest, low) << "categories rounded";
+    TVector V;
+    EXPECT_EQ(T.CopyCellsToVector(0, 0, 0, 0, 0xFF, &V), valid.size());
+    if (!valid.empty()) {
+      EXPECT_TRUE(std::ranges::equal(V.Elements(), valid));
+    }
+    const auto some = selected(T, 1, 1, n, 1, [](auto, auto state) { return (state & 36) != 0; });
+    EXPECT_EQ(T.CopyCellsToVector(0, 1, 0, 1, 36, nullptr), some.size());
+  }
+}
+
+TEST(TableStatistics, GeometricAndHarmonicMeans) {
+  TDataTable T;
+  T.SetName("T");
+  T.Resize(1, 4);
+  const TDoubleArray x{1, 2, 4, 8};
+  T.CopyDataColumnFromArray(1, x);
+  int n = 0;
+  EXPECT_DOUBLE_EQ(T.GeometricMeanOfNumCells(0, 0, 0, 0, n), std::sqrt(8));
+  EXPECT_DOUBLE_EQ(T.HarmonicMeanOfNumCells(0, 0, 0, 0, n), 4 / 1.875);
+  EXPECT_EQ(n, 4);
+  T.SetElem(1, 2, 0);
+  EXPECT_EQ(T.GeometricMeanOfNumCells(0, 0, 0, 0, n), 0);
+  EXPECT_EQ(n, 3);
+  EXPECT_THROW_MSG(T.HarmonicMeanOfNumCells(0, 0, 0, 0, n), EZELDataTableError,
+                   "Component \"T\": negative or zero argument passed to HarmonicMean");
+  T.SetElem(1, 2, -1);
+  EXPECT_THROW_MSG(T.GeometricMeanOfNumCells(0, 0, 0, 0, n), EZELDataTableError,
+                   "Component \"T\": negative argument passed to GeometricMean");
+  T.SetAllCellStates(2);
+  EXPECT_EQ(T.GeometricMeanOfNumCells(0, 0, 0, 0, n) + T.HarmonicMeanOfNumCells(0, 0, 0, 0, n), 0);
+  EXPECT_EQ(n, 0);
+}
+
+/// The definitions of the five modes, pair by pair.
+double covariance(const TDataTable& T, int c1, int c2, int r1, int r2, int mode) {
+  double sx = 0, sy = 0, sxx = 0, syy = 0, sxy = 0, sd = 0, m1 = 0, m2 = 0, sm = 0, unused = 0;
+  T.MeanVarOfNumCells(c1, r1, c1, r2, m1, unused);
+  T.MeanVarOfNumCells(c2, r1, c2, r2, m2, unused);
+  int n = 0;
+  for (int r = r1; r <= r2; ++r) {
+    if (!T.GetIsNumber(c1, r) || !T.GetIsNumber(c2, r)) continue;
+    const double x = T.NumericData->GetVal(c1, r);
+    const double y = T.NumericData->GetVal(c2, r);
+    ++n;
+    sx += x;
+    sy += y;
+    sxx += x * x;
+    syy += y * y;
+    sxy += x * y;
+    sd += (x - y) * (x - y);
+    sm += (x - m1) * (y - m2);
+  }
+  if (n < 2) return 0;
+  const double product = std::sqrt(std::abs((sxx - sx * sx / n) * (syy - sy * sy / n)));
+  const double r = n < 3 || product < 1e-12 ? 0 : (sxy - sx * sy / n) / product;
+  const double results[] = {sxy / (n - 1), sm / (n - 1), r, r * r, sd / (n - 1)};
+  return results[mode];
+}
+
+TEST(TableStatistics, Covariances) {
+  TDataTable T;
+  fill(T, 5, 30, 3);
+  for (int mode = 0; mode <= 4; ++mode) {
+    TMatrix C;
+    C.Resize(5, 4);
+    C.Fill(-7);
+    int events = 0;
+    C.OnChange = [&](TObject*) { ++events; };
+    ProcStat = 0;
+    ASSERT_TRUE(T.CalcCovar(&C, 2, 5, 3, 29, mode));
+    EXPECT_EQ(ProcStat, mode == 1 ? 8 : 4);
+    EXPECT_EQ(events, 1);
+    for (int i = 1; i <= 4; ++i) {
+      for (int j = 1; j <= 4; ++j) {
+        const bool isUnit = i == j && (mode == 2 || mode == 3);
+        EXPECT_NEAR(C.GetVal(i, j), isUnit ? 1 : covariance(T, i + 1, j + 1, 3, 29, mode), 1e-11)
+            << mode << ": " << i << ", " << j;
+      }
+    }
+    EXPECT_EQ(C.GetVal(5, 1), -7);
+    EXPECT_FALSE(T.CalcCovar(&C, 1, 5, 1, 30, mode)) << "too small";
+  }
+  EXPECT_FALSE(T.CalcCovar(nullptr, 1, 1, 1, 30, 0));
+  TMatrix C;
+  C.Resize(5, 5);
+  EXPECT_FALSE(T.CalcCovar(&C, 1, 5, 1, 30, 5));
+  EXPECT_TRUE(T.CalcCovar(&C, 9, 10, -5, 99, 1)) << "columns that are not there";
+  EXPECT_EQ(C.GetVal(1, 2), 0);
+  MathFeedBackProc = [](double) { AbortMathProc = true; };
+  EXPECT_FALSE(T.CalcCovar(&C, 1, 5, 1, 30, 0));
+  MathFeedBackProc = nullptr;
+  AbortMathProc = false;
+}
+
+TEST(TableStatistics, ColumnsAttributesScales) {
+  TDataTable T;
+  T.Resize(3, 4);
+  const TDoubleArray x{5, 3, 5, 3};
+  T.CopyDataColumnFromArray(1, x);
+  double v1 = 0;
+  double v2 = 0;
+  EXPECT_TRUE(T.CheckDichotomousColumn(1, v1, v2));
+  EXPECT_EQ(v1, 3);
+  EXPECT_EQ(v2, 5);
+  EXPECT_FALSE(T.IsConstantColumn(1));
+  T.SetElem(1, 4, 4);
+  EXPECT_FALSE(T.CheckDichotomousColumn(1, v1, v2));
+  EXPECT_FALSE(T.CheckDichotomousColumn(2, v1, v2)) << "constant";
+  EXPECT_FALSE(T.CheckDichotomousColumn(4, v1, v2)) << "outside";
+  EXPECT_EQ(v1 + v2, 0);
+  EXPECT_TRUE(T.IsConstantColumn(2));
+  EXPECT_FALSE(T.IsConstantColumn(0));
+  const int attributes[] = {2, -1, 2, 300};
+  for (int r = 1; r <= 4; ++r) T.SetRowAttrib(r, attributes[r - 1]);
+  EXPECT_EQ(T.RowAttribLevels(), 3);
+  EXPECT_EQ(T.ColAttribLevels(), 1);
+  int index = 0;
+  EXPECT_EQ(T.MaxRowAttrib(0, 0, index), 300);
+  EXPECT_EQ(index, 4);
+  EXPECT_EQ(T.MaxRowAttrib(3, 1, index), 2);
+  EXPECT_EQ(index, 1) << "the first one";
+  EXPECT_EQ(T.MinRowAttrib(0, 0, index), -1);
+  EXPECT_EQ(index, 2);
+  T.SetColAttrib(2, 9);
+  EXPECT_EQ(T.MaxColAttrib(0, 0, index), 9);
+  EXPECT_EQ(T.MinColAttrib(2, 3, index), 0);
+  EXPECT_EQ(index, 3);
+  T.SetMScaleType(1, stOrdinal);
+  T.SetMScaleType(2, stUnknown);
+  EXPECT_EQ(T.FindHighestMLevel(0, 0), stInterval);
+  EXPECT_EQ(T.FindHighestMLevel(2, 2), stNominal);
+  EXPECT_EQ(T.FindLowestMLevel(0, 0), stUnknown);
+}
+
+TEST(TableTransforms, StandardizeByColumnsAndRows) {
+  for (const bool isDivided : {false, true}) {
+    TDataTable T;
+    fill(T, 6, 25, 11);
+    TDataTable Old;
+    Old.CopyContentsFrom(&T);
+    int events = 0;
+    T.OnChange = [&](TObject*) { ++events; };
+    TVector M, S;
+    M.Resize(6);
+    S.Resize(6);
+    M.Fill(-1);
+    if (isDivided) {
+      T.StandardizeNumCellColumns(&M, &S);
+    } else {
+      T.MeanCenterNumCellColumns(&M);
+    }
+    EXPECT_EQ(events, 1);
+    for (int c = 1; c <= 6; ++c) {
+      double mean = -1;
+      double variance = 1;
+      if (isNumeric(Old, c)) Old.MeanVarOfNumCells(c, 0, c, 0, mean, variance);
+      EXPECT_EQ(M.Elem(c), mean);
+      for (int r = 1; r <= 25; ++r) {
+        double x = Old(c, r);
+        if (isNumeric(Old, c) && Old.GetIsNumber(c, r)) {
+          x = isDivided ? (x - mean) / std::sqrt(variance) : x - mean;
+        }
+        ASSERT_DOUBLE_EQ(T(c, r), x) << c << ", " << r;
+      }
+    }
+    EXPECT_THROW_MSG(T.StandardizeNumCellRows(nullptr, nullptr), EZELDataTableError,
+                     "standardization of rows is not possible with nominal or ordinal variables");
+    EXPECT_THROW_MSG(T.MeanCenterNumCellRows(nullptr), EZELDataTableError,
+                     "mean centering of rows is not possible with nominal or ordinal variables");
+    EXPECT_EQ(events, 1);
+    for (int c = 1; c <= 6; ++c) T.SetMScaleType(c, stRatio);
+    if (isDivided) {
+      T.StandardizeNumCellRows(&M, nullptr);
+    } else {
+      T.MeanCenterNumCellRows(&M);
+    }
+    EXPECT_EQ(events, 2);
+    double mean = 0;
+    double variance = 0;
+    if (T.MeanVarOfNumCells(0, 4, 0, 4, mean, variance) > 2) {
+      EXPECT_NEAR(mean, 0, 1e-14);
+      EXPECT_TRUE(!isDivided || std::abs(variance - 1) < 1e-13);
+    }
+  }
+  TDataTable T;
+  T.Resize(2, 2);
+  T.SetCellState(1, 2, 4);
+  T.SetCellState(2, 2, 5);
+  EXPECT_EQ(T.FillMarkedCells(3, 4), 2);
+  EXPECT_EQ(T(1, 2) + T(2, 2), 6);
+  EXPECT_EQ(T.FillMarkedCells(3, 64), 0);
+}
+
+}  // namespace
+}  // namespace zel
