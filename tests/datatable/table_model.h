@@ -1,10 +1,12 @@
 /// @file
-/// A data table written down plainly, cell by cell and step by step, for comparison.
+/// A data table written down plainly, cell by cell, for comparison.
 #pragma once
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <numeric>
 #include <string>
 #include <utility>
 #include <vector>
@@ -13,7 +15,9 @@
 
 namespace zel::test {
 
+/// Every operation that moves lines says from which old place each new line comes.
 struct TableModel {
+  using Places = std::vector<int>;  // of lines, 0: a new one
   struct Cell {
     double value = 0;
     int state = 0;
@@ -21,196 +25,141 @@ struct TableModel {
   struct Line {
     std::string name;
     int attribute = 0;
-  };
-  struct Column : Line {
     TMScaleType scale = stInterval;
-    std::vector<std::string> ids = std::vector<std::string>(150);
-    std::vector<Cell> cells;
-    [[nodiscard]] bool categorical() const { return scale == stNominal || scale == stOrdinal; }
-    [[nodiscard]] double elem(std::size_t r) const {
-      return categorical() ? std::nearbyint(cells[r].value) : cells[r].value;
-    }
-    void round() {
-      for (std::size_t r = 0; r < cells.size(); ++r) cells[r].value = elem(r);
-    }
+    std::vector<std::string> ids = std::vector<std::string>(151);
   };
-  std::string comment;
-  std::vector<Column> columns;
-  std::vector<Line> rows;
-  std::string events;
+  std::string comment, events;
+  std::vector<Line> lines[2] = {{{}, {"C-1"}}, {{}, {"R-1"}}};  // columns, rows; 0 is empty
+  std::vector<std::vector<Cell>> cells{{{}, {}}, {{}, {}}};     // [column][row]
 
-  TableModel() { setSize(1, 1); }
-  [[nodiscard]] int nCols() const { return static_cast<int>(columns.size()); }
-  [[nodiscard]] int nRows() const { return static_cast<int>(rows.size()); }
-  Column& column(int c) { return columns[static_cast<std::size_t>(c - 1)]; }
-  Line& row(int r) { return rows[static_cast<std::size_t>(r - 1)]; }
-  Cell& cell(int c, int r) { return column(c).cells[static_cast<std::size_t>(r - 1)]; }
-
-  void setSize(int nc, int nr) {
-    while (nCols() > nc) columns.pop_back();
-    while (nRows() > nr) rows.pop_back();
-    while (nCols() < nc) {
-      columns.emplace_back();
-      columns.back().name = "C-" + std::to_string(nCols());
-    }
-    while (nRows() < nr) rows.push_back({"R-" + std::to_string(nRows() + 1), 0});
-    for (Column& column : columns) column.cells.resize(rows.size());
+  [[nodiscard]] int count(bool ofRows) const { return static_cast<int>(lines[ofRows].size()) - 1; }
+  [[nodiscard]] int nCols() const { return count(false); }
+  [[nodiscard]] int nRows() const { return count(true); }
+  Line& column(int c) { return lines[0][static_cast<std::size_t>(c)]; }
+  Line& row(int r) { return lines[1][static_cast<std::size_t>(r)]; }
+  Cell& cell(int c, int r) {
+    return cells[static_cast<std::size_t>(c)][static_cast<std::size_t>(r)];
   }
-  void resized(int oldCols, int oldRows) {
-    events += "Z(" + std::to_string(oldCols) + "," + std::to_string(oldRows) + ")";
+  bool categorical(int c) { return column(c).scale == stNominal || column(c).scale == stOrdinal; }
+  double elem(int c, int r) {
+    return categorical(c) ? std::nearbyint(cell(c, r).value) : cell(c, r).value;
+  }
+  void round(int fromCol, int fromRow) {
+    for (int c = fromCol; c <= nCols(); ++c) {
+      for (int r = fromRow; r <= nRows(); ++r) cell(c, r).value = elem(c, r);
+    }
+  }
+  static Places all(int n) {
+    Places places(static_cast<std::size_t>(n));
+    std::iota(places.begin(), places.end(), 1);
+    return places;
+  }
+  void take(Places ofCols, Places ofRows) {
+    TableModel old = *this;
+    for (Places* places : {&ofCols, &ofRows}) places->insert(places->begin(), 0);
+    lines[0].clear(), lines[1].clear(), cells.clear();
+    for (const int r : ofRows) lines[1].push_back(old.row(r));
+    for (const int c : ofCols) {
+      lines[0].push_back(old.column(c));
+      cells.emplace_back();
+      for (const int r : ofRows) cells.back().push_back(old.cell(c, r));
+    }
+    if (nCols() != old.nCols() || nRows() != old.nRows()) {
+      events += "Z(" + std::to_string(old.nCols()) + "," + std::to_string(old.nRows()) + ")";
+    }
+  }
+  void take(bool ofRows, const Places& places) {
+    take(ofRows ? all(nCols()) : places, ofRows ? places : all(nRows()));
+  }
+  void name(int fromCol, int fromRow) {
+    for (int c = fromCol; c <= nCols(); ++c) column(c).name = "C-" + std::to_string(c);
+    for (int r = fromRow; r <= nRows(); ++r) row(r).name = "R-" + std::to_string(r);
   }
   void resize(int nc, int nr) {
-    if (nc < 1 || nr < 1 || (nc == nCols() && nr == nRows())) return;
+    if (nc < 1 || nr < 1) return;
     const int oldCols = nCols(), oldRows = nRows();
-    setSize(nc, nr);
-    resized(oldCols, oldRows);
+    Places ofCols = all(std::min(nc, oldCols)), ofRows = all(std::min(nr, oldRows));
+    ofCols.resize(static_cast<std::size_t>(nc)), ofRows.resize(static_cast<std::size_t>(nr));
+    take(ofCols, ofRows);
+    name(oldCols + 1, oldRows + 1);
   }
-  void insertRow(int ix) {
-    if (ix < 1 || ix > nRows() + 1) return;
-    rows.insert(rows.begin() + ix - 1, Line());
-    for (Column& column : columns) {
-      for (std::size_t r = rows.size() - 1; r-- > static_cast<std::size_t>(ix - 1);) {
-        column.cells[r].value = column.elem(r);
-      }
-      column.cells.insert(column.cells.begin() + ix - 1, Cell());
+  void insert(bool ofRows, int ix) {
+    if (ix < 1 || ix > count(ofRows) + 1) return;
+    round(ofRows ? 1 : ix, ofRows ? ix : 1);
+    Places places = all(count(ofRows));
+    places.insert(places.begin() + ix - 1, 0);
+    take(ofRows, places);
+    events += "S";
+  }
+  void remove(bool ofRows, int ix) {
+    if (ix < 1 || ix > count(ofRows) || count(ofRows) == 1) return;
+    for (int c = nCols(); c > ix && !ofRows; --c) {
+      if (!categorical(c)) column(c).ids = column(c - 1).ids;  // those of its new place
     }
-    resized(nCols(), nRows() - 1);
-    events += "S";
-  }
-  void insertColumn(int ix) {
-    if (ix < 1 || ix > nCols() + 1) return;
-    for (int c = ix; c <= nCols(); ++c) column(c).round();
-    columns.insert(columns.begin() + ix - 1, Column());
-    column(ix).cells.resize(rows.size());
-    resized(nCols() - 1, nRows());
-    events += "S";
-  }
-  void dropRow(int ix) {
-    rows.erase(rows.begin() + ix - 1);
-    for (Column& column : columns) column.cells.erase(column.cells.begin() + ix - 1);
-  }
-  void removeRow(int ix) {
-    if (ix < 1 || ix > nRows() || nRows() == 1) return;
-    dropRow(ix);
-    resized(nCols(), nRows() + 1);
-    events += "S";
-  }
-  void removeColumn(int ix) {
-    if (ix < 1 || ix > nCols() || nCols() == 1) return;
-    for (int c = ix; c < nCols(); ++c) {
-      const std::vector<std::string> ids = column(c).ids;
-      column(c) = column(c + 1);
-      if (!column(c).categorical()) column(c).ids = ids;
-    }
-    columns.pop_back();
-    resized(nCols() + 1, nRows());
+    Places places = all(count(ofRows));
+    places.erase(places.begin() + ix - 1);
+    take(ofRows, places);
     events += "S";
   }
   int removeMarkedRows(int first, int last, int mask) {
     if (first == 0 && last == 0) first = 1, last = nRows();
     if (first < 1 || last < 1 || first > nRows() || last > nRows()) return -1;
-    const int oldRows = nRows();
-    int removed = 0;
-    for (int r = last; r >= first; --r) {
-      bool marked = false;
-      for (int c = 1; c <= nCols(); ++c) marked = marked || (cell(c, r).state & mask) != 0;
-      if (!marked) continue;
-      ++removed;
-      if (nRows() > 1) {
-        dropRow(r);
-      } else {
-        row(1) = {};
-        for (Column& column : columns) column.cells[0] = {};
-      }
-    }
-    if (nRows() != oldRows) resized(nCols(), oldRows);
-    if (removed > 0) events += "S";
+    Places kept = all(nRows());
+    const int removed = static_cast<int>(std::erase_if(kept, [&](int r) {
+      int states = 0;
+      for (int c = 1; c <= nCols(); ++c) states |= cell(c, r).state;
+      return r >= first && r <= last && (states & mask) != 0;
+    }));
+    if (kept.empty()) kept = {0};
+    take(true, kept);
+    events += removed > 0 ? "S" : "";
     return removed;
   }
-  void swapRows(int r1, int r2) {
-    std::swap(row(r1), row(r2));
-    for (int c = 1; c <= nCols(); ++c) std::swap(cell(c, r1), cell(c, r2));
-  }
   void exchange(bool ofRows, int i, int j) {
-    const int n = ofRows ? nRows() : nCols();
-    if (i < 1 || j < 1 || i > n || j > n) return;
-    ofRows ? swapRows(i, j) : std::swap(column(i), column(j));
+    if (std::min(i, j) < 1 || std::max(i, j) > count(ofRows)) return;
+    Places places = all(count(ofRows));
+    std::swap(places[static_cast<std::size_t>(i - 1)], places[static_cast<std::size_t>(j - 1)]);
+    take(ofRows, places);
     events += "DCANS";
   }
   void mirror(bool ofRows) {
-    const int n = ofRows ? nRows() : nCols();
-    for (int i = 1; i < n + 1 - i; ++i) {
-      ofRows ? swapRows(i, n + 1 - i) : std::swap(column(i), column(n + 1 - i));
-    }
+    Places places = all(count(ofRows));
+    std::reverse(places.begin(), places.end());
+    take(ofRows, places);
     events += "DCANS";
   }
   void clear() {
-    const int nc = nCols(), nr = nRows();
-    setSize(0, 0);
-    setSize(nc, nr);
+    take(Places(lines[0].size() - 1), Places(lines[1].size() - 1));
+    name(1, 1);
     comment.clear();
     events += "NACS";
   }
   void copyFrom(int c1, int r1, int c2, int r2, int destCol, int destRow) {
-    TableModel source = *this;
-    for (int c = c1; c <= c2; ++c) {
-      for (int r = r1; r <= r2; ++r) {
-        const int toCol = c - c1 + destCol, toRow = r - r1 + destRow;
-        if (toCol < 1 || toRow < 1 || toCol > nCols() || toRow > nRows()) continue;
-        cell(toCol, toRow) = source.cell(c, r);
+    TableModel old = *this;
+    for (int c = std::max(1, destCol); c <= std::min(nCols(), destCol + c2 - c1); ++c) {
+      for (int r = std::max(1, destRow); r <= std::min(nRows(), destRow + r2 - r1); ++r) {
+        cell(c, r) = old.cell(c - destCol + c1, r - destRow + r1);
       }
     }
     events += "DC";
   }
-  TMScaleType setScale(int c, TMScaleType scale) {
-    events += "S";
-    return column(c).scale = scale;
-  }
-  void attribute(int c, int r, int ofColumn, int ofRow) {
-    column(c).attribute = ofColumn;
-    row(r).attribute = ofRow;
-    events += "AA";
-  }
-  void setNames(int c, int r, const std::string& name) {
-    column(c).name = row(r).name = name.substr(0, 50);
-    events += "NN";
-  }
-  void setIdentifier(int c, int k) {
-    if (k < 1 || k > 150 || !column(c).categorical()) return;
-    column(c).ids[static_cast<std::size_t>(k - 1)] = "identifier";
-    events += "S";
-  }
-  void setCell(int c, int r, double value, int state) {
-    events += state == cell(c, r).state ? "D" : "DC";
-    cell(c, r) = {value, state};
-  }
   void serialize(bool heads, bool numbers) {
     TableModel old = *this;
     TMScaleType highest = stUnknown;
-    for (const Column& column : columns) highest = std::max(highest, column.scale);
+    for (int c = 1; c <= nCols(); ++c) highest = std::max(highest, column(c).scale);
     const int m = 1 + (heads ? 1 : 0) + (numbers ? 2 : 0);
     resize(m, old.nCols() * old.nRows());
-    if (heads) {
-      column(1).ids.assign(150, "");
-      column(1).scale = stNominal;
-      column(1).name = "(column)";
-    }
+    if (heads) column(1) = {"(column)", column(1).attribute, stNominal};
     if (numbers) column(m - 2).name = "(col. index)", column(m - 1).name = "(row index)";
-    column(m).name = "(data)";
-    column(m).scale = highest;
-    int k = 0;
-    for (int i = 1; i <= old.nCols(); ++i) {
-      if (heads && i <= 150) {
-        column(1).ids[static_cast<std::size_t>(i - 1)] =
-            (std::to_string(i) + ":" + old.column(i).name).substr(0, 10);
-      }
-      for (int j = 1; j <= old.nRows(); ++j) {
-        ++k;
-        if (heads) cell(1, k).value = i;
-        if (numbers) cell(m - 2, k).value = i, cell(m - 1, k).value = j;
-        cell(m, k) = {old.column(i).elem(static_cast<std::size_t>(j - 1)), old.cell(i, j).state};
-        row(k) = old.row(j);
-      }
+    column(m).name = "(data)", column(m).scale = highest;
+    for (int k = 1; k <= nRows(); ++k) {
+      const int i = (k - 1) / old.nRows() + 1, j = (k - 1) % old.nRows() + 1;
+      std::string& id = column(1).ids[static_cast<std::size_t>(i)];
+      if (heads) id = (std::to_string(i) + ":" + old.column(i).name).substr(0, 10);
+      if (heads) cell(1, k).value = i;
+      if (numbers) cell(m - 2, k).value = i, cell(m - 1, k).value = j;
+      cell(m, k) = {old.elem(i, j), old.cell(i, j).state};
+      row(k) = old.row(j);
     }
     events += "D";
   }
@@ -237,33 +186,37 @@ inline void recordEvents(TDataTable& table, std::string& events) {
   };
 }
 
-/// First difference between a table and its model; empty if there is none.
+/// A difference between a table and its model; empty if there is none.
 inline std::string difference(const TDataTable& table, TableModel& model) {
-  if (table.NrOfColumns() != model.nCols() || table.NrOfRows() != model.nRows()) return "size";
-  if (table.Comment() != model.comment) return "comment";
-  for (int r = 1; r <= model.nRows(); ++r) {
-    if (table.GetRowName(r) != model.row(r).name) return "name of row " + std::to_string(r);
-    if (table.GetRowAttrib(r) != model.row(r).attribute) return "attribute of row";
+  std::string found;
+  const auto expect = [&found](const char* what, int place, const auto& a, const auto& b) {
+    if (!(a == b)) found = what + std::to_string(place);
+  };
+  expect("columns ", 0, table.NrOfColumns(), model.nCols());
+  expect("rows ", 0, table.NrOfRows(), model.nRows());
+  expect("comment ", 0, table.Comment(), model.comment);
+  for (int r = 1; r <= model.nRows() && found.empty(); ++r) {
+    expect("name of row ", r, table.GetRowName(r), model.row(r).name);
+    expect("attribute of row ", r, table.GetRowAttrib(r), model.row(r).attribute);
   }
-  for (int c = 1; c <= model.nCols(); ++c) {
-    const TableModel::Column& column = model.column(c);
-    if (table.GetColName(c) != column.name) return "name of column " + std::to_string(c);
-    if (table.GetColAttrib(c) != column.attribute) return "attribute of column";
-    if (table.GetMScaleType(c) != column.scale) return "scale of column " + std::to_string(c);
-    int used = 0;
-    for (int k = 1; k <= 150; ++k) {
-      const std::string& id = column.ids[static_cast<std::size_t>(k - 1)];
-      used += id.empty() ? 0 : 1;
-      if (column.categorical() && table.GetNominalID(c, k) != id) return "identifier";
+  for (int c = 1; c <= model.nCols() && found.empty(); ++c) {
+    const TableModel::Line& column = model.column(c);
+    expect("name of column ", c, table.GetColName(c), column.name);
+    expect("attribute of column ", c, table.GetColAttrib(c), column.attribute);
+    expect("scale of column ", c, table.GetMScaleType(c), column.scale);
+    const auto hidden = std::count_if(column.ids.begin(), column.ids.end(),
+                                      [](const std::string& id) { return !id.empty(); });
+    expect("number of identifiers ", c, table.CountNominalIDs(c), static_cast<int>(hidden));
+    for (int k = 1; k <= 150 && model.categorical(c); ++k) {
+      expect("identifier ", k, table.GetNominalID(c, k), column.ids[static_cast<std::size_t>(k)]);
     }
-    if (table.CountNominalIDs(c) != used) return "hidden identifiers of " + std::to_string(c);
     for (int r = 1; r <= model.nRows(); ++r) {
-      if (table.NumericData->GetVal(c, r) != model.cell(c, r).value) return "value";
-      if (table.GetElem(c, r) != column.elem(static_cast<std::size_t>(r - 1))) return "element";
-      if (table.GetCellState(c, r) != model.cell(c, r).state) return "state";
+      expect("value in row ", r, table.NumericData->GetVal(c, r), model.cell(c, r).value);
+      expect("element in row ", r, table.GetElem(c, r), model.elem(c, r));
+      expect("state in row ", r, int{table.GetCellState(c, r)}, model.cell(c, r).state);
     }
   }
-  return {};
+  return found;
 }
 
 }  // namespace zel::test

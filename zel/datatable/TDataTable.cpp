@@ -7,7 +7,7 @@
 #include <iterator>
 
 #include "zel/base/Zel_stringl.h"
-#include "zel/datatable/internal_impl.h"
+#include "zel/datatable/guards_impl.h"
 #include "zel/kernels/range.h"
 
 namespace zel {

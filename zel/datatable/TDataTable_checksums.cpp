@@ -2,7 +2,7 @@
 #include <cstring>
 #include <iterator>
 
-#include "zel/datatable/internal_impl.h"
+#include "zel/datatable/guards_impl.h"
 #include "zel/kernels/fingerprint.h"
 
 namespace zel {

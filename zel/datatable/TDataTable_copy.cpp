@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "zel/base/rounding.h"
-#include "zel/datatable/internal_impl.h"
+#include "zel/datatable/guards_impl.h"
 #include "zel/kernels/range.h"
 
 namespace zel {

@@ -4,7 +4,7 @@
 #include <tuple>
 
 #include "zel/base/Zel_stringl.h"
-#include "zel/datatable/internal_impl.h"
+#include "zel/datatable/guards_impl.h"
 
 namespace zel {
 

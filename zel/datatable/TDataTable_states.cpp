@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "zel/datatable/internal_impl.h"
+#include "zel/datatable/guards_impl.h"
 
 namespace zel {
 

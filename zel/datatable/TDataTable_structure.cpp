@@ -3,7 +3,7 @@
 #include <stdexcept>
 
 #include "zel/base/rounding.h"
-#include "zel/datatable/internal_impl.h"
+#include "zel/datatable/guards_impl.h"
 
 namespace zel {
 
