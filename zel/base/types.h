@@ -59,6 +59,9 @@ struct TRect {
 /// How an angle is written: decimal degrees, degrees and decimal minutes, degrees, minutes and
 /// decimal seconds, a plain number.
 enum TDegreeFormat : std::uint8_t { dfDegrees, dfDegMin, dfDegMinSec, dfNumber };
+/// What stands between the cells of a text file; cdDetect: the one of the others that the first
+/// line has most of (a comma when writing).
+enum TCSVDelimiters : std::uint8_t { cdComma, cdSemicolon, cdTab, cdDetect };
 /// The decimal separator of a text; dpsBoth takes either.
 enum TDecPSep : std::uint8_t { dpsPoint, dpsComma, dpsBoth };
 /// Language of the names of months.

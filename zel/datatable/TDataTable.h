@@ -491,6 +491,42 @@ class ZEL_API TDataTable : public TComponent, private detail::TTableArrays {
   void SortColNames(bool Ascending, bool IgnoreCase, int LowCol, int LowRow, int HighCol,
                     int HighRow);
 
+  // Text files of delimited cells: RFC 4180 and what is found beside it (LF, CRLF or CR, a
+  // byte-order mark, blanks around cells).
+
+  /// Reads a text file. A column of numbers is on the interval scale. An empty cell and the words
+  /// NA, NAN (in any case) and ### make an empty cell (state 2) of value 0; INF and -INF are
+  /// numbers; in quotation marks only numbers and text count. A column in which anything else
+  /// occurs is nominal: its texts, cut to 10 bytes, are the categories in the order in which they
+  /// turn up; texts that would be the same when cut end in ~2, ~3 and so on. A first line that
+  /// begins with "# " is the comment, a column named "(attribute)" the row attributes. All else is
+  /// as in a new table. Fires what CopyContentsFrom fires.
+  /// @param IncludeColHeaders  the first line holds the names of the columns; with row names it may
+  ///   lack the first cell
+  /// @param IncludeRowHeaders  the first column holds the names of the rows
+  /// @param DecSep  the decimal separator
+  /// @param Message  receives, for a negative result, what is wrong, with the line or the column
+  /// @return 0; otherwise the table is as it was: -1 the file cannot be read, -2 there are no rows
+  /// or
+  ///   no columns, -3 a row has another number of cells than the first line, -4 a quotation mark is
+  ///   not closed or followed by more than blanks, -5 a column has more than 150 different texts,
+  ///   -6 a row attribute is not an integer
+  int ImportFromCSV(std::string_view FName, TCSVDelimiters Delimiter, bool IncludeColHeaders,
+                    bool IncludeRowHeaders, TDecPSep DecSep, std::string& Message);
+  int ImportFromCSV(std::string_view FName, TCSVDelimiters Delimiter, bool IncludeColHeaders,
+                    bool IncludeRowHeaders, TDecPSep DecSep = dpsPoint);
+  /// Writes a text file that ImportFromCSV reads: empty cells as NA, categories by their
+  /// identifiers. States but for emptiness, column attributes and scales are not part of it, nor
+  /// are unused identifiers.
+  /// @param Precision  decimals; negative: the shortest text that gives the same number again
+  /// @param IncludeRowAttributes  as a column "(attribute)" before the others
+  /// @param IncludeComment  as a first line behind "# "
+  /// @return false if the file could not be written; an old file is untouched then
+  bool ExportAsCSV(std::string_view FName, int Precision, TCSVDelimiters Delimiter,
+                   bool IncludeColHeaders, bool IncludeRowHeaders,
+                   bool IncludeRowAttributes = false, bool IncludeComment = false,
+                   TDecPSep DecSep = dpsPoint) const;
+
   // Notification.
 
   void ChangedData();

@@ -1,7 +1,7 @@
 #include <algorithm>
 
 #include "zel/base/stringhelpers.h"
-#include "zel/datatable/internal_impl.h"
+#include "zel/datatable/guards_impl.h"
 #include "zel/kernels/comb_order.h"
 
 namespace zel {

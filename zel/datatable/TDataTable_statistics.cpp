@@ -5,7 +5,7 @@
 #include <set>
 
 #include "zel/base/progress.h"
-#include "zel/datatable/internal_impl.h"
+#include "zel/datatable/guards_impl.h"
 #include "zel/kernels/minmax.h"
 #include "zel/kernels/moments.h"
 #include "zel/kernels/order_statistics.h"

@@ -1,6 +1,6 @@
 #include <cmath>
 
-#include "zel/datatable/internal_impl.h"
+#include "zel/datatable/guards_impl.h"
 #include "zel/kernels/moments.h"
 #include "zel/vector/TVector.h"
 

@@ -1,0 +1,193 @@
+// Tables as delimited text: what others write, round trips, and what cannot be read.
+#include <cmath>
+#include <cstdlib>
+#include <limits>
+#include <random>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "tests/base/temp_dir.h"
+#include "zel/datatable/Zel_datatable.h"
+
+namespace zel {
+namespace {
+
+using zel_test::readBytes;
+using zel_test::TempDir;
+using zel_test::writeBytes;
+
+/// Reads a text with a header; the code, with what is wrong behind it.
+std::string import(TDataTable& T, std::string_view text, TCSVDelimiters delimiter = cdComma,
+                   bool rowNames = false, TDecPSep separator = dpsPoint, bool header = true) {
+  const TempDir folder;
+  const std::string file = folder.file("x.csv");
+  writeBytes(file, std::string(text));
+  std::string message;
+  const int code = T.ImportFromCSV(file, delimiter, header, rowNames, separator, message);
+  return code == 0 ? "" : std::to_string(code) + " " + message;
+}
+
+void expectSame(const TDataTable& A, const TDataTable& B) {
+  ASSERT_EQ(A.NrOfColumns(), B.NrOfColumns());
+  ASSERT_EQ(A.NrOfRows(), B.NrOfRows());
+  EXPECT_EQ(A.CRCofNamesAndAttributes(), B.CRCofNamesAndAttributes());
+  EXPECT_EQ(A.CRCofCellStates(), B.CRCofCellStates());
+  TDouble2DArray a, b;
+  A.CopyDataToArray(a);
+  B.CopyDataToArray(b);
+  EXPECT_EQ(a, b);
+}
+
+TEST(TableCsv, ReadsWhatOthersWrite) {
+  TDataTable T;
+  EXPECT_EQ(import(T,
+                   "\xEF\xBB\xBFname, \"x, \"\"y\"\"\"\t,z\r\n\r\n 1,2.5e3 ,b\r\n-.5,NA,\"two\r\n"
+                   "lines\"\r\n+3,###,b\r\nnan,,NA"),
+            "");
+  EXPECT_EQ(T.NrOfColumns(), 3);
+  EXPECT_EQ(T.NrOfRows(), 4);
+  EXPECT_EQ(T.GetColName(2), "x, \"y\"");
+  EXPECT_EQ(T.GetRowName(2), "R-2");
+  EXPECT_EQ(T(1, 2), -0.5);
+  EXPECT_EQ(T(1, 3), 3);
+  EXPECT_EQ(T(2, 1), 2500);
+  for (const auto& [c, r] :
+       {std::pair(1, 4), std::pair(2, 2), std::pair(2, 3), std::pair(2, 4), std::pair(3, 4)}) {
+    EXPECT_EQ(T.GetCellState(c, r), 2) << c << r;
+    EXPECT_EQ(T(c, r), 0);
+  }
+  EXPECT_EQ(T.GetMScaleType(1), stInterval);
+  EXPECT_EQ(T.GetMScaleType(3), stNominal);
+  EXPECT_EQ(T.GetElemNominal(3, 3), "b");
+  EXPECT_EQ(T.GetElemNominal(3, 2), "two\r\nlines");
+
+  EXPECT_EQ(import(T, "a;b\n1,5;-2\n", cdDetect, false, dpsComma), "");
+  EXPECT_EQ(T(1, 1), 1.5);
+  EXPECT_EQ(import(T, "a\tb\nn1\t1\t\n", cdTab, true), "") << "the header lacks the first cell";
+  EXPECT_EQ(T.GetColName(1), "a");
+  EXPECT_EQ(T.GetRowName(1), "n1");
+  EXPECT_TRUE(T.GetIsEmpty(2, 1));
+  EXPECT_EQ(import(T, "1,inf\n\"2\",-INF\n", cdComma, false, dpsPoint, false), "");
+  EXPECT_EQ(T(1, 2), 2) << "numbers in quotation marks";
+  EXPECT_EQ(T(2, 2), -std::numeric_limits<double>::infinity());
+  EXPECT_EQ(T.GetColName(1), "C-1");
+  EXPECT_EQ(import(T, "s\nIris-versicolor\nIris-versiform\n\"NA\"\n1e999\n"), "");
+  EXPECT_EQ(T.GetNominalID(1, 1), "Iris-versi");
+  EXPECT_EQ(T.GetNominalID(1, 2), "Iris-ver~2");
+  EXPECT_EQ(T.GetNominalID(1, 3), "NA");
+  EXPECT_EQ(T.GetNominalID(1, 4), "1e999");
+
+  TDataTable Iris;
+  std::string message;
+  ASSERT_EQ(Iris.ImportFromCSV(ZEL_TEST_DATA "/iris.csv", cdDetect, true, false, dpsPoint, message),
+            0)
+      << message;
+  EXPECT_EQ(Iris.NrOfRows(), 150);
+  EXPECT_EQ(Iris.CountNominalIDs(5), 3);
+  EXPECT_EQ(Iris.GetElemNominal(5, 150), "virginica");
+  double mean = 0;
+  double variance = 0;
+  EXPECT_EQ(Iris.MeanVarOfNumCells(1, 0, 1, 0, mean, variance), 150);
+  EXPECT_NEAR(mean, 5.843333333333334, 1e-15);
+}
+
+TEST(TableCsv, WhatCannotBeReadLeavesTheTable) {
+  TDataTable T;
+  T.Resize(2, 2);
+  T.SetElem(1, 2, 7);
+  T.SetMScaleType(2, stOrdinal);
+  TDataTable Before;
+  Before.CopyContentsFrom(&T);
+  T.OnChange = T.OnChangeSetup = [](TObject*) { FAIL() << "nothing has changed"; };
+  std::string many = "\"c\"\n";
+  for (int k = 0; k < 151; ++k) many.append("w").append(std::to_string(k)).append("\n");
+  const std::pair<std::string, const char*> cases[] = {
+      {"", "-2 there is nothing but blanks"},
+      {"a,b\n\n", "-2 there are no rows"},
+      {"a,b\n1,2\n\n3\n", "-3 line 4: it has 1 cells, not 2 as the first line"},
+      {"a\n1,2\n", "-3 line 2: it has 2 cells, not 1 as the first line"},
+      {"a,b\n1,\"x\ny\n",
+       "-4 line 2: a quotation mark is not closed, or there is more after a closing one"},
+      {"a,b\n1,\"x\" y\n",
+       "-4 line 2: a quotation mark is not closed, or there is more after a closing one"},
+      {many, "-5 the column c has more than 150 different texts"},
+      {"(attribute),a\n1.5,2\n", "-6 line 2: the row attribute is not an integer"},
+      {"(attribute)\n1\n", "-2 there are no columns of data"}};
+  for (const auto& [text, expected] : cases) EXPECT_EQ(import(T, text), expected);
+  std::string message;
+  EXPECT_EQ(T.ImportFromCSV("/nowhere/x.csv", cdComma, true, true), -1);
+  expectSame(T, Before);
+  many.resize(many.rfind("w150"));
+  T.OnChange = T.OnChangeSetup = nullptr;
+  EXPECT_EQ(import(T, many), "");
+  EXPECT_EQ(T.CountNominalIDs(1), 150);
+}
+
+TEST(TableCsv, RoundTrips) {
+  std::mt19937_64 random(5);
+  const std::string_view names[] = {
+      "",           " a ", "x,y",      "\"", "1;2\t3",
+      "two\nlines", "#",   "\xC3\xA4", "NA", "12345678901234567890123456789012345678901234567890"};
+  for (int trial = 0; trial < 60; ++trial) {
+    TDataTable T;
+    const int columns = static_cast<int>(random() % 5) + 1;
+    const int rows = static_cast<int>(random() % 9) + 1;
+    T.Resize(columns, rows);
+    T.SetFComment("A comment, \"quoted\"");
+    for (int r = 1; r <= rows; ++r) {
+      T.SetRowName(r, names[random() % std::size(names)]);
+      T.SetRowAttrib(r, static_cast<int>(random()));
+    }
+    for (int c = 1; c <= columns; ++c) {
+      T.SetColName(c, names[random() % std::size(names)]);
+      const bool isText = c % 3 == 0;
+      if (isText) T.SetMScaleType(c, stNominal);
+      for (int r = 1; r <= rows; ++r) {
+        if (random() % 5 == 0) {
+          T.SetIsEmpty(c, r, true);
+        } else if (isText) {
+          T.SetElemNominal(c, r, std::string("k ").append(1, static_cast<char>(random() % 256)));
+        } else {
+          const double x =
+              std::ldexp(static_cast<double>(random()), static_cast<int>(random() % 2000) - 1060);
+          T.SetElem(c, r, random() % 9 == 0 ? -std::numeric_limits<double>::infinity() : x);
+        }
+      }
+      // A column without any text would come back as numbers.
+      if (isText && T.CountNominalIDs(c) == 0) T.SetMScaleType(c, stInterval);
+    }
+    const auto delimiter = static_cast<TCSVDelimiters>(trial % 3);
+    const TDecPSep separator = trial % 2 == 0 ? dpsPoint : dpsComma;
+    const TempDir folder;
+    const std::string file = folder.file("x.csv");
+    ASSERT_TRUE(T.ExportAsCSV(file, -1, delimiter, true, true, true, true, separator));
+    TDataTable Read;
+    std::string message;
+    ASSERT_EQ(Read.ImportFromCSV(file, delimiter, true, true, separator, message), 0)
+        << message << '\n'
+        << readBytes(file);
+    expectSame(Read, T);
+    // Cut off anywhere, it is read or refused.
+    const std::string bytes = readBytes(file);
+    for (std::size_t size = 0; trial < 6 && size < bytes.size(); ++size) {
+      static_cast<void>(import(Read, bytes.substr(0, size), delimiter, true, separator));
+    }
+  }
+}
+
+TEST(TableCsv, WritesAllOrNothing) {
+  TDataTable T;
+  T.SetElem(1, 1, 1.25);
+  const TempDir folder;
+  const std::string file = folder.file("x.csv");
+  ASSERT_TRUE(T.ExportAsCSV(file, 1, cdDetect, false, false));
+  EXPECT_EQ(readBytes(file), "1.2\n");
+  ASSERT_TRUE(T.ExportAsCSV(file, -1, cdComma, true, true, false, false, dpsComma));
+  EXPECT_EQ(readBytes(file), "\"\",C-1\nR-1,\"1,25\"\n");
+  EXPECT_FALSE(T.ExportAsCSV("/nowhere/x.csv", -1, cdComma, true, true));
+  EXPECT_FALSE(T.ExportAsCSV("/dev/full", -1, cdComma, true, true));
+}
+
+}  // namespace
+}  // namespace zel
