@@ -196,6 +196,7 @@ TEST_F(DataTable, ContingencyTable) {
 TEST_F(DataTable, StatesOfManyCells) {
   record(2, 3);
   table.SetCellState(2, 3, 64 + 4);
+  table.SetCellState(1, 3, 128);
   table.SetIsImputed(1, 1, true);
   EXPECT_TRUE(table.IfAnyCellHasCellState(2, 2, 2, 3, 64));
   EXPECT_FALSE(table.IfAnyCellHasCellState(1, 1, 2, 2, 64));
@@ -203,13 +204,14 @@ TEST_F(DataTable, StatesOfManyCells) {
   EXPECT_EQ(table.CountMarkedCellsInColumn(1, 32 + 64), 1);
   table.ExchangeMarkings();
   EXPECT_EQ(table.GetCellState(2, 3), 128 + 4);
+  EXPECT_EQ(table.GetCellState(1, 3), 64);
   table.InvertCellStates(1);
   table.UnmarkAllCells();
   EXPECT_EQ(table.GetCellState(2, 3), 4 + 1);
   EXPECT_FALSE(table.GetIsNumber(1, 2));
   table.SetIsEmpty(1, 2, true);
   table.SetIsEmpty(1, 2, true);
-  EXPECT_EQ(events, "CCDCCCCD");
+  EXPECT_EQ(events, "CCCDCCCCD");
   // A sort of the matrix takes the states along.
   table.NumericData->SetVal(2, 1, 9);
   table.NumericData->SortRows(2, false, 1, 1, 2, 3);
@@ -275,6 +277,9 @@ TEST(DataTableMatrix, BorrowedIsNeitherFreedNorCut) {
     table.AssignAnotherDataMatrix(&second);
     EXPECT_FALSE(first.OnChange);
     EXPECT_EQ(contents(first), before);
+    events.clear();
+    table.AssignAnotherDataMatrix(&second);  // the size stays
+    EXPECT_EQ(events, "Z(1,1)DSNAC");
     table.OnChange = nullptr;
     second.Resize(4, 4);  // not for others to do
     table.InsertRow(1);
@@ -348,9 +353,12 @@ TEST(DataTableMemory, FailedAllocationsChangeNothing) {
     model.cell(2, 2).value = 5;
     model.cell(2, 1).state = 64;
   };
+  prepare();
+  const std::string fingerprint = table->CRCofNamesAndAttributes();  // finds lines behind the last
   const auto unchanged = [&] {
     EXPECT_EQ(difference(*table, model), "");
     EXPECT_TRUE(table->NumericData->OnChange);
+    EXPECT_EQ(table->CRCofNamesAndAttributes(), fingerprint);
   };
   const auto check = [&](auto&& operation) {
     expectFailuresHarmless<EZELDataTableError>(
