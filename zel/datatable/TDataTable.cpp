@@ -17,12 +17,8 @@ using detail::at;
 TDataTable::TDataTable(TComponent* AOwner) : TComponent(AOwner) {
   try {
     FOwned = std::make_unique<TMatrix>();
-    FRowAtt.resize(1);
-    FColAtt.resize(1);
-    FVType.resize(1);
+    ResizeLines(1, 1);
     FCState.SetLength(1, 1);
-    FColName.resize(1);
-    FRowName.resize(1);
   } catch (const std::exception&) {
     Raise<EZELDataTableError>("\": failed to initialize (out of memory)");
   }
@@ -79,7 +75,7 @@ std::string_view withoutBlanks(std::string_view name) {
   return name.substr(first, name.find_last_not_of(' ') - first + 1);
 }
 
-int findName(const std::vector<TDTNameStr>& names, std::string_view name) {
+int findName(std::span<const TDTNameStr> names, std::string_view name) {
   const TDTNameStr cut(name);
   const std::string_view wanted = withoutBlanks(cut);
   const auto found = std::find_if(names.begin(), names.end(), [&](const TDTNameStr& candidate) {
@@ -88,13 +84,13 @@ int findName(const std::vector<TDTNameStr>& names, std::string_view name) {
   return found == names.end() ? 0 : static_cast<int>(found - names.begin()) + 1;
 }
 
-int longestName(const std::vector<TDTNameStr>& names) {
+int longestName(std::span<const TDTNameStr> names) {
   std::size_t longest = 0;
   for (const TDTNameStr& name : names) longest = std::max(longest, name.size());
   return static_cast<int>(longest);
 }
 
-void mergeAttributes(std::vector<int>& attributes, int value, std::uint32_t mask) {
+void mergeAttributes(std::span<int> attributes, int value, std::uint32_t mask) {
   for (int& a : attributes) {
     a = static_cast<int>((static_cast<std::uint32_t>(a) & ~mask) |
                          (static_cast<std::uint32_t>(value) & mask));

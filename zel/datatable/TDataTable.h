@@ -11,7 +11,6 @@
 #include <string>
 #include <string_view>
 #include <tuple>
-#include <vector>
 
 #include "zel/base/Zel_zelbase.h"
 #include "zel/matrix/TMatrix.h"
@@ -48,12 +47,12 @@ namespace detail {
 /// What a table holds beside its values.
 struct TTableArrays {
   std::string FComment;
-  std::vector<int> FRowAtt;
-  std::vector<int> FColAtt;
-  std::vector<TVTypeSpec> FVType;
+  TDynArray<int, 1> FRowAtt;
+  TDynArray<int, 1> FColAtt;
+  TDynArray<TVTypeSpec, 1> FVType;
   TDynArray<std::uint8_t, 2> FCState;  // [column][row]
-  std::vector<TDTNameStr> FColName;
-  std::vector<TDTNameStr> FRowName;
+  TDynArray<TDTNameStr, 1> FColName;
+  TDynArray<TDTNameStr, 1> FRowName;
 };
 
 }  // namespace detail
@@ -594,8 +593,11 @@ class ZEL_API TDataTable : public TComponent, private detail::TTableArrays {
   /// Gives the matrix the size of the table, should somebody have changed it.
   void FitMatrix();
   /// Resizes all but the matrix, which resizeMatrix() does when everything else is sure to succeed.
+  /// The matrix must fit the table unless it is to be replaced.
   template <class ResizeMatrix>
   void ResizeArrays(std::int64_t nCols, std::int64_t nRows, ResizeMatrix&& resizeMatrix);
+  /// Sets the number of names, attributes and scales.
+  void ResizeLines(std::size_t columns, std::size_t rows);
   /// Resizes without events.
   void ResizeTo(std::int64_t nCols, std::int64_t nRows);
   /// Default names from an index (from 0) on.

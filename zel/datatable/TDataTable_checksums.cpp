@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cstring>
 #include <iterator>
+#include <vector>
 
 #include "zel/datatable/guards_impl.h"
 #include "zel/kernels/fingerprint.h"
@@ -29,7 +30,7 @@ class LaneRegisters {
   }
   void feed(std::string_view item) { feed(item.data(), item.size()); }
   /// The lowest byte of each value.
-  void feed(const std::vector<int>& values) {
+  void feed(std::span<const int> values) {
     std::vector<std::uint8_t> bytes(values.size());
     std::transform(values.begin(), values.end(), bytes.begin(),
                    [](int value) { return static_cast<std::uint8_t>(value); });

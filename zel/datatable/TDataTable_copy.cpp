@@ -131,9 +131,9 @@ void TDataTable::Serialize(bool ColHeadsAsVar, bool IncludeColRowNumbers) {
     const std::size_t rows = Rows();
     TDouble2DArray oldValues;
     TDynArray<std::uint8_t, 2> oldStates;
-    std::vector<TDTNameStr> oldColName;
-    std::vector<TDTNameStr> oldRowName;
-    std::vector<int> oldRowAtt;
+    TDynArray<TDTNameStr, 1> oldColName;
+    TDynArray<TDTNameStr, 1> oldRowName;
+    TDynArray<int, 1> oldRowAtt;
     Guarded([&] {
       CopyDataToArray(oldValues);
       oldStates = FCState;

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <limits>
 #include <stdexcept>
+#include <vector>
 
 #include "zel/base/rounding.h"
 #include "zel/datatable/guards_impl.h"
@@ -10,13 +11,6 @@ namespace zel {
 using detail::at;
 
 namespace {
-
-/// Makes room for n entries; many small steps cost amortised constant time.
-template <class T>
-void reserveFor(std::vector<T>& entries, std::size_t n) {
-  const std::size_t room = entries.capacity();
-  if (n > room) entries.reserve(std::max(n, room + room / 2));
-}
 
 /// Moves the entries from index ix on one place back, over the last one, and sets entry ix.
 template <class T>
@@ -49,6 +43,14 @@ void TDataTable::FitMatrix() {
   Guarded([&] { NumericData->Resize(FNrOfCols, FNrOfRows); });
 }
 
+void TDataTable::ResizeLines(std::size_t columns, std::size_t rows) {
+  FColAtt.resize(columns);
+  FRowAtt.resize(rows);
+  FColName.resize(columns);
+  FRowName.resize(rows);
+  FVType.resize(columns);
+}
+
 template <class ResizeMatrix>
 void TDataTable::ResizeArrays(std::int64_t nCols, std::int64_t nRows, ResizeMatrix&& resizeMatrix) {
   const std::size_t oldColumns = Columns();
@@ -61,37 +63,29 @@ void TDataTable::ResizeArrays(std::int64_t nCols, std::int64_t nRows, ResizeMatr
     if (std::max(nCols, nRows) > std::numeric_limits<int>::max()) {
       throw std::length_error("TDataTable: too many rows or columns");
     }
-    TDynArray<std::uint8_t, 2> states;
-    if (!grows && !shrinks) {
-      states.SetLength(columns, rows);
-      for (std::size_t c = 0; c < std::min(columns, oldColumns); ++c) {
-        std::copy_n(FCState.data() + c * oldRows, std::min(rows, oldRows),
-                    states.data() + c * rows);
-      }
-    }
-    reserveFor(FColAtt, columns);
-    reserveFor(FRowAtt, rows);
-    reserveFor(FColName, columns);
-    reserveFor(FRowName, rows);
-    reserveFor(FVType, columns);
-    if (grows) FCState.SetLength(columns, rows);
     try {
+      // Everything grows first; in case of failure it shrinks back, for which it needs no storage.
+      TDynArray<std::uint8_t, 2> states;
+      if (grows) {
+        FCState.SetLength(columns, rows);
+      } else if (!shrinks) {
+        states.SetLength(columns, rows);
+        for (std::size_t c = 0; c < std::min(columns, oldColumns); ++c) {
+          std::copy_n(FCState.data() + c * oldRows, std::min(rows, oldRows),
+                      states.data() + c * rows);
+        }
+      }
+      ResizeLines(std::max(columns, oldColumns), std::max(rows, oldRows));
       resizeMatrix();
+      if (!grows && !shrinks) FCState.swap(states);
     } catch (...) {
-      FCState.SetLength(oldColumns, oldRows);  // in place
+      FCState.SetLength(oldColumns, oldRows);
+      ResizeLines(oldColumns, oldRows);
       throw;
     }
-    if (grows || shrinks) {
-      FCState.SetLength(columns, rows);
-    } else {
-      FCState.swap(states);
-    }
   });
-  FColAtt.resize(columns);
-  FRowAtt.resize(rows);
-  FColName.resize(columns);
-  FRowName.resize(rows);
-  FVType.resize(columns);
+  FCState.SetLength(columns, rows);
+  ResizeLines(columns, rows);
   FNrOfCols = static_cast<int>(nCols);
   FNrOfRows = static_cast<int>(nRows);
   NameColumns(oldColumns);
