@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "zel/analysis/edgetree_impl.h"
 #include "zel/analysis/polygons.h"
 #include "zel/kernels/orientation.h"
 
@@ -32,22 +33,67 @@ int compareLines(const Edge& a, const Edge& b) {
   return direction != 0 ? -direction : -orientation(a.p, a.q, b.p);
 }
 
-/// Pairs of edges that meet without lying on one line, found by a sweep along x.
-std::int64_t crossings(std::vector<Edge>& edges) {
+/// Whether edges meet without lying on one line.
+bool cross(const Edge& a, const Edge& b) {
+  const auto [low, high] = std::minmax(a.p.Y, a.q.Y);
+  if (std::max(b.p.Y, b.q.Y) < low || std::min(b.p.Y, b.q.Y) > high) return false;
+  if (b.p.X > a.q.X || a.p.X > b.q.X) return false;
+  const int p = orientation(a.p, a.q, b.p);
+  const int q = orientation(a.p, a.q, b.q);
+  if (p * q > 0 || (p == 0 && q == 0)) return false;
+  return orientation(b.p, b.q, a.p) * orientation(b.p, b.q, a.q) <= 0;
+}
+
+/// Pairs of edges that overlap along x.
+std::int64_t overlaps(const std::vector<Edge>& edges) {
+  std::vector<double> starts, ends;
+  for (const Edge& e : edges) {
+    starts.push_back(std::min(e.p.X, e.q.X));
+    ends.push_back(std::max(e.p.X, e.q.X));
+  }
+  std::ranges::sort(starts);
+  std::ranges::sort(ends);
+  // Each edge, in the order of the starts, and those before that have not ended.
+  std::int64_t count = 0;
+  std::size_t ended = 0;
+  for (std::size_t i = 0; i < starts.size(); ++i) {
+    while (ends[ended] < starts[i]) ++ended;
+    count += static_cast<std::int64_t>(i - ended);
+  }
+  return count;
+}
+
+/// Crossing pairs by a sweep along x.
+std::int64_t sweep(std::vector<Edge>& edges) {
   std::ranges::sort(edges, {}, [](const Edge& e) { return e.p.X; });
   std::int64_t count = 0;
   for (std::size_t i = 0; i < edges.size(); ++i) {
-    const Edge& a = edges[i];
-    const auto [low, high] = std::minmax(a.p.Y, a.q.Y);
-    for (std::size_t j = i + 1; j < edges.size() && edges[j].p.X <= a.q.X; ++j) {
-      const Edge& b = edges[j];
-      if (std::max(b.p.Y, b.q.Y) < low || std::min(b.p.Y, b.q.Y) > high) continue;
-      const int p = orientation(a.p, a.q, b.p);
-      const int q = orientation(a.p, a.q, b.q);
-      if (p * q > 0 || (p == 0 && q == 0)) continue;
-      count += orientation(b.p, b.q, a.p) * orientation(b.p, b.q, a.q) <= 0;
+    for (std::size_t j = i + 1; j < edges.size() && edges[j].p.X <= edges[i].q.X; ++j) {
+      count += cross(edges[i], edges[j]);
     }
   }
+  return count;
+}
+
+/// Crossing pairs of edges in the order of the polygon.
+std::int64_t crossings(std::vector<Edge> edges) {
+  const std::int64_t alongX = overlaps(edges);
+  std::vector<Edge> turned = edges;
+  for (Edge& e : turned) e = Edge({e.p.Y, e.p.X}, {e.q.Y, e.q.X});
+  const std::int64_t alongY = overlaps(turned);
+  // Below so many pairs per edge a sweep is cheaper than the tree.
+  constexpr std::int64_t kFew = 100;
+  if (std::min(alongX, alongY) <= kFew * static_cast<std::int64_t>(edges.size())) {
+    return sweep(alongX <= alongY ? edges : turned);
+  }
+  std::vector<TPointDouble> ends;
+  for (const Edge& e : edges) {
+    ends.push_back(e.p);
+    ends.push_back(e.q);
+  }
+  std::int64_t count = 0;
+  EdgeTree(ends).forEachNearPair(
+      [&](std::size_t i, std::size_t j) { count += cross(edges[i], edges[j]); });
   return count;
 }
 
@@ -82,8 +128,6 @@ double PolygonArea(std::span<const TPointDouble> Poly, int& NumIntersect) {
   std::vector<Edge> edges;
   std::vector<TPointDouble> points;  // edges without length
   edges.reserve(Poly.size());
-  double width = 0;
-  double height = 0;
   for (std::size_t i = 0; i < Poly.size(); ++i) {
     const Edge edge(Poly[i == 0 ? Poly.size() - 1 : i - 1], Poly[i]);
     if (!isFinite(edge.p) || !isFinite(edge.q)) continue;
@@ -92,17 +136,9 @@ double PolygonArea(std::span<const TPointDouble> Poly, int& NumIntersect) {
       continue;
     }
     edges.push_back(edge);
-    width += edge.q.X - edge.p.X;
-    height += std::abs(edge.q.Y - edge.p.Y);
   }
-  std::int64_t count = collinearPairs(edges, points) - static_cast<std::int64_t>(Poly.size());
-  double xLow, yLow, xHigh, yHigh;
-  OuterRectOfPolygon(Poly, xLow, yLow, xHigh, yHigh);
-  // Along the axis that fewer edges share.
-  if (width * (yHigh - yLow) > height * (xHigh - xLow)) {
-    for (Edge& e : edges) e = Edge({e.p.Y, e.p.X}, {e.q.Y, e.q.X});
-  }
-  count += crossings(edges);
+  const std::int64_t count =
+      crossings(edges) + collinearPairs(edges, points) - static_cast<std::int64_t>(Poly.size());
   NumIntersect = static_cast<int>(std::clamp<std::int64_t>(count, std::numeric_limits<int>::min(),
                                                            std::numeric_limits<int>::max()));
   return PolygonArea(Poly);
