@@ -7,18 +7,17 @@ namespace zel {
 
 namespace {
 
-constexpr std::size_t kMostInLeaf = 4;
+constexpr std::size_t kMostInLeaf = 8;
 /// Many times the rounding errors of sums of a few products of numbers up to 3.
 constexpr double kRoom = 0x1p-43;
 
-/// Range of the points and the greatest of t - slope s.
+/// The line s -> height + slope s.
 struct Limit {
   double slope = 0;
   double height = -HUGE_VAL;
 };
 
-/// The line s -> height + slope s above all points that touches about the highest points of both
-/// halves; sign -1: the line below them, mirrored.
+/// A line above all points, by the highest ones of both halves; sign -1: above the mirrored points.
 Limit limitOf(std::span<const TPointDouble> points, double middle, double sign) {
   std::array<TPointDouble, 2> highest{{{0, -HUGE_VAL}, {0, -HUGE_VAL}}};
   for (const TPointDouble& p : points) {
@@ -46,25 +45,26 @@ EdgeTree::EdgeTree(std::span<const TPointDouble> ends) : FEnds(ends.begin(), end
       p.*axis = half > 0 ? static_cast<double>((p.*axis - middle) / half) : 0;
     }
   }
-  build(0, FEnds.size() / 2);
+  build({0, FEnds.size() / 2});
 }
 
-std::size_t EdgeTree::build(std::size_t first, std::size_t last) {
+std::size_t EdgeTree::build(Range edges) {
   const std::size_t k = FNodes.size();
-  FNodes.push_back({first, last, 0, {}, {}});
+  FNodes.push_back({edges, 0, {}, {}});
   enclose(FNodes[k]);
-  if (last - first > kMostInLeaf) {
-    const std::size_t middle = first + (last - first) / 2;
-    build(first, middle);
-    const std::size_t right = build(middle, last);
+  if (edges.size() > kMostInLeaf) {
+    const std::size_t middle = edges.first + edges.size() / 2;
+    build({edges.first, middle});
+    const std::size_t right = build({middle, edges.last});
     FNodes[k].right = right;
   }
   return k;
 }
 
 void EdgeTree::enclose(Node& node) const {
-  std::vector<TPointDouble> points(FEnds.begin() + static_cast<std::ptrdiff_t>(2 * node.first),
-                                   FEnds.begin() + static_cast<std::ptrdiff_t>(2 * node.last));
+  std::vector<TPointDouble> points(
+      FEnds.begin() + static_cast<std::ptrdiff_t>(2 * node.edges.first),
+      FEnds.begin() + static_cast<std::ptrdiff_t>(2 * node.edges.last));
   TPointDouble centre{0, 0};
   for (const TPointDouble& p : points) centre = {centre.X + p.X, centre.Y + p.Y};
   const auto count = static_cast<double>(points.size());

@@ -22,16 +22,25 @@ class EdgeTree {
   /// @param ends  first and second end of the edges, one after the other; all finite
   explicit EdgeTree(std::span<const TPointDouble> ends);
 
-  /// Calls use(i, j), i < j, once for every pair of edges with a common point, and for some others.
+  /// Numbers of edges from first to before last.
+  struct Range {
+    std::size_t first, last;
+    [[nodiscard]] std::size_t size() const { return last - first; }
+  };
+
+  /// Calls use(a, b) for ranges such that every pair of edges with a common point has one edge in a
+  /// and one in b, or both in a range a that comes as use(a, a); each pair comes once. Stops when
+  /// use returns false.
+  /// @return whether it came to the end
   template <class Use>
-  void forEachNearPair(Use&& use) const {
-    if (!FNodes.empty()) within(0, use);
+  bool forEachNearBlock(Use&& use) const {
+    return FNodes.empty() || within(0, use);
   }
 
  private:
   struct Node {
-    std::size_t first, last;  // edges
-    std::size_t right;        // the left half comes next; 0 for none
+    Range edges;
+    std::size_t right;  // the left half comes next; 0 for none
     std::array<TPointDouble, 4> corners;
     struct Side {
       double a, b, c;  // a x + b y <= c for all points
@@ -39,40 +48,27 @@ class EdgeTree {
     std::array<Side, 4> sides;
   };
 
-  std::size_t build(std::size_t first, std::size_t last);
+  std::size_t build(Range edges);
   void enclose(Node& node) const;
   [[nodiscard]] static bool isBeyondSide(const Node& a, const Node& b);
 
   template <class Use>
-  void within(std::size_t k, Use& use) const {
+  bool within(std::size_t k, Use& use) const {
     const Node& node = FNodes[k];
-    if (node.right != 0) {
-      within(k + 1, use);
-      within(node.right, use);
-      between(k + 1, node.right, use);
-      return;
-    }
-    for (std::size_t j = node.first; j < node.last; ++j) {
-      for (std::size_t i = node.first; i < j; ++i) use(i, j);
-    }
+    if (node.right == 0) return use(node.edges, node.edges);
+    return within(k + 1, use) && within(node.right, use) && between(k + 1, node.right, use);
   }
 
   template <class Use>
-  void between(std::size_t k, std::size_t l, Use& use) const {
+  bool between(std::size_t k, std::size_t l, Use& use) const {
     const Node& a = FNodes[k];
     const Node& b = FNodes[l];
-    if (isBeyondSide(a, b) || isBeyondSide(b, a)) return;
-    if (b.right != 0 && (a.right == 0 || b.last - b.first > a.last - a.first)) {
-      between(k, l + 1, use);
-      between(k, b.right, use);
-    } else if (a.right != 0) {
-      between(k + 1, l, use);
-      between(a.right, l, use);
-    } else {
-      for (std::size_t i = a.first; i < a.last; ++i) {
-        for (std::size_t j = b.first; j < b.last; ++j) use(i, j);
-      }
+    if (isBeyondSide(a, b) || isBeyondSide(b, a)) return true;
+    if (b.right != 0 && (a.right == 0 || b.edges.size() > a.edges.size())) {
+      return between(k, l + 1, use) && between(k, b.right, use);
     }
+    if (a.right != 0) return between(k + 1, l, use) && between(a.right, l, use);
+    return use(a.edges, b.edges);
   }
 
   std::vector<TPointDouble> FEnds;  // in a square from (-1, -1) to (1, 1)

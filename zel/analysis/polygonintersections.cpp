@@ -35,9 +35,6 @@ int compareLines(const Edge& a, const Edge& b) {
 
 /// Whether edges meet without lying on one line.
 bool cross(const Edge& a, const Edge& b) {
-  const auto [low, high] = std::minmax(a.p.Y, a.q.Y);
-  if (std::max(b.p.Y, b.q.Y) < low || std::min(b.p.Y, b.q.Y) > high) return false;
-  if (b.p.X > a.q.X || a.p.X > b.q.X) return false;
   const int p = orientation(a.p, a.q, b.p);
   const int q = orientation(a.p, a.q, b.q);
   if (p * q > 0 || (p == 0 && q == 0)) return false;
@@ -68,8 +65,12 @@ std::int64_t sweep(std::vector<Edge>& edges) {
   std::ranges::sort(edges, {}, [](const Edge& e) { return e.p.X; });
   std::int64_t count = 0;
   for (std::size_t i = 0; i < edges.size(); ++i) {
-    for (std::size_t j = i + 1; j < edges.size() && edges[j].p.X <= edges[i].q.X; ++j) {
-      count += cross(edges[i], edges[j]);
+    const Edge& a = edges[i];
+    const auto [low, high] = std::minmax(a.p.Y, a.q.Y);
+    for (std::size_t j = i + 1; j < edges.size() && edges[j].p.X <= a.q.X; ++j) {
+      const Edge& b = edges[j];
+      if (std::max(b.p.Y, b.q.Y) < low || std::min(b.p.Y, b.q.Y) > high) continue;
+      count += cross(a, b);
     }
   }
   return count;
@@ -77,23 +78,37 @@ std::int64_t sweep(std::vector<Edge>& edges) {
 
 /// Crossing pairs of edges in the order of the polygon.
 std::int64_t crossings(std::vector<Edge> edges) {
-  const std::int64_t alongX = overlaps(edges);
-  std::vector<Edge> turned = edges;
-  for (Edge& e : turned) e = Edge({e.p.Y, e.p.X}, {e.q.Y, e.q.X});
-  const std::int64_t alongY = overlaps(turned);
-  // Below so many pairs per edge a sweep is cheaper than the tree.
-  constexpr std::int64_t kFew = 100;
-  if (std::min(alongX, alongY) <= kFew * static_cast<std::int64_t>(edges.size())) {
-    return sweep(alongX <= alongY ? edges : turned);
-  }
   std::vector<TPointDouble> ends;
+  std::vector<Edge> turned;
   for (const Edge& e : edges) {
-    ends.push_back(e.p);
-    ends.push_back(e.q);
+    ends.insert(ends.end(), {e.p, e.q});
+    turned.emplace_back(TPointDouble{e.p.Y, e.p.X}, TPointDouble{e.q.Y, e.q.X});
   }
+  const std::int64_t alongX = overlaps(edges);
+  const std::int64_t alongY = overlaps(turned);
+  std::vector<Edge>& better = alongX <= alongY ? edges : turned;
+  // With so many pairs per edge a sweep is cheaper than a tree, and a pair of the sweep costs less.
+  constexpr std::int64_t kFew = 100;
+  constexpr std::int64_t kGain = 2;
+  const std::int64_t least = std::min(alongX, alongY);
+  if (least <= kFew * static_cast<std::int64_t>(edges.size())) return sweep(better);
+  const EdgeTree tree(ends);
+  std::int64_t room = least / kGain;
+  const auto isWorthIt = [&room](EdgeTree::Range a, EdgeTree::Range b) {
+    room -= static_cast<std::int64_t>(a.size() * b.size());
+    return room >= 0;
+  };
+  if (!tree.forEachNearBlock(isWorthIt)) return sweep(better);
   std::int64_t count = 0;
-  EdgeTree(ends).forEachNearPair(
-      [&](std::size_t i, std::size_t j) { count += cross(edges[i], edges[j]); });
+  tree.forEachNearBlock([&](EdgeTree::Range a, EdgeTree::Range b) {
+    const bool isSame = a.first == b.first;
+    for (std::size_t i = a.first; i < a.last; ++i) {
+      for (std::size_t j = isSame ? i + 1 : b.first; j < b.last; ++j) {
+        count += cross(edges[i], edges[j]);
+      }
+    }
+    return true;
+  });
   return count;
 }
 
