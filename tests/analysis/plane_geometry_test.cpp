@@ -3,7 +3,6 @@
 #include <limits>
 #include <numbers>
 #include <random>
-#include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -153,7 +152,7 @@ TEST(Polygons, AreaAndIntersections) {
 }
 
 /// Compares the count with that of all pairs.
-void expectAllPairs(const Polygon& p, const std::string& what) {
+void expectAllPairs(const Polygon& p) {
   const std::size_t count = p.size();
   long expected = -static_cast<long>(count);
   for (std::size_t i = 0; i < count; ++i) {
@@ -163,7 +162,7 @@ void expectAllPairs(const Polygon& p, const std::string& what) {
   }
   int n = 0;
   (void)PolygonArea(p, n);
-  EXPECT_EQ(n, expected) << what;
+  EXPECT_EQ(n, expected);
 }
 
 /// On polygons with repeated points, collinear and overlapping edges, and of any shape.
@@ -176,7 +175,8 @@ TEST(Polygons, SearchFindsAllPairs) {
         q.X = static_cast<double>(random() % static_cast<unsigned>(grid)) / 10;
         q.Y = static_cast<double>(random() % static_cast<unsigned>(grid)) * (count % 2 ? 1 : 1e-3);
       }
-      expectAllPairs(p, "grid " + std::to_string(grid));
+      SCOPED_TRACE(testing::Message() << "grid " << grid << ", " << count << " points");
+      expectAllPairs(p);
     }
   }
   // Long spikes: apart; on a lattice, where they overlap and lose their length; a few beyond.
@@ -191,7 +191,8 @@ TEST(Polygons, SearchFindsAllPairs) {
           if (size == 40) p.back() = {std::round(p.back().X), std::round(p.back().Y)};
         }
         if (stray != 0) p[7].Y = std::numeric_limits<double>::quiet_NaN();
-        expectAllPairs(p, "spikes from " + std::to_string(inner) + " to " + std::to_string(size));
+        SCOPED_TRACE(testing::Message() << inner << ' ' << size << ' ' << stray);
+        expectAllPairs(p);
       }
     }
   }
