@@ -126,7 +126,7 @@ void addIntersections(const char* kernel, Shape shape, std::size_t n) {
     return contestOf(shape, n).boost.intersectsItself();
   };
   const Rival ours{"Zel", [=] { keep(zel()); }};
-  // Boost tests all pairs of spikes: minutes.
+  // Boost's time grows with the square of the number of spikes.
   if (shape == spikes && n > 1000) {
     compete(kernel, n, [=] { return zel() == 0; }, {ours});
   } else {

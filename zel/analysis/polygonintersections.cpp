@@ -41,28 +41,21 @@ bool cross(const Edge& a, const Edge& b) {
   return orientation(b.p, b.q, a.p) * orientation(b.p, b.q, a.q) <= 0;
 }
 
-/// Pairs of edges that overlap along x.
-std::int64_t overlaps(const std::vector<Edge>& edges) {
-  std::vector<double> starts, ends;
-  for (const Edge& e : edges) {
-    starts.push_back(std::min(e.p.X, e.q.X));
-    ends.push_back(std::max(e.p.X, e.q.X));
-  }
-  std::ranges::sort(starts);
-  std::ranges::sort(ends);
-  // Each edge, in the order of the starts, and those before that have not ended.
+/// Sorts for a sweep along x.
+/// @return number of pairs that overlap there
+std::int64_t sortForSweep(std::vector<Edge>& edges) {
+  const auto start = [](const Edge& e) { return e.p.X; };
+  std::ranges::sort(edges, {}, start);
   std::int64_t count = 0;
-  std::size_t ended = 0;
-  for (std::size_t i = 0; i < starts.size(); ++i) {
-    while (ends[ended] < starts[i]) ++ended;
-    count += static_cast<std::int64_t>(i - ended);
+  for (auto e = edges.begin(); e != edges.end(); ++e) {
+    const auto end = std::ranges::upper_bound(e + 1, edges.end(), e->q.X, {}, start);
+    count += end - (e + 1);
   }
   return count;
 }
 
-/// Crossing pairs by a sweep along x.
-std::int64_t sweep(std::vector<Edge>& edges) {
-  std::ranges::sort(edges, {}, [](const Edge& e) { return e.p.X; });
+/// Crossing pairs of sorted edges.
+std::int64_t sweep(const std::vector<Edge>& edges) {
   std::int64_t count = 0;
   for (std::size_t i = 0; i < edges.size(); ++i) {
     const Edge& a = edges[i];
@@ -77,28 +70,33 @@ std::int64_t sweep(std::vector<Edge>& edges) {
 }
 
 /// Crossing pairs of edges in the order of the polygon.
-std::int64_t crossings(std::vector<Edge> edges) {
+std::int64_t crossings(const std::vector<Edge>& edges) {
+  // With so many pairs per edge a sweep is cheaper than a tree, and a pair of the sweep costs less.
+  constexpr std::int64_t kFew = 100;
+  constexpr std::int64_t kGain = 2;
+  const std::int64_t few = kFew * static_cast<std::int64_t>(edges.size());
+  std::vector<Edge> sorted = edges;
+  std::int64_t least = sortForSweep(sorted);
+  if (least <= few) return sweep(sorted);
   std::vector<TPointDouble> ends;
   std::vector<Edge> turned;
   for (const Edge& e : edges) {
     ends.insert(ends.end(), {e.p, e.q});
     turned.emplace_back(TPointDouble{e.p.Y, e.p.X}, TPointDouble{e.q.Y, e.q.X});
   }
-  const std::int64_t alongX = overlaps(edges);
-  const std::int64_t alongY = overlaps(turned);
-  std::vector<Edge>& better = alongX <= alongY ? edges : turned;
-  // With so many pairs per edge a sweep is cheaper than a tree, and a pair of the sweep costs less.
-  constexpr std::int64_t kFew = 100;
-  constexpr std::int64_t kGain = 2;
-  const std::int64_t least = std::min(alongX, alongY);
-  if (least <= kFew * static_cast<std::int64_t>(edges.size())) return sweep(better);
+  const std::int64_t alongY = sortForSweep(turned);
+  if (alongY < least) {
+    least = alongY;
+    sorted = std::move(turned);
+  }
+  if (least <= few) return sweep(sorted);
   const EdgeTree tree(ends);
   std::int64_t room = least / kGain;
   const auto isWorthIt = [&room](EdgeTree::Range a, EdgeTree::Range b) {
     room -= static_cast<std::int64_t>(a.size() * b.size());
     return room >= 0;
   };
-  if (!tree.forEachNearBlock(isWorthIt)) return sweep(better);
+  if (!tree.forEachNearBlock(isWorthIt)) return sweep(sorted);
   std::int64_t count = 0;
   tree.forEachNearBlock([&](EdgeTree::Range a, EdgeTree::Range b) {
     const bool isSame = a.first == b.first;
