@@ -19,10 +19,8 @@ constexpr std::size_t kLongestName = 24;
 
 /// Uses the variables and the data that the caller puts before it.
 constexpr const char* kStyle = R"(
-ink = '#333333'; grey = '#777777'
 unset border
 unset tics
-unset key
 set lmargin at screen left
 set rmargin at screen right
 set tmargin at screen top

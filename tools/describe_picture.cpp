@@ -72,11 +72,8 @@ std::string seriesBlock(const zel::TVector& x, const Variable& variable,
 
 /// Uses the variables and the data that the caller puts before it.
 constexpr const char* kDrawing = R"(
-ink = '#333333'; blue = '#2f6496'; bars = '#a3c1dd'; pale = '#e3ecf5'; red = '#b3262e'
+bars = '#a3c1dd'; pale = '#e3ecf5'
 left = 0.065 + 0.0105 * labelWidth
-set border 3 lc rgb ink lw 0.75
-set tics nomirror out scale 0.6 textcolor rgb ink font ',9'
-set format '%.10g'
 set grid ytics lt 1 lc rgb '#e6e6e6' lw 0.6
 set lmargin at screen left
 set rmargin at screen 0.98 - 0.0055 * labelWidth
@@ -104,11 +101,11 @@ plot $bins using (($1 + $2) / 2):(0.5 * $3):1:2:(0):3 with boxxyerror notitle fs
 set tmargin at screen 0.435
 set bmargin at screen 0.105
 unset label 1
-unset key
 set label 2 variable noenhanced
 set xlabel abscissa
 set yrange [*:*]
 if (constant) { set yrange [2 * firstEdge - lastEdge:lastEdge] }
+unset key
 set ytics autofreq
 if (fewRows) { set xtics 1; set xrange [0.5:rows + 0.5] }
 set object 1 rectangle from graph 0, first q1 to graph 1, first q3 fs solid 1 noborder fc rgb pale behind

@@ -16,12 +16,7 @@ constexpr int kCurvePoints = 600;
 
 /// Uses the variables and the data that the caller puts before it.
 constexpr const char* kStyle = R"(
-ink = '#333333'; blue = '#2f6496'; red = '#b3262e'; grey = '#777777'
-set border 3 lc rgb ink lw 0.75
-set tics nomirror out scale 0.6 textcolor rgb ink font ',9'
-set format '%.10g'
 set grid lt 1 lc rgb '#e6e6e6' lw 0.6
-unset key
 left = 0.075 + 0.0105 * labelWidth
 set lmargin at screen left
 set rmargin at screen 0.97

@@ -55,12 +55,22 @@ void requirePictureName(const std::string& fileName) {
   }
 }
 
+/// What all pictures have in common; a script may set it otherwise.
+constexpr const char* kStyle = R"(
+set encoding utf8
+ink = '#333333'; blue = '#2f6496'; red = '#b3262e'; grey = '#777777'
+set border 3 lc rgb ink lw 0.75
+set tics nomirror out scale 0.6 textcolor rgb ink font ',9'
+set format '%.10g'
+unset key
+)";
+
 void drawPicture(const std::string& fileName, const PictureSize& size, std::string_view script) {
   requirePictureName(fileName);
   const std::string failed = "the picture " + printable(fileName) + " was not written: ";
   // -d: no start-up files of the user, so that a picture looks the same for everybody.
-  const ProgramResult drawn = runProgram(
-      {"gnuplot", "-d"}, "set encoding utf8\n" + terminalFor(fileName, size) + std::string(script));
+  const ProgramResult drawn =
+      runProgram({"gnuplot", "-d"}, kStyle + terminalFor(fileName, size) + std::string(script));
   if (!drawn.started) {
     throw Failure(failed + "the program gnuplot, which draws it, cannot be started (" +
                   drawn.startError + ')');

@@ -20,7 +20,8 @@ struct PictureSize {
 /// Runs a gnuplot script and stores what it draws; the file appears complete or not at all.
 ///
 /// The script draws at its leisure, but sets neither the terminal nor the output: the picture has
-/// the given size, as PNG at 200 dots per inch, in a sans serif font of 10 points. Line
+/// the given size, as PNG at 200 dots per inch, in a sans serif font of 10 points. It
+/// finds the colours ink, grey, blue and red, axes at the left and below, and no key. Line
 /// widths and point sizes are in points for both kinds.
 /// @throws Failure  gnuplot is not there or fails, or the picture cannot be written
 void drawPicture(const std::string& fileName, const PictureSize& size, std::string_view script);

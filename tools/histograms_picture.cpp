@@ -17,11 +17,9 @@ constexpr double kPanelHeight = 1.9;
 constexpr double kHeadHeight = 0.7;
 
 constexpr const char* kStyle = R"(
-ink = '#333333'; bars = '#a3c1dd'; blue = '#2f6496'; pale = '#dfe9f3'; red = '#b3262e'; grey = '#777777'
+bars = '#a3c1dd'; pale = '#dfe9f3'
 set border 1 lc rgb ink lw 0.75
-set format '%.10g'
 unset ytics
-unset key
 set multiplot
 set label 1 title at screen 0.03, screen titleHeight left noenhanced textcolor rgb ink font ',10.5'
 set label 2 'Boxes: the quartiles with the median; lines: from minimum to maximum' at screen 0.03, screen legendHeight left textcolor rgb grey font ',8.5'

@@ -20,10 +20,6 @@ constexpr std::size_t kMostArrows = 20;
 
 /// Uses the variables and the data that the caller puts before it.
 constexpr const char* kStyle = R"(
-ink = '#333333'; grey = '#777777'
-set border 3 lc rgb ink lw 0.75
-set tics nomirror out scale 0.6 textcolor rgb ink font ',9'
-set format '%.10g'
 set size ratio -1
 set lmargin at screen 0.10
 set rmargin at screen 0.97

@@ -14,12 +14,7 @@ constexpr std::size_t kLabels = 5;
 
 /// Uses the variables and the data that the caller puts before it.
 constexpr const char* kScript = R"(
-ink = '#333333'; blue = '#2f6496'; red = '#b3262e'; grey = '#777777'
-set border 3 lc rgb ink lw 0.75
-set tics nomirror out scale 0.6 textcolor rgb ink font ',9'
-set format '%.10g'
 set grid lt 1 lc rgb '#e6e6e6' lw 0.6
-unset key
 set lmargin at screen 0.105
 set rmargin at screen 0.97
 set label 1 title at screen 0.03, screen 0.96 left noenhanced textcolor rgb ink font ',10.5'

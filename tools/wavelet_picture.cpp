@@ -14,11 +14,6 @@ namespace {
 
 /// Uses the variables and the data that the caller puts before it.
 constexpr const char* kSeries = R"(
-ink = '#333333'; blue = '#2f6496'; red = '#b3262e'; grey = '#777777'
-set border 3 lc rgb ink lw 0.75
-set tics nomirror out scale 0.6 textcolor rgb ink font ',9'
-set format '%.10g'
-unset key
 set lmargin at screen 0.13
 set rmargin at screen 0.90
 set label 1 title at screen 0.03, screen titleHeight left noenhanced textcolor rgb ink font ',10.5'

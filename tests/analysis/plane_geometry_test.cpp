@@ -151,9 +151,22 @@ TEST(Polygons, AreaAndIntersections) {
   EXPECT_EQ(n, 0);
 }
 
-/// The sweep counts what the test of all pairs counts, on polygons with repeated points, collinear
-/// and overlapping edges, and of any shape.
-TEST(Polygons, SweepFindsAllPairs) {
+/// Compares the count with that of all pairs.
+void expectAllPairs(const Polygon& p) {
+  const std::size_t count = p.size();
+  long expected = -static_cast<long>(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    for (std::size_t j = 0; j < i; ++j) {
+      expected += SegmentsIntersect(p[i], p[(i + 1) % count], p[j], p[(j + 1) % count]);
+    }
+  }
+  int n = 0;
+  (void)PolygonArea(p, n);
+  EXPECT_EQ(n, expected);
+}
+
+/// On polygons with repeated points, collinear and overlapping edges, and of any shape.
+TEST(Polygons, SearchFindsAllPairs) {
   std::mt19937_64 random(2);
   for (const int grid : {2, 3, 6, 40, 1000000}) {
     for (std::size_t count = 1; count < 60; count += count < 6 ? 1 : 18) {
@@ -162,27 +175,42 @@ TEST(Polygons, SweepFindsAllPairs) {
         q.X = static_cast<double>(random() % static_cast<unsigned>(grid)) / 10;
         q.Y = static_cast<double>(random() % static_cast<unsigned>(grid)) * (count % 2 ? 1 : 1e-3);
       }
-      long expected = -static_cast<long>(count);
-      for (std::size_t i = 0; i < count; ++i) {
-        for (std::size_t j = 0; j < i; ++j) {
-          expected += SegmentsIntersect(p[i], p[(i + 1) % count], p[j], p[(j + 1) % count]);
-        }
-      }
-      int n = 0;
-      const double area = PolygonArea(p, n);
-      EXPECT_EQ(n, expected) << grid << ' ' << count;
-      EXPECT_EQ(area, PolygonArea(p));
+      SCOPED_TRACE(testing::Message() << "grid " << grid << ", " << count << " points");
+      expectAllPairs(p);
     }
   }
-  // A long one: a coast around an island.
-  Polygon coast;
+  // Long spikes: apart; on a lattice, where they overlap and lose their length; a few beyond.
+  for (const double inner : {0.3, 1e-14}) {
+    for (const double size : {3.0, 40.0, 1e308, 1e-310}) {
+      for (const int stray : {0, 50}) {
+        Polygon p;
+        for (int i = 0; i < 900; ++i) {
+          const double r = size * (i % 2 ? inner : 1) * (stray && i % stray == 0 ? -0.9 : 1);
+          const double a = i * 2 * kPi / 900;
+          p.push_back({r * std::cos(a), r * std::sin(a)});
+          if (size == 40) p.back() = {std::round(p.back().X), std::round(p.back().Y)};
+        }
+        if (stray != 0) p[7].Y = std::numeric_limits<double>::quiet_NaN();
+        SCOPED_TRACE(testing::Message() << inner << ' ' << size << ' ' << stray);
+        expectAllPairs(p);
+      }
+    }
+  }
+}
+
+TEST(Polygons, LongOnesWithoutCrossings) {
+  Polygon coast, star;
   for (int i = 0; i < 100000; ++i) {
     const double a = i * 2 * kPi / 100000;
     const double r = 1 + 0.3 * std::sin(7 * a) + 0.01 * std::sin(311 * a) + 1e-5 * (i % 3);
     coast.push_back({r * std::cos(a), r * std::sin(a)});
+    star.push_back({std::cos(a) * (i % 2 ? 1e-3 : 1), std::sin(a) * (i % 2 ? 1e-3 : 1)});
   }
   int n = 9;
   (void)PolygonArea(coast, n);
+  EXPECT_EQ(n, 0);
+  n = 9;
+  (void)PolygonArea(star, n);
   EXPECT_EQ(n, 0);
 }
 

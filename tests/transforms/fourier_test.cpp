@@ -11,6 +11,7 @@
 #include "tests/support/expect_message.h"
 #include "tests/support/failing_new.h"
 #include "zel/transforms/Zel_fourier.h"
+#include "zel/transforms/length_impl.h"
 
 namespace zel {
 namespace {
@@ -37,6 +38,12 @@ TEST(FastFourier, StartsAndResizes) {
   }
   F.SetNumData(8);
   EXPECT_EQ(F.GetWgtVal(1), 0) << "the user's window starts anew";
+}
+
+TEST(FastFourier, LengthsArePowersOfTwo) {
+  int accepted = 0;
+  for (int n = -9; n <= (1 << 24) + 1; ++n) accepted += isTransformLength(n) ? 1 : 0;
+  EXPECT_EQ(accepted, 24);
 }
 
 TEST(FastFourier, PointsOutsideAreZero) {

@@ -108,7 +108,17 @@ Points Convex2DHull(std::span<const TPointDouble> Points) {
                          static_cast<double>(uc_pi / 2);
     return angle > static_cast<double>(uc_2pi) ? angle - static_cast<double>(uc_2pi) : angle;
   };
-  std::rotate(hull.begin(), std::ranges::min_element(hull, {}, key), hull.end());
+  // min_element would work out two angles per step.
+  auto first = hull.begin();
+  double least = key(*first);
+  for (auto p = first + 1; p != hull.end(); ++p) {
+    const double angle = key(*p);
+    if (angle < least) {
+      least = angle;
+      first = p;
+    }
+  }
+  std::rotate(hull.begin(), first, hull.end());
   return hull;
 }
 

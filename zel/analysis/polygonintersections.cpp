@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "zel/analysis/edgetree_impl.h"
 #include "zel/analysis/polygons.h"
 #include "zel/kernels/orientation.h"
 
@@ -32,9 +33,29 @@ int compareLines(const Edge& a, const Edge& b) {
   return direction != 0 ? -direction : -orientation(a.p, a.q, b.p);
 }
 
-/// Pairs of edges that meet without lying on one line, found by a sweep along x.
-std::int64_t crossings(std::vector<Edge>& edges) {
-  std::ranges::sort(edges, {}, [](const Edge& e) { return e.p.X; });
+/// Whether edges meet without lying on one line.
+bool cross(const Edge& a, const Edge& b) {
+  const int p = orientation(a.p, a.q, b.p);
+  const int q = orientation(a.p, a.q, b.q);
+  if (p * q > 0 || (p == 0 && q == 0)) return false;
+  return orientation(b.p, b.q, a.p) * orientation(b.p, b.q, a.q) <= 0;
+}
+
+/// Sorts for a sweep along x.
+/// @return number of pairs that overlap there
+std::int64_t sortForSweep(std::vector<Edge>& edges) {
+  const auto start = [](const Edge& e) { return e.p.X; };
+  std::ranges::sort(edges, {}, start);
+  std::int64_t count = 0;
+  for (auto e = edges.begin(); e != edges.end(); ++e) {
+    const auto end = std::ranges::upper_bound(e + 1, edges.end(), e->q.X, {}, start);
+    count += end - (e + 1);
+  }
+  return count;
+}
+
+/// Crossing pairs of sorted edges.
+std::int64_t sweep(const std::vector<Edge>& edges) {
   std::int64_t count = 0;
   for (std::size_t i = 0; i < edges.size(); ++i) {
     const Edge& a = edges[i];
@@ -42,12 +63,50 @@ std::int64_t crossings(std::vector<Edge>& edges) {
     for (std::size_t j = i + 1; j < edges.size() && edges[j].p.X <= a.q.X; ++j) {
       const Edge& b = edges[j];
       if (std::max(b.p.Y, b.q.Y) < low || std::min(b.p.Y, b.q.Y) > high) continue;
-      const int p = orientation(a.p, a.q, b.p);
-      const int q = orientation(a.p, a.q, b.q);
-      if (p * q > 0 || (p == 0 && q == 0)) continue;
-      count += orientation(b.p, b.q, a.p) * orientation(b.p, b.q, a.q) <= 0;
+      count += cross(a, b);
     }
   }
+  return count;
+}
+
+/// Crossing pairs of edges in the order of the polygon.
+std::int64_t crossings(const std::vector<Edge>& edges) {
+  // With so many pairs per edge a sweep is cheaper than a tree, and a pair of the sweep costs less.
+  constexpr std::int64_t kFew = 100;
+  constexpr std::int64_t kGain = 2;
+  const std::int64_t few = kFew * static_cast<std::int64_t>(edges.size());
+  std::vector<Edge> sorted = edges;
+  std::int64_t least = sortForSweep(sorted);
+  if (least <= few) return sweep(sorted);
+  std::vector<TPointDouble> ends;
+  std::vector<Edge> turned;
+  for (const Edge& e : edges) {
+    ends.insert(ends.end(), {e.p, e.q});
+    turned.emplace_back(TPointDouble{e.p.Y, e.p.X}, TPointDouble{e.q.Y, e.q.X});
+  }
+  const std::int64_t alongY = sortForSweep(turned);
+  if (alongY < least) {
+    least = alongY;
+    sorted = std::move(turned);
+  }
+  if (least <= few) return sweep(sorted);
+  const EdgeTree tree(ends);
+  std::int64_t room = least / kGain;
+  const auto isWorthIt = [&room](EdgeTree::Range a, EdgeTree::Range b) {
+    room -= static_cast<std::int64_t>(a.size() * b.size());
+    return room >= 0;
+  };
+  if (!tree.forEachNearBlock(isWorthIt)) return sweep(sorted);
+  std::int64_t count = 0;
+  tree.forEachNearBlock([&](EdgeTree::Range a, EdgeTree::Range b) {
+    const bool isSame = a.first == b.first;
+    for (std::size_t i = a.first; i < a.last; ++i) {
+      for (std::size_t j = isSame ? i + 1 : b.first; j < b.last; ++j) {
+        count += cross(edges[i], edges[j]);
+      }
+    }
+    return true;
+  });
   return count;
 }
 
@@ -82,8 +141,6 @@ double PolygonArea(std::span<const TPointDouble> Poly, int& NumIntersect) {
   std::vector<Edge> edges;
   std::vector<TPointDouble> points;  // edges without length
   edges.reserve(Poly.size());
-  double width = 0;
-  double height = 0;
   for (std::size_t i = 0; i < Poly.size(); ++i) {
     const Edge edge(Poly[i == 0 ? Poly.size() - 1 : i - 1], Poly[i]);
     if (!isFinite(edge.p) || !isFinite(edge.q)) continue;
@@ -92,17 +149,9 @@ double PolygonArea(std::span<const TPointDouble> Poly, int& NumIntersect) {
       continue;
     }
     edges.push_back(edge);
-    width += edge.q.X - edge.p.X;
-    height += std::abs(edge.q.Y - edge.p.Y);
   }
-  std::int64_t count = collinearPairs(edges, points) - static_cast<std::int64_t>(Poly.size());
-  double xLow, yLow, xHigh, yHigh;
-  OuterRectOfPolygon(Poly, xLow, yLow, xHigh, yHigh);
-  // Along the axis that fewer edges share.
-  if (width * (yHigh - yLow) > height * (xHigh - xLow)) {
-    for (Edge& e : edges) e = Edge({e.p.Y, e.p.X}, {e.q.Y, e.q.X});
-  }
-  count += crossings(edges);
+  const std::int64_t count =
+      crossings(edges) + collinearPairs(edges, points) - static_cast<std::int64_t>(Poly.size());
   NumIntersect = static_cast<int>(std::clamp<std::int64_t>(count, std::numeric_limits<int>::min(),
                                                            std::numeric_limits<int>::max()));
   return PolygonArea(Poly);

@@ -33,8 +33,10 @@ ZEL_API int ReducePolygon(std::vector<TPoint>& Poly);
 /// without repeated points and without collinear edges gives 0, a figure-eight 1. Edges on a common
 /// line count as intersecting, and so does an edge without length on the line of another one.
 /// @param NumIntersect  limited to the range of int
-/// Cost: a sweep, O(n log n) and the number of pairs of edges that overlap along the better of the
-/// two axes; each edge without length takes a pass over all lines.
+/// Edges with a coordinate that is not finite do not count.
+/// Cost: O(n log n) and the pairs of edges that are tested: by a sweep those that overlap along the
+/// better of the two axes, or, if these are many, by a tree those close together; each edge without
+/// length takes a pass over all lines.
 [[nodiscard]] ZEL_API double PolygonArea(std::span<const TPointDouble> Poly, int& NumIntersect);
 
 /// Sum of the lengths of the edges, with the closing edge if Closed.

@@ -77,6 +77,9 @@ int CcwTriangle(TPointDouble P1, TPointDouble P2, TPointDouble P3) {
 }
 
 bool SegmentsIntersect(TPointDouble P1, TPointDouble P2, TPointDouble Q1, TPointDouble Q2) {
+  Extended sum = 0;  // of finite numbers it cannot overflow
+  for (const TPointDouble& p : {P1, P2, Q1, Q2}) sum += Extended{p.X} + p.Y;
+  if (!std::isfinite(sum)) return false;
   return kernels::orientation(P1, P2, Q1) * kernels::orientation(P1, P2, Q2) <= 0 &&
          kernels::orientation(Q1, Q2, P1) * kernels::orientation(Q1, Q2, P2) <= 0;
 }

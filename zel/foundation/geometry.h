@@ -19,7 +19,8 @@ namespace zel {
 [[nodiscard]] ZEL_API int CcwTriangle(TPointDouble P1, TPointDouble P2, TPointDouble P3);
 
 /// Whether the segments P1 P2 and Q1 Q2 have a point in common. Collinear segments count as
-/// intersecting even when they do not overlap. Exact, like CcwTriangle.
+/// intersecting even when they do not overlap. False if a coordinate is not finite. Exact, like
+/// CcwTriangle.
 [[nodiscard]] ZEL_API bool SegmentsIntersect(TPointDouble P1, TPointDouble P2, TPointDouble Q1,
                                              TPointDouble Q2);
 
