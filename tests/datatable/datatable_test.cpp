@@ -170,7 +170,7 @@ TEST_F(DataTable, CategoriesFillAndOverflow) {
   table.SetElem(1, 1, 2.5);
   EXPECT_EQ(table.GetElem(1, 1), 2);
   table.SetNominalID(2, 1, "no");  // an interval column
-  EXPECT_EQ(events, "DDD");
+  EXPECT_EQ(events, "DDDS");
   EXPECT_EQ(table.ListOfCategorialVars(), TIntArray{1});
 }
 

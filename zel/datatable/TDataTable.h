@@ -191,8 +191,8 @@ class ZEL_API TDataTable : public TComponent, private detail::TTableArrays {
   /// empty slot takes the identifier, the scale becomes nominal and OnChangeSetup fires.
   /// @return number of the category; 0 outside the table and when all 150 slots are taken
   int AddNominalID(int Col, std::string_view MScaleID);
-  /// Sets the identifier of category OrdVal = 1..150 and fires OnChangeSetup. In columns of other
-  /// scales it can only be made empty.
+  /// Sets the identifier of category OrdVal = 1..150; in columns of other scales it can only be made
+  /// empty. Fires OnChangeSetup in any case.
   void SetNominalID(int ColIx, int OrdVal, std::string_view MScaleID);
   /// Identifier of category OrdVal = 1..150 of a categorical column.
   [[nodiscard]] TNominalIDStr GetNominalID(int ColIx, int OrdVal) const;

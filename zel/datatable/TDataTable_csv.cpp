@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -86,7 +87,7 @@ class TCategories {
   [[nodiscard]] TNominalIDStr uniqueId(std::string_view text) const {
     TNominalIDStr id(text);
     for (int k = 2; std::ranges::count(FIds, id) > 0; ++k) {
-      const std::string tail = "~" + std::to_string(k);
+      const std::string tail = std::string(1, '~').append(std::to_string(k));
       std::string shorter(text.substr(0, TNominalIDStr::max_size() - tail.size()));
       id = TNominalIDStr(shorter.append(tail));
     }
@@ -319,8 +320,8 @@ int TDataTable::ImportFromCSV(std::string_view FName, TCSVDelimiters Delimiter,
         column.values = {};
         if (IncludeColHeaders) read.FColName[at(c)] = TDTNameStr(column.name);
       }
-      if (!file.rowNames.empty()) read.FRowName.swap(file.rowNames);
-      if (!file.rowAttributes.empty()) read.FRowAtt.swap(file.rowAttributes);
+      std::copy(file.rowNames.begin(), file.rowNames.end(), read.FRowName.begin());
+      std::copy(file.rowAttributes.begin(), file.rowAttributes.end(), read.FRowAtt.begin());
       reader.nameCategories(read);
       CopyContentsFrom(&read);
     });

@@ -54,8 +54,9 @@ int TDataTable::AddNominalID(int Col, std::string_view MScaleID) {
 
 void TDataTable::SetNominalID(int ColIx, int OrdVal, std::string_view MScaleID) {
   if (!HasColumn(ColIx) || !isCategory(OrdVal)) return;
-  if (!MScaleID.empty() && !IsCategorical(ColIx)) return;
-  Type(ColIx).IDs[at(OrdVal)] = TNominalIDStr(MScaleID);
+  if (MScaleID.empty() || IsCategorical(ColIx)) {
+    Type(ColIx).IDs[at(OrdVal)] = TNominalIDStr(MScaleID);
+  }
   ChangedSetup();
 }
 

@@ -70,7 +70,7 @@ double percentileOf(const Cells& x, double prob, int& n) {
 
 /// First extreme of the attributes low..high; better(a, b): a replaces b.
 template <class Better>
-int extremeAttribute(const std::vector<int>& attributes, int low, int high, int& index,
+int extremeAttribute(std::span<const int> attributes, int low, int high, int& index,
                      Better better) {
   index = low;
   for (std::size_t i = at(low) + 1; i < static_cast<std::size_t>(high); ++i) {
@@ -377,22 +377,22 @@ int TDataTable::ColAttribLevels() const {
 
 int TDataTable::MaxRowAttrib(int FirstRow, int LastRow, int& Row) const {
   MakeValidRowRange(FirstRow, LastRow);
-  return extremeAttribute(FRowAtt, FirstRow, LastRow, Row, std::greater<>());
+  return extremeAttribute(std::span(FRowAtt), FirstRow, LastRow, Row, std::greater<>());
 }
 
 int TDataTable::MinRowAttrib(int FirstRow, int LastRow, int& Row) const {
   MakeValidRowRange(FirstRow, LastRow);
-  return extremeAttribute(FRowAtt, FirstRow, LastRow, Row, std::less<>());
+  return extremeAttribute(std::span(FRowAtt), FirstRow, LastRow, Row, std::less<>());
 }
 
 int TDataTable::MaxColAttrib(int FirstCol, int LastCol, int& Col) const {
   MakeValidColRange(FirstCol, LastCol);
-  return extremeAttribute(FColAtt, FirstCol, LastCol, Col, std::greater<>());
+  return extremeAttribute(std::span(FColAtt), FirstCol, LastCol, Col, std::greater<>());
 }
 
 int TDataTable::MinColAttrib(int FirstCol, int LastCol, int& Col) const {
   MakeValidColRange(FirstCol, LastCol);
-  return extremeAttribute(FColAtt, FirstCol, LastCol, Col, std::less<>());
+  return extremeAttribute(std::span(FColAtt), FirstCol, LastCol, Col, std::less<>());
 }
 
 TMScaleType TDataTable::FindHighestMLevel(int FirstCol, int LastCol) const {
