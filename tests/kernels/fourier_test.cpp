@@ -125,6 +125,36 @@ TEST(Fourier, InverseAndSumOfSquares) {
   }
 }
 
+TEST(Fourier, SumsAndShifts) {
+  for (const int bits : {3, 5, 8, 14}) {
+    const std::size_t n = std::size_t{1} << bits;
+    const Numbers x = randomNumbers(bits);
+    const Numbers y = randomNumbers(bits, 8);
+    Numbers sum = x;
+    Numbers shifted = x;
+    const std::size_t shift = n / 3;
+    for (std::size_t i = 0; i < 2 * n; ++i) {
+      sum[i] += 3 * y[i];
+      shifted[i] = x[(i + 2 * shift) % (2 * n)];
+    }
+    const Numbers X = transformed(fourier, x, bits);
+    const Numbers Y = transformed(fourier, y, bits);
+    Numbers expectedSum = X;
+    Numbers expectedShift = X;
+    const RootsOfUnity roots(bits);
+    for (std::size_t k = 0; k < n; ++k) {
+      const auto w = roots((n - shift) * k);
+      expectedSum[2 * k] += 3 * Y[2 * k];
+      expectedSum[2 * k + 1] += 3 * Y[2 * k + 1];
+      expectedShift[2 * k] = X[2 * k] * w.re - X[2 * k + 1] * w.im;
+      expectedShift[2 * k + 1] = X[2 * k] * w.im + X[2 * k + 1] * w.re;
+    }
+    const double bound = 1e-15 * norm(X);
+    EXPECT_LE(distance(transformed(fourier, sum, bits), expectedSum), 4 * bound) << bits;
+    EXPECT_LE(distance(transformed(fourier, shifted, bits), expectedShift), bound) << bits;
+  }
+}
+
 TEST(Fourier, SameBitsOnEveryInstructionSet) {
   for (const int bits : {4, 6, 9, 12, 13, 14}) {
     const Numbers x = randomNumbers(bits);
