@@ -8,10 +8,13 @@
 #include <gtest/gtest.h>
 
 #include "tests/base/temp_dir.h"
+#include "tests/datatable/same_tables.h"
 #include "zel/datatable/Zel_datatable.h"
 
 namespace zel {
 namespace {
+
+using test::expectSame;
 
 using zel_test::readBytes;
 using zel_test::TempDir;
@@ -26,17 +29,6 @@ std::string import(TDataTable& T, std::string_view text, TCSVDelimiters delimite
   std::string message;
   const int code = T.ImportFromCSV(file, delimiter, header, rowNames, separator, message);
   return code == 0 ? "" : std::to_string(code) + " " + message;
-}
-
-void expectSame(const TDataTable& A, const TDataTable& B) {
-  ASSERT_EQ(A.NrOfColumns(), B.NrOfColumns());
-  ASSERT_EQ(A.NrOfRows(), B.NrOfRows());
-  EXPECT_EQ(A.CRCofNamesAndAttributes(), B.CRCofNamesAndAttributes());
-  EXPECT_EQ(A.CRCofCellStates(), B.CRCofCellStates());
-  TDouble2DArray a, b;
-  A.CopyDataToArray(a);
-  B.CopyDataToArray(b);
-  EXPECT_EQ(a, b);
 }
 
 TEST(TableCsv, ReadsWhatOthersWrite) {

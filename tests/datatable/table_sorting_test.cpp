@@ -7,10 +7,13 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/datatable/same_tables.h"
 #include "zel/datatable/Zel_datatable.h"
 
 namespace zel {
 namespace {
+
+using test::expectSame;
 
 /// All cells differ but for ties in the first column and row, so that every exchange shows.
 void fill(TDataTable& T, int columns, int rows, unsigned seed) {
@@ -82,15 +85,6 @@ void exchange(TDataTable& T, bool isRows, int i, int j, int first, int last, boo
   T.SetNominalID(j, 1, id);
   T.SetMScaleType(i, other);
   T.SetMScaleType(j, scale);
-}
-
-void expectSame(const TDataTable& A, const TDataTable& B) {
-  EXPECT_EQ(A.CRCofNamesAndAttributes(), B.CRCofNamesAndAttributes());
-  EXPECT_EQ(A.CRCofCellStates(), B.CRCofCellStates());
-  TDouble2DArray a, b;
-  A.CopyDataToArray(a);
-  B.CopyDataToArray(b);
-  EXPECT_EQ(a, b);
 }
 
 TEST(TableSort, EverySortIsTheCombSort) {

@@ -191,8 +191,8 @@ class ZEL_API TDataTable : public TComponent, private detail::TTableArrays {
   /// empty slot takes the identifier, the scale becomes nominal and OnChangeSetup fires.
   /// @return number of the category; 0 outside the table and when all 150 slots are taken
   int AddNominalID(int Col, std::string_view MScaleID);
-  /// Sets the identifier of category OrdVal = 1..150; in columns of other scales it can only be made
-  /// empty. Fires OnChangeSetup in any case.
+  /// Sets the identifier of category OrdVal = 1..150; in columns of other scales it can only be
+  /// made empty. Fires OnChangeSetup in any case.
   void SetNominalID(int ColIx, int OrdVal, std::string_view MScaleID);
   /// Identifier of category OrdVal = 1..150 of a categorical column.
   [[nodiscard]] TNominalIDStr GetNominalID(int ColIx, int OrdVal) const;
@@ -652,10 +652,12 @@ class ZEL_API TDataTable : public TComponent, private detail::TTableArrays {
   void RefuseCategorical(const char* message) const;
   /// Puts row order[k] (from 0, of the rectangle) to place k.
   void ReorderRows(const TCellRange& range, int keyColumn, std::span<const std::uint64_t> order);
-  /// Comb sort of the rows or columns of a rectangle, with all that belongs to them, by a rule that
-  /// says whether two indices are out of order.
-  template <class OutOfOrder>
-  void SortLines(const TCellRange& range, bool isRows, OutOfOrder outOfOrder);
+  /// Comb sort of the rows or columns of a rectangle, with all that belongs to them, by the key of
+  /// an index. Fires OnChange.
+  /// @return false, with nothing done, for a single row or column
+  template <class Key>
+  bool SortLines(const TCellRange& range, bool isRows, bool ascending, Key key);
+  bool SortByNames(const TCellRange& range, bool isRows, bool ascending, bool ignoreCase);
   void ExchangeLines(bool isRows, int i, int j, int first, int last);
 
   int FNrOfCols = 1;

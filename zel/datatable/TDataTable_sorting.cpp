@@ -30,12 +30,6 @@ class TKept {
   bool FOld;
 };
 
-/// Whether the second of two keys has to go before the first.
-template <class Key>
-auto byKey(bool ascending, Key key) {
-  return [=](int i, int j) { return ascending ? key(j) < key(i) : key(i) < key(j); };
-}
-
 }  // namespace
 
 void TDataTable::ReorderRows(const TCellRange& range, int keyColumn,
@@ -111,18 +105,19 @@ void TDataTable::ExchangeLines(bool isRows, int i, int j, int first, int last) {
   ExchangeDuringSort(this, isRows ? 2 : 1, i, j, first, last);
 }
 
-template <class OutOfOrder>
-void TDataTable::SortLines(const TCellRange& range, bool isRows, OutOfOrder outOfOrder) {
+template <class Key>
+bool TDataTable::SortLines(const TCellRange& range, bool isRows, bool ascending, Key key) {
   const int low = isRows ? range.LowRow : range.LowCol;
   const int high = isRows ? range.HighRow : range.HighCol;
   const int first = isRows ? range.LowCol : range.LowRow;
   const int last = isRows ? range.HighCol : range.HighRow;
+  if (low == high) return false;
   FitMatrix();
   const TKept kept(FSortIncludeHd, true);
   const auto step = [&](std::size_t i, std::size_t j) {
     const int a = low + static_cast<int>(i);
     const int b = low + static_cast<int>(j);
-    if (!outOfOrder(a, b)) return kernels::CombStep::Kept;
+    if (!(ascending ? key(b) < key(a) : key(a) < key(b))) return kernels::CombStep::Kept;
     ExchangeLines(isRows, a, b, first, last);
     FitMatrix();
     return range.HighCol <= FNrOfCols && range.HighRow <= FNrOfRows ? kernels::CombStep::Exchanged
@@ -131,46 +126,40 @@ void TDataTable::SortLines(const TCellRange& range, bool isRows, OutOfOrder outO
   const std::size_t n = static_cast<std::size_t>(high - low) + 1;
   kernels::combPasses(n, n - 1, step);
   ChangedData();
+  return true;
+}
+
+bool TDataTable::SortByNames(const TCellRange& range, bool isRows, bool ascending,
+                             bool ignoreCase) {
+  const auto name = [this, isRows](int k) { return (isRows ? FRowName : FColName)[at(k)].view(); };
+  if (!ignoreCase) return SortLines(range, isRows, ascending, name);
+  return SortLines(range, isRows, ascending, [&](int k) { return LowerCase(name(k)); });
 }
 
 void TDataTable::SortRowAttributes(bool Ascending, int LowCol, int LowRow, int HighCol,
                                    int HighRow) {
+  const auto key = [this](int r) { return FRowAtt[at(r)]; };
   const TCellRange range = ValidRange(LowCol, LowRow, HighCol, HighRow);
-  if (range.LowRow == range.HighRow) return;
-  SortLines(range, true, byKey(Ascending, [this](int r) { return FRowAtt[at(r)]; }));
-  ChangedAttrib();
+  if (SortLines(range, true, Ascending, key)) ChangedAttrib();
 }
 
 void TDataTable::SortColAttributes(bool Ascending, int LowCol, int LowRow, int HighCol,
                                    int HighRow) {
+  const auto key = [this](int c) { return FColAtt[at(c)]; };
   const TCellRange range = ValidRange(LowCol, LowRow, HighCol, HighRow);
-  if (range.LowCol == range.HighCol) return;
-  SortLines(range, false, byKey(Ascending, [this](int c) { return FColAtt[at(c)]; }));
-  ChangedAttrib();
+  if (SortLines(range, false, Ascending, key)) ChangedAttrib();
 }
 
 void TDataTable::SortRowNames(bool Ascending, bool IgnoreCase, int LowCol, int LowRow, int HighCol,
                               int HighRow) {
   const TCellRange range = ValidRange(LowCol, LowRow, HighCol, HighRow);
-  if (range.LowRow == range.HighRow) return;
-  if (IgnoreCase) {
-    SortLines(range, true, byKey(Ascending, [this](int r) { return LowerCase(FRowName[at(r)]); }));
-  } else {
-    SortLines(range, true, byKey(Ascending, [this](int r) { return FRowName[at(r)].view(); }));
-  }
-  ChangedNames();
+  if (SortByNames(range, true, Ascending, IgnoreCase)) ChangedNames();
 }
 
 void TDataTable::SortColNames(bool Ascending, bool IgnoreCase, int LowCol, int LowRow, int HighCol,
                               int HighRow) {
   const TCellRange range = ValidRange(LowCol, LowRow, HighCol, HighRow);
-  if (range.LowCol == range.HighCol) return;
-  if (IgnoreCase) {
-    SortLines(range, false, byKey(Ascending, [this](int c) { return LowerCase(FColName[at(c)]); }));
-  } else {
-    SortLines(range, false, byKey(Ascending, [this](int c) { return FColName[at(c)].view(); }));
-  }
-  ChangedNames();
+  if (SortByNames(range, false, Ascending, IgnoreCase)) ChangedNames();
 }
 
 }  // namespace zel
