@@ -93,7 +93,7 @@ HWY_INLINE void codelet(D d, const double* HWY_RESTRICT roots, Load load, Store 
     butterfly(d, x);
     for (std::size_t k = 0; k < kSize; ++k) store(k, x[k]);
   } else {
-    constexpr std::size_t kFirst = kSize == 16 ? 4 : 8;
+    constexpr std::size_t kFirst = kSize == 64 ? 8 : 4;
     constexpr std::size_t kSecond = kSize / kFirst;
     Complex<D> y[kSize];
     for (std::size_t j = 0; j < kSecond; ++j) {
