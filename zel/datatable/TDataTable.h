@@ -445,9 +445,8 @@ class ZEL_API TDataTable : public TComponent, private detail::TTableArrays {
   int FillMarkedCells(double Value, std::uint8_t StateMask);
   /// Standardizes the number cells of each numeric column to mean 0 and variance 1; a column of
   /// variance 0 stays. Fires OnChange if a column has changed.
-  /// @param Means, StdDevs  element c receives mean and standard deviation of numeric column c, if
-  /// it
-  ///   exists; null: not wanted
+  /// @param Means, StdDevs  element c receives mean and standard deviation of numeric column c,
+  ///   if it exists; null: not wanted
   void StandardizeNumCellColumns(TVector* Means, TVector* StdDevs);
   /// The same by rows: the number cells of a row by mean and variance of those in numeric columns.
   /// Fires OnChange.
@@ -606,6 +605,9 @@ class ZEL_API TDataTable : public TComponent, private detail::TTableArrays {
   void FireResize(int oldCols, int oldRows);
   /// Events of an exchange.
   void ChangedOrder();
+  /// Exchange names, attributes and scales.
+  void SwapColumnHeads(int c1, int c2);
+  void SwapRowHeads(int r1, int r2);
   /// Exchanges all that belongs to two columns, without events.
   void SwapColumns(int c1, int c2);
   /// Handler of NumericData->OnSortExchange: what belongs to the exchanged lines follows them.

@@ -139,6 +139,7 @@ class TCsvReader {
   void readHeader(DelimitedText& text) {
     if (!text.nextRecord()) fail(-2, "there is nothing but blanks");
     if (!FHasHeader) return;
+    FNames.clear();
     std::string_view cell;
     while (text.nextCell(cell)) FNames.emplace_back(cell);
     failIfBroken(text);
@@ -388,7 +389,6 @@ bool TDataTable::ExportAsCSV(std::string_view FName, int Precision, TCSVDelimite
       endCell();
     }
     endRow();
-    if (r == FNrOfRows) break;
   }
   file.Stream() << text;
   return file.Commit();

@@ -304,8 +304,10 @@ bool TDataTable::CalcCovar(TMatrix* CovarMat, int LoC, int HiC, int LoR, int HiR
       for (double& v : x) v -= mean;
       ProgressStep();
     }
-    const auto isNumber = [&](int i, std::size_t r) {
-      return HasColumn(LoC + i) && (States(LoC + i)[at(LoR) + r] & kNoNumber) == 0;
+    // A column outside the table has no cells.
+    const auto statesOf = [&](std::size_t i) -> const std::uint8_t* {
+      const int c = LoC + static_cast<int>(i);
+      return HasColumn(c) ? States(c) + at(LoR) : nullptr;
     };
     TDouble2DArray result(m, m);
     Cells x;
@@ -316,8 +318,10 @@ bool TDataTable::CalcCovar(TMatrix* CovarMat, int LoC, int HiC, int LoR, int HiR
       for (std::size_t j = 0; j <= i; ++j) {
         x.clear();
         y.clear();
-        for (std::size_t r = 0; r < rows; ++r) {
-          if (!isNumber(done, r) || !isNumber(static_cast<int>(j), r)) continue;
+        const std::uint8_t* const a = statesOf(i);
+        const std::uint8_t* const b = statesOf(j);
+        for (std::size_t r = 0; a && b && r < rows; ++r) {
+          if (((a[r] | b[r]) & kNoNumber) != 0) continue;
           x.push_back(columns[i][r]);
           y.push_back(columns[j][r]);
         }

@@ -233,11 +233,20 @@ void TDataTable::ChangedOrder() {
   ChangedSetup();
 }
 
-void TDataTable::SwapColumns(int c1, int c2) {
-  if (c1 == c2) return;
+void TDataTable::SwapColumnHeads(int c1, int c2) {
   std::swap(FColAtt[at(c1)], FColAtt[at(c2)]);
   std::swap(FColName[at(c1)], FColName[at(c2)]);
   std::swap(Type(c1), Type(c2));
+}
+
+void TDataTable::SwapRowHeads(int r1, int r2) {
+  std::swap(FRowAtt[at(r1)], FRowAtt[at(r2)]);
+  std::swap(FRowName[at(r1)], FRowName[at(r2)]);
+}
+
+void TDataTable::SwapColumns(int c1, int c2) {
+  if (c1 == c2) return;
+  SwapColumnHeads(c1, c2);
   std::swap_ranges(Values(c1), Values(c1) + Rows(), Values(c2));
   std::swap_ranges(States(c1), States(c1) + Rows(), States(c2));
 }
@@ -252,8 +261,7 @@ void TDataTable::ExchangeColumns(int c1, int c2) {
 void TDataTable::ExchangeRows(int r1, int r2) {
   if (!HasRow(r1) || !HasRow(r2)) return;
   FitMatrix();
-  std::swap(FRowAtt[at(r1)], FRowAtt[at(r2)]);
-  std::swap(FRowName[at(r1)], FRowName[at(r2)]);
+  SwapRowHeads(r1, r2);
   for (int c = 1; c <= FNrOfCols; ++c) {
     std::swap(Values(c)[at(r1)], Values(c)[at(r2)]);
     std::swap(States(c)[at(r1)], States(c)[at(r2)]);
@@ -302,20 +310,13 @@ void TDataTable::ExchangeDuringSort(TObject*, std::uint8_t ExchgWhat, int Index1
   if (inside && Index1 != Index2) {
     const int low = std::max(First, 1);
     if (columns) {
-      if (FSortIncludeHd) {
-        std::swap(FColAtt[at(Index1)], FColAtt[at(Index2)]);
-        std::swap(FColName[at(Index1)], FColName[at(Index2)]);
-        std::swap(Type(Index1), Type(Index2));
-      }
+      if (FSortIncludeHd) SwapColumnHeads(Index1, Index2);
       const int high = std::min(Last, FNrOfRows);
       if (low <= high) {
         std::swap_ranges(States(Index1) + at(low), States(Index1) + high, States(Index2) + at(low));
       }
     } else {
-      if (FSortIncludeHd) {
-        std::swap(FRowAtt[at(Index1)], FRowAtt[at(Index2)]);
-        std::swap(FRowName[at(Index1)], FRowName[at(Index2)]);
-      }
+      if (FSortIncludeHd) SwapRowHeads(Index1, Index2);
       for (int c = low; c <= std::min(Last, FNrOfCols); ++c) {
         std::swap(States(c)[at(Index1)], States(c)[at(Index2)]);
       }

@@ -43,15 +43,18 @@ class PlainTap {
 
 using Tap = std::conditional_t<std::numeric_limits<Extended>::digits == 64, SplitTap, PlainTap>;
 
-/// The low-pass taps as K pairs.
+/// The low-pass taps as K pairs. A step back is a step whose even taps come in reverse order: from
+/// approximation and detail it makes an even and an odd value, as the step makes those from these.
 template <std::size_t K>
 struct Taps {
   struct Pair {
     Tap even, odd;
   };
   std::array<Pair, K> pairs;
-  explicit Taps(std::span<const Extended> h) {
-    for (std::size_t q = 0; q < K; ++q) pairs[q] = {Tap(h[2 * q]), Tap(h[2 * q + 1])};
+  Taps(std::span<const Extended> h, bool isBack) {
+    for (std::size_t q = 0; q < K; ++q) {
+      pairs[q] = {Tap(h[2 * (isBack ? K - 1 - q : q)]), Tap(h[2 * q + 1])};
+    }
   }
 };
 
@@ -77,11 +80,11 @@ template <>
 struct Sums<1> {};
 
 /// Two neighbouring samples are loaded once and go into all K approximations and details that they
-/// are part of; the oldest are complete then. The order leaves no more than eight numbers alive.
+/// are part of; the oldest are complete then. On the way back the samples are an approximation and
+/// a detail. The order leaves no more than eight numbers alive.
 template <std::size_t K>
-[[gnu::always_inline]] inline void analyse(const Taps<K>& taps, Sums<K>& sums, Extended even,
-                                           Extended odd, Extended* approximation,
-                                           Extended* detail) {
+[[gnu::always_inline]] inline void step(const Taps<K>& taps, Sums<K>& sums, Extended even,
+                                        Extended odd, Extended* approximation, Extended* detail) {
   const auto& [evenTap, oddTap] = taps.pairs[0];
   if constexpr (K == 1) {
     *approximation = evenTap() * even + oddTap() * odd;
@@ -112,41 +115,6 @@ template <std::size_t K>
   }
 }
 
-/// The transposed step.
-template <std::size_t K>
-[[gnu::always_inline]] inline void synthesise(const Taps<K>& taps, Sums<K>& sums,
-                                              Extended approximation, Extended detail,
-                                              Extended* even, Extended* odd) {
-  const auto& [evenTap, oddTap] = taps.pairs[0];
-  if constexpr (K == 1) {
-    *even = evenTap() * approximation + oddTap() * detail;
-    *odd = oddTap() * approximation - evenTap() * detail;
-  } else {
-    auto& evens = sums.first;
-    auto& odds = sums.second;
-    const auto& [lastEven, lastOdd] = taps.pairs[K - 1];
-    Extended tap = evenTap();
-    evens[0] += tap * approximation;
-    const Extended negative = tap * detail;
-    *even = evens[0] + lastOdd() * detail;
-    const Extended newOdd = lastOdd() * approximation - negative;
-    tap = lastEven();
-    const Extended first = tap * approximation;
-    odds[0] -= tap * detail;
-    *odd = odds[0] + oddTap() * approximation;
-    const Extended newEven = first + oddTap() * detail;
-    if constexpr (K == 3) {
-      tap = taps.pairs[1].even();
-      evens[1] += tap * approximation;
-      odds[1] -= tap * detail;
-      tap = taps.pairs[1].odd();
-      evens[1] += tap * detail;
-      odds[1] += tap * approximation;
-    }
-    sums.shift(newEven, newOdd);
-  }
-}
-
 /// Index in a block of n values of the one that counts as `before` places before its start.
 std::size_t indexBefore(std::size_t before, std::size_t n, BlockStart start) {
   return start == BlockStart::isMirrored ? (before - 1) % n : (n - before % n) % n;
@@ -155,19 +123,19 @@ std::size_t indexBefore(std::size_t before, std::size_t n, BlockStart start) {
 template <std::size_t K>
 void forward(std::span<Extended> x, std::span<const Extended> lowPass, BlockStart start,
              std::span<Extended> details) {
-  const Taps<K> taps(lowPass);
+  const Taps<K> taps(lowPass, false);
   Sums<K> sums;
   for (std::size_t before = 2 * (K - 1); before > 0; before -= 2) {
     const auto sample = [&](std::size_t b) {
       return start == BlockStart::isZero ? Extended{0} : x[indexBefore(b, x.size(), start)];
     };
     Extended unused = 0;
-    analyse(taps, sums, sample(before), sample(before - 1), &unused, &unused);
+    step(taps, sums, sample(before), sample(before - 1), &unused, &unused);
   }
   // The approximations replace samples that have been read.
   const std::size_t half = x.size() / 2;
   for (std::size_t i = 0; i < half; ++i) {
-    analyse(taps, sums, x[2 * i], x[2 * i + 1], &x[i], &details[i]);
+    step(taps, sums, x[2 * i], x[2 * i + 1], &x[i], &details[i]);
   }
   std::copy_n(details.begin(), half, x.begin() + static_cast<std::ptrdiff_t>(half));
 }
@@ -176,7 +144,7 @@ template <std::size_t K>
 void inverse(std::span<Extended> x, std::span<const Extended> lowPass, BlockStart start,
              std::span<Extended> approximations) {
   constexpr std::size_t kLag = K - 1;
-  const Taps<K> taps(lowPass);
+  const Taps<K> taps(lowPass, true);
   Sums<K> sums;
   const std::size_t half = x.size() / 2;
   std::copy_n(x.begin(), half, approximations.begin());
@@ -184,17 +152,17 @@ void inverse(std::span<Extended> x, std::span<const Extended> lowPass, BlockStar
   std::array<Extended, 2 * K> before{};
   for (std::size_t i = 0; i < kLag; ++i) {
     const bool exists = i < half;
-    synthesise(taps, sums, exists ? approximations[i] : 0, exists ? x[half + i] : 0, &before[2 * i],
-               &before[2 * i + 1]);
+    step(taps, sums, exists ? approximations[i] : 0, exists ? x[half + i] : 0, &before[2 * i],
+         &before[2 * i + 1]);
   }
   // The others replace approximations, which are in the scratch, and details that have been read.
   for (std::size_t i = kLag; i < half; ++i) {
     Extended* const pair = &x[2 * (i - kLag)];
-    synthesise(taps, sums, approximations[i], x[half + i], pair, pair + 1);
+    step(taps, sums, approximations[i], x[half + i], pair, pair + 1);
   }
   for (std::size_t i = std::max(half, kLag); i < half + kLag; ++i) {
     Extended* const pair = &x[2 * (i - kLag)];
-    synthesise<K>(taps, sums, 0, 0, pair, pair + 1);
+    step<K>(taps, sums, 0, 0, pair, pair + 1);
   }
   if (start == BlockStart::isZero) return;
   for (std::size_t k = 0; k < 2 * kLag; ++k) {
