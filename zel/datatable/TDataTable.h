@@ -2,10 +2,8 @@
 /// Table of observations with names, attributes, scales of measurement and cell states.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -13,49 +11,13 @@
 #include <tuple>
 
 #include "zel/base/Zel_zelbase.h"
+#include "zel/base/clipboard.h"
+#include "zel/datatable/tabletypes.h"
 #include "zel/matrix/TMatrix.h"
 
 namespace zel {
 
 class TVector;
-
-/// Scale on which a variable is measured. Nominal and ordinal variables are categorical.
-enum TMScaleType : std::uint8_t { stUnknown, stNominal, stOrdinal, stInterval, stRatio };
-
-/// Names of the scales, by TMScaleType.
-inline constexpr std::array<std::string_view, 5> MScaleTypeNames = {"Unknown", "Nominal", "Ordinal",
-                                                                    "Interval", "Ratio"};
-
-/// Identifier of a category, at most 10 bytes.
-using TNominalIDStr = TShortString<10>;
-/// Name of a row or column, at most 50 bytes.
-using TDTNameStr = TShortString<50>;
-
-/// Scale of a variable and its categories. Category k = 1..150 has the identifier IDs[k - 1].
-struct TVTypeSpec {
-  TMScaleType MScaleType = stInterval;
-  std::array<TNominalIDStr, 150> IDs{};
-  bool operator==(const TVTypeSpec&) const = default;
-};
-
-/// The dimensions of a table have changed.
-using TDataTableResizeEvent =
-    std::function<void(TObject* Sender, int OldColumns, int OldRows, int NewColumns, int NewRows)>;
-
-namespace detail {
-
-/// What a table holds beside its values.
-struct TTableArrays {
-  std::string FComment;
-  TDynArray<int, 1> FRowAtt;
-  TDynArray<int, 1> FColAtt;
-  TDynArray<TVTypeSpec, 1> FVType;
-  TDynArray<std::uint8_t, 2> FCState;  // [column][row]
-  TDynArray<TDTNameStr, 1> FColName;
-  TDynArray<TDTNameStr, 1> FRowName;
-};
-
-}  // namespace detail
 
 /// Table of observations: one column per variable, one row per object, at least one of each.
 ///
@@ -524,6 +486,69 @@ class ZEL_API TDataTable : public TComponent, private detail::TTableArrays {
                    bool IncludeColHeaders, bool IncludeRowHeaders,
                    bool IncludeRowAttributes = false, bool IncludeComment = false,
                    TDecPSep DecSep = dpsPoint) const;
+
+  // Text files in the ASC form that all containers share. What that form has no place for (column
+  // attributes, scales, categories, states, the value of a cell that is no number) stands behind
+  // the rows, where the other readers of the form do not look.
+
+  /// Writes the table. Categories are written as their numbers, empty cells as NAN.
+  /// @param Precision  decimals; negative: the shortest text that gives the same number again, so
+  ///   that a table is read back as it was
+  /// @return 0; -1 if the file could not be written, and an old file is untouched then
+  int ExportAsASC(std::string_view FName, int Precision) const;
+  /// The same with data of the caller's in further columns behind those of the table.
+  /// @param CustData  [column][row], as text; rows that it does not have are written as empty text
+  int ExportAsASC(std::string_view FName, int Precision, const TStr2DArray& CustData) const;
+  /// The same to a stream or an open text file.
+  void ExportAsASC(std::ostream& OutStream, int Precision) const;
+  /// Reads a table. Fires what CopyContentsFrom fires.
+  /// @return 0; otherwise the table is as it was: -8 there is no such file, -1 it cannot be read,
+  ///   1..4 this line of the header is bad, -2 there are no rows or no columns, -3 rows or values
+  ///   are missing, -5 a row attribute is not an integer, -6 a value is not a number, -9 a part
+  ///   behind the rows is bad
+  int ImportASC(std::string_view FName);
+  /// The same with data of the caller's, [column][row]; empty if the file has none.
+  int ImportASC(std::string_view FName, TStr2DArray& CustData);
+  int ImportASC(std::istream& InStream);
+  int ImportASC(const TClipboard& ClipBd);
+  /// @param Message  receives, for a result other than 0, what is wrong, with the line
+  int ImportASC(std::istream& InStream, TStr2DArray& CustData, std::string& Message);
+  /// Reads values and states into the table from cell (PosX, PosY) on, the first column and row
+  /// being 1; the table grows where they do not fit. Fires OnResize if it does, then OnChange and
+  /// OnChangeCellState; with ReplaceIDs also OnChangeSetup, OnChangeNames, OnChangeAttrib.
+  /// @param ReplaceIDs  the names, attributes, scales and categories of the columns and rows that
+  ///   are read replace those of the table. Without it categories are found by their identifiers;
+  ///   new ones are added.
+  /// @return as ImportASC; also -4: PosX or PosY is below 1 or the table would be too large; -10: a
+  ///   column would have more than 150 categories
+  int ReadFromASC(std::string_view FName, int PosX, int PosY, bool ReplaceIDs);
+  int ReadFromASC(std::istream& InStream, int PosX, int PosY, bool ReplaceIDs);
+  int ReadFromASC(const TClipboard& ClipBd, int PosX, int PosY, bool ReplaceIDs);
+
+  // XML: an element `datatable` with all that belongs to a table.
+
+  /// Writes a file with the XML declaration and the table.
+  /// @param Precision  decimals; negative: the shortest text that gives the same number again
+  /// @param DataID  an identifier by which the readers find the table among others
+  /// @return false if the file could not be written; an old file is untouched then
+  bool SaveAsXMLFile(std::string_view FName, int Precision, std::string_view DataID) const;
+  /// Writes the element, behind the XML declaration if that is wanted.
+  void WriteToXMLStream(std::ostream& OutStream, bool CreateHeader, int Precision,
+                        std::string_view DataID) const;
+  void WriteToOpenXMLFile(std::ostream& TextFile, bool CreateHeader, int Precision,
+                          std::string_view DataID) const;
+  /// Reads the first table with the given identifier, or the first one if that is empty. Fires what
+  /// CopyContentsFrom fires.
+  /// @return false, with the table as it was, if there is none or it is damaged
+  bool LoadFromXMLFile(std::string_view FName, std::string_view DataID);
+  /// The same from a stream, which is left behind the element.
+  bool ReadFromXMLStream(std::istream& InStream, std::string_view DataID);
+  bool ReadFromOpenXMLFile(std::istream& TextFile, std::string_view DataID);
+  /// @param Message  receives, for a false result, what is wrong
+  bool ReadFromXMLStream(std::istream& InStream, std::string_view DataID, std::string& Message);
+  /// The same from a text.
+  /// @param StartAt  0-based position at which to start; moved behind the element
+  bool ReadFromXMLString(std::string_view InString, std::size_t& StartAt, std::string_view DataID);
 
   // Notification.
 

@@ -1,0 +1,74 @@
+/// @file
+/// Types of the data table: scales, identifiers, names, its XML tags.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "zel/base/array.h"
+#include "zel/base/component.h"
+#include "zel/base/shortstring.h"
+
+namespace zel {
+
+/// Scale on which a variable is measured. Nominal and ordinal variables are categorical.
+enum TMScaleType : std::uint8_t { stUnknown, stNominal, stOrdinal, stInterval, stRatio };
+
+/// Names of the scales, by TMScaleType.
+inline constexpr std::array<std::string_view, 5> MScaleTypeNames = {"Unknown", "Nominal", "Ordinal",
+                                                                    "Interval", "Ratio"};
+
+/// Identifier of a category, at most 10 bytes.
+using TNominalIDStr = TShortString<10>;
+/// Name of a row or column, at most 50 bytes.
+using TDTNameStr = TShortString<50>;
+
+/// Scale of a variable and its categories. Category k = 1..150 has the identifier IDs[k - 1].
+struct TVTypeSpec {
+  TMScaleType MScaleType = stInterval;
+  std::array<TNominalIDStr, 150> IDs{};
+  bool operator==(const TVTypeSpec&) const = default;
+};
+
+/// The dimensions of a table have changed.
+using TDataTableResizeEvent =
+    std::function<void(TObject* Sender, int OldColumns, int OldRows, int NewColumns, int NewRows)>;
+
+/// Tags of the XML form of a table.
+enum TDTxmlTags : std::uint8_t {
+  xmlDataTableId,
+  xmlDataTableEndId,
+  xmlComment,
+  xmlSize,
+  xmlColNames,
+  xmlRowNames,
+  xmlColAttrib,
+  xmlRowAttrib,
+  xmlColId,
+  xmlRowId,
+  xmlDataCells,
+  xmlCellID,
+  xmlVarType,
+  xmlVarIdentifier,
+  xmlInvalid
+};
+
+namespace detail {
+
+/// What a table holds beside its values.
+struct TTableArrays {
+  std::string FComment;
+  TDynArray<int, 1> FRowAtt;
+  TDynArray<int, 1> FColAtt;
+  TDynArray<TVTypeSpec, 1> FVType;
+  TDynArray<std::uint8_t, 2> FCState;  // [column][row]
+  TDynArray<TDTNameStr, 1> FColName;
+  TDynArray<TDTNameStr, 1> FRowName;
+};
+
+}  // namespace detail
+
+}  // namespace zel
