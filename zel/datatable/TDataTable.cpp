@@ -22,8 +22,8 @@ TDataTable::TDataTable(TComponent* AOwner) : TComponent(AOwner) {
   } catch (const std::exception&) {
     Raise<EZELDataTableError>("\": failed to initialize (out of memory)");
   }
-  NameColumns(0);
-  NameRows(0);
+  detail::NameColumns(*this, 0);
+  detail::NameRows(*this, 0);
   NumericData = FOwned.get();
   AttachMatrix();
 }
@@ -62,13 +62,6 @@ void TDataTable::FireResize(int oldCols, int oldRows) {
 
 namespace {
 
-/// Default name: C-7.
-TDTNameStr numberedName(char initial, std::size_t number) {
-  char text[24] = {initial, '-'};
-  const auto end = std::to_chars(text + 2, std::end(text), number).ptr;
-  return TDTNameStr(std::string_view(text, static_cast<std::size_t>(end - text)));
-}
-
 std::string_view withoutBlanks(std::string_view name) {
   const std::size_t first = name.find_first_not_of(' ');
   if (first == std::string_view::npos) return {};
@@ -98,14 +91,6 @@ void mergeAttributes(std::span<int> attributes, int value, std::uint32_t mask) {
 }
 
 }  // namespace
-
-void TDataTable::NameColumns(std::size_t from) {
-  for (std::size_t i = from; i < FColName.size(); ++i) FColName[i] = numberedName('C', i + 1);
-}
-
-void TDataTable::NameRows(std::size_t from) {
-  for (std::size_t i = from; i < FRowName.size(); ++i) FRowName[i] = numberedName('R', i + 1);
-}
 
 TDTNameStr TDataTable::GetColName(int ColNr) const {
   return HasColumn(ColNr) ? FColName[at(ColNr)] : TDTNameStr();

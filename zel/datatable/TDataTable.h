@@ -624,9 +624,11 @@ class ZEL_API TDataTable : public TComponent, private detail::TTableArrays {
   void ResizeLines(std::size_t columns, std::size_t rows);
   /// Resizes without events.
   void ResizeTo(std::int64_t nCols, std::int64_t nRows);
-  /// Default names from an index (from 0) on.
-  void NameColumns(std::size_t from);
-  void NameRows(std::size_t from);
+  /// Takes over all of a table and fires what CopyContentsFrom fires.
+  void TakeContents(detail::TTableContents&& contents);
+  /// Calls write(view) with all of this table.
+  template <class Write>
+  void WithView(Write&& write) const;
   void FireResize(int oldCols, int oldRows);
   /// Events of an exchange.
   void ChangedOrder();

@@ -47,6 +47,21 @@ void TDataTable::AssignTo(TPersistent* Dest) const {
 
 void TDataTable::CopyContentsFrom(const TDataTable* ExtTab) {
   if (!ExtTab) return;
+  TakeContents(Guarded([&] {
+    detail::TTableContents contents(*ExtTab);
+    const std::size_t rows = contents.Rows();
+    contents.Values.SetLength(contents.Columns(), rows);
+    for (int c = 1; c <= ExtTab->FNrOfCols; ++c) {
+      double* const values = contents.Values.data() + at(c) * rows;
+      ExtTab->ReadValues(c, 1, rows, values);
+      if (ExtTab->IsCategorical(c))
+        std::transform(values, values + rows, values, RoundEven<double>);
+    }
+    return contents;
+  }));
+}
+
+void TDataTable::TakeContents(detail::TTableContents&& contents) {
   const int oldCols = FNrOfCols;
   const int oldRows = FNrOfRows;
   {
@@ -55,21 +70,13 @@ void TDataTable::CopyContentsFrom(const TDataTable* ExtTab) {
     const detail::TSuspended names(OnChangeNames);
     const detail::TSuspended states(OnChangeCellState);
     const detail::TSuspended attributes(OnChangeAttrib);
-    Guarded([&] {
-      detail::TTableArrays arrays(*ExtTab);
-      {
-        const TDetached detached(*this);
-        NumericData->Resize(ExtTab->FNrOfCols, ExtTab->FNrOfRows);
-      }
-      static_cast<detail::TTableArrays&>(*this) = std::move(arrays);
-    });
-    FNrOfCols = ExtTab->FNrOfCols;
-    FNrOfRows = ExtTab->FNrOfRows;
-    for (int c = 1; c <= FNrOfCols; ++c) {
-      double* const values = Values(c);
-      ExtTab->ReadValues(c, 1, Rows(), values);
-      if (IsCategorical(c)) std::transform(values, values + Rows(), values, RoundEven<double>);
+    {
+      const TDetached detached(*this);
+      NumericData->Adopt(std::move(contents.Values));
     }
+    static_cast<detail::TTableArrays&>(*this) = std::move(contents);
+    FNrOfCols = static_cast<int>(FColName.size());
+    FNrOfRows = static_cast<int>(FRowName.size());
     if (FNrOfCols != oldCols || FNrOfRows != oldRows) FireResize(oldCols, oldRows);
   }
   ChangedData();

@@ -88,8 +88,8 @@ void TDataTable::ResizeArrays(std::int64_t nCols, std::int64_t nRows, ResizeMatr
   ResizeLines(columns, rows);
   FNrOfCols = static_cast<int>(nCols);
   FNrOfRows = static_cast<int>(nRows);
-  NameColumns(oldColumns);
-  NameRows(oldRows);
+  detail::NameColumns(*this, oldColumns);
+  detail::NameRows(*this, oldRows);
 }
 
 void TDataTable::ResizeTo(std::int64_t nCols, std::int64_t nRows) {
@@ -289,8 +289,8 @@ void TDataTable::MirrorRows() {
 void TDataTable::Clear() {
   FitMatrix();
   FComment.clear();
-  NameColumns(0);
-  NameRows(0);
+  detail::NameColumns(*this, 0);
+  detail::NameRows(*this, 0);
   std::fill(FColAtt.begin(), FColAtt.end(), 0);
   std::fill(FRowAtt.begin(), FRowAtt.end(), 0);
   std::fill(FVType.begin(), FVType.end(), TVTypeSpec());

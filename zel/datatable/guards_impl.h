@@ -4,6 +4,7 @@
 
 #include "zel/base/guard_impl.h"
 #include "zel/datatable/TDataTable.h"
+#include "zel/datatable/table_contents_impl.h"
 
 namespace zel {
 
@@ -52,5 +53,16 @@ class TSuspended {
 };
 
 }  // namespace detail
+
+template <class Write>
+void TDataTable::WithView(Write&& write) const {
+  const double* values = NumericData->data();
+  TDouble2DArray copy;
+  if (NumericData->NrOfColumns() != FNrOfCols || NumericData->NrOfRows() != FNrOfRows) {
+    CopyDataToArray(copy);
+    values = copy.data();
+  }
+  write(detail::TTableView{*this, values});
+}
 
 }  // namespace zel

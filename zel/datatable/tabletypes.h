@@ -69,6 +69,8 @@ struct TTableArrays {
   TDynArray<TDTNameStr, 1> FRowName;
 };
 
+struct TTableContents;
+
 }  // namespace detail
 
 }  // namespace zel

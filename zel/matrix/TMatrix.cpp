@@ -1,6 +1,7 @@
 #include "zel/matrix/TMatrix.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "zel/base/rounding.h"
 #include "zel/foundation/randoms.h"
@@ -44,6 +45,19 @@ void TMatrix::AssignTo(TPersistent* Dest) const {
   auto* dest = dynamic_cast<TMatrix*>(Dest);
   if (!dest) return TComponent::AssignTo(Dest);
   dest->Assign(this);
+}
+
+void TMatrix::Adopt(TDouble2DArray&& Contents) {
+  constexpr auto most = static_cast<std::size_t>(std::numeric_limits<int>::max());
+  const std::size_t columns = Contents.Length(0);
+  const std::size_t rows = Contents.Length(1);
+  if (std::max(columns, rows) > most) RaiseNoMemory();
+  // Also an empty matrix has a cell.
+  Guarded([&] {
+    Contents.SetLength(std::max<std::size_t>(columns, 1), std::max<std::size_t>(rows, 1));
+  });
+  TakeOver(Contents, static_cast<int>(columns), static_cast<int>(rows));
+  Changed();
 }
 
 void TMatrix::SetFPrecis(int ix, int value) { FPrecis[ix > 1 ? 1 : 0] = std::clamp(value, -1, 25); }

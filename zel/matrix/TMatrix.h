@@ -187,6 +187,11 @@ class ZEL_API TMatrix : public TNumMatrix<double> {
   /// @throws EZELMatrixError  `: not enough memory on heap`
   int CalcDistMat(TDistMode Mode, TMatrix* DMat) const;
 
+  /// Takes over an array, [column][row], with its size; nothing is copied. Fires OnChange.
+  /// @throws EZELMatrixError  `: not enough memory on heap` if there are more columns or rows than
+  ///   2147483647; the matrix is unchanged then
+  void Adopt(TDouble2DArray&& Contents);
+
  private:
   /// Fills a rectangle with successive values of next().
   template <class Next>

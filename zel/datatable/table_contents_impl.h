@@ -1,0 +1,47 @@
+/// @file
+/// Contents of a table outside one: what the readers of files fill and the writers write. Internal.
+#pragma once
+
+#include <cstddef>
+
+#include "zel/datatable/tabletypes.h"
+
+namespace zel::detail {
+
+/// All that a table holds. A reader that does not know the number of rows in advance reserves
+/// nothing: it adds one row after the other.
+struct TTableContents : TTableArrays {
+  TDouble2DArray Values;  // [column][row], like FCState
+
+  /// Takes copies of all but the values.
+  explicit TTableContents(const TTableArrays& arrays) : TTableArrays(arrays) {}
+  /// Zeros, with the names and scales of a new table.
+  TTableContents(std::size_t columns, std::size_t rows);
+
+  [[nodiscard]] std::size_t Columns() const { return FColName.size(); }
+  [[nodiscard]] std::size_t Rows() const { return FRowName.size(); }
+  /// Adds a row of zeros with its default name, in amortised constant time per cell. Values and
+  /// FCState may be longer than Rows() until FitRows is called.
+  void AddRow();
+  void FitRows();
+};
+
+/// What a writer writes. Refers to its source.
+struct TTableView {
+  const TTableArrays& Arrays;
+  const double* Values;  // column by column
+
+  [[nodiscard]] std::size_t Columns() const { return Arrays.FColName.size(); }
+  [[nodiscard]] std::size_t Rows() const { return Arrays.FRowName.size(); }
+  /// @param c  from 0, like r
+  [[nodiscard]] double Value(std::size_t c, std::size_t r) const { return Values[c * Rows() + r]; }
+  [[nodiscard]] std::uint8_t State(std::size_t c, std::size_t r) const {
+    return Arrays.FCState.data()[c * Rows() + r];
+  }
+};
+
+/// Default names: C-1, C-2 ... from an index (from 0) on.
+void NameColumns(TTableArrays& arrays, std::size_t from);
+void NameRows(TTableArrays& arrays, std::size_t from);
+
+}  // namespace zel::detail
