@@ -475,6 +475,8 @@ class ZEL_API TDataTable : public TComponent, private detail::TTableArrays {
                     bool IncludeRowHeaders, TDecPSep DecSep, std::string& Message);
   int ImportFromCSV(std::string_view FName, TCSVDelimiters Delimiter, bool IncludeColHeaders,
                     bool IncludeRowHeaders, TDecPSep DecSep = dpsPoint);
+  /// The same from a stream, with options and a report.
+  int ImportFromCSV(std::istream& InStream, TCSVImport& Import);
   /// Writes a text file that ImportFromCSV reads: empty cells as NA, categories by their
   /// identifiers. States but for emptiness, column attributes and scales are not part of it, nor
   /// are unused identifiers.

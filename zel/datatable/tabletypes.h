@@ -7,10 +7,12 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "zel/base/array.h"
 #include "zel/base/component.h"
 #include "zel/base/shortstring.h"
+#include "zel/base/types.h"
 
 namespace zel {
 
@@ -36,6 +38,21 @@ struct TVTypeSpec {
 /// The dimensions of a table have changed.
 using TDataTableResizeEvent =
     std::function<void(TObject* Sender, int OldColumns, int OldRows, int NewColumns, int NewRows)>;
+
+/// How a text file of delimited cells is read, and what is told of it beside the table.
+struct TCSVImport {
+  TCSVDelimiters Delimiter = cdDetect;
+  bool IncludeColHeaders = true;   ///< the first line holds the names of the columns
+  bool IncludeRowHeaders = false;  ///< the first column holds the names of the rows
+  TDecPSep DecSep = dpsPoint;
+  /// A column with more than 150 different texts is no error: it becomes a column of empty cells of
+  /// unknown scale.
+  bool SkipLongTexts = false;
+
+  std::string Message;                 ///< what is wrong, with the line or the column
+  std::vector<std::int64_t> RowLines;  ///< the line of the file in which each row starts, from 1
+  TIntArray SkippedColumns;            ///< columns of the table skipped for their texts, from 1
+};
 
 /// Tags of the XML form of a table.
 enum TDTxmlTags : std::uint8_t {
