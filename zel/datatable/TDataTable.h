@@ -628,6 +628,8 @@ class ZEL_API TDataTable : public TComponent, private detail::TTableArrays {
   void ResizeTo(std::int64_t nCols, std::int64_t nRows);
   /// Takes over all of a table and fires what CopyContentsFrom fires.
   void TakeContents(detail::TTableContents&& contents);
+  /// ImportFromCSV of a text.
+  int ReadText(std::string_view text, TCSVImport& import);
   /// Calls write(view) with all of this table.
   template <class Write>
   void WithView(Write&& write) const;
