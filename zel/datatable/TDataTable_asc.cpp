@@ -107,7 +107,7 @@ int TDataTable::ImportASC(std::istream& InStream) {
 
 int TDataTable::ImportASC(std::istream& InStream, TStr2DArray& CustData, std::string& Message) {
   const int result =
-      ReadText(InStream, [&](const std::string& text) { return TakeASC(text, CustData, Message); });
+      WithText(InStream, [&](const std::string& text) { return TakeASC(text, CustData, Message); });
   if (result == kUnreadable) Message = "the stream cannot be read";
   return result;
 }
