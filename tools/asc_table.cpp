@@ -29,19 +29,6 @@ std::string_view takeWord(std::string_view& line) {
   return word;
 }
 
-/// Takes a quoted or bare name from the start of a line.
-/// @return false if there is none, or it is not complete
-bool takeName(std::string_view& line, std::string& name) {
-  auto state = zel::qnsStart;
-  for (; !line.empty(); line.remove_prefix(1)) {
-    const char c = line.front();
-    if (state == zel::qnsClosed && c != '"') return true;
-    if (state == zel::qnsBare && kBlanks.find(c) != std::string_view::npos) return true;
-    zel::ParseQuotedName(c, '"', name, state);
-  }
-  return state == zel::qnsClosed || state == zel::qnsBare;
-}
-
 bool nextFilledLine(LineReader& file, std::string_view& line) {
   while (file.next(line)) {
     if (line.find_first_not_of(kBlanks) != std::string_view::npos) return true;
@@ -85,7 +72,7 @@ std::vector<std::string> readColumnNames(LineReader& file, int count) {
       file.failInLine(file.lineNumber() + 1,
                       which + " should be here, but the file ends before it");
     }
-    if (!takeName(line, names.emplace_back())) {
+    if (!zel::ReadQuotedName(line, '"', names.emplace_back())) {
       file.failInLine(file.lineNumber(), which + " has no closing quotation mark");
     }
   }
@@ -103,7 +90,7 @@ void readRow(const LineReader& file, const zel::TASCHeader& header, std::string_
     const std::string_view word = takeWord(line);
     if (!zel::ParseNumber(word)) bad("the row attribute " + whyNotANumber(word, kMissing));
   }
-  if (header.RowNames && !takeName(line, table.rowNames.emplace_back())) {
+  if (header.RowNames && !zel::ReadQuotedName(line, '"', table.rowNames.emplace_back())) {
     bad("the name of the row is missing or has no closing quotation mark");
   }
   for (std::size_t c = 0; std::cmp_less(c, header.NCols); ++c) {
@@ -147,6 +134,8 @@ ColumnValues readAscTable(LineReader& file, Table& table) {
   std::string_view line;
   while (nextFilledLine(file, line)) {
     if (table.rows == header.NRows) {
+      // What a data table says of itself beside its rows.
+      if (line.starts_with(';')) break;
       file.failInLine(file.lineNumber(),
                       "there are more than the " + std::to_string(header.NRows) + announced);
     }

@@ -113,7 +113,8 @@ ASC: four header lines, then a row per line, separated by blanks or tabs.
   1e3
 If the flags say so, the names of the columns follow the header, and each row
 starts with an attribute (a number) and a name (in double quotes). NAN and ###
-stand for a missing value. Texts after ";" in the header are ignored.
+stand for a missing value. Texts after ";" in the header are ignored, and so is
+what follows the rows from a line with ";" on.
 
 The content tells which it is: a file is ASC if its lines 2 to 4 are such
 counts and flags, or line 2 a count with a legend; a file that is neither is

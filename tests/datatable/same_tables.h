@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <bit>
+
 #include "zel/datatable/Zel_datatable.h"
 
 namespace zel::test {
@@ -18,6 +20,29 @@ inline void expectSame(const TDataTable& A, const TDataTable& B) {
   A.CopyDataToArray(a);
   B.CopyDataToArray(b);
   EXPECT_EQ(a, b);
+}
+
+/// So are whole attributes of columns, the slots of identifiers and the bits of values, where one
+/// not-a-number is like another.
+inline void expectIdentical(TDataTable& A, TDataTable& B) {
+  ASSERT_EQ(A.NumericData->NrOfColumns(), B.NumericData->NrOfColumns());
+  ASSERT_EQ(A.NumericData->NrOfRows(), B.NumericData->NrOfRows());
+  EXPECT_EQ(A.CRCofNamesAndAttributes(), B.CRCofNamesAndAttributes());
+  EXPECT_EQ(A.CRCofCellStates(), B.CRCofCellStates());
+  for (int c = 1; c <= A.NrOfColumns(); ++c) {
+    EXPECT_EQ(A.GetColAttrib(c), B.GetColAttrib(c));
+    for (int r = 1; r <= A.NrOfRows(); ++r) {
+      EXPECT_EQ(A.GetRowAttrib(r), B.GetRowAttrib(r));
+      const double a = A.NumericData->GetVal(c, r), b = B.NumericData->GetVal(c, r);
+      EXPECT_TRUE(std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b) ||
+                  (a != a && b != b))
+          << c << ' ' << r << ": " << a << ' ' << b;
+    }
+    const TMScaleType scale = A.GetMScaleType(c);
+    for (TDataTable* T : {&A, &B}) T->SetMScaleType(c, stNominal);
+    for (int k = 1; k <= 150; ++k) EXPECT_EQ(A.GetNominalID(c, k), B.GetNominalID(c, k));
+    for (TDataTable* T : {&A, &B}) T->SetMScaleType(c, scale);
+  }
 }
 
 }  // namespace zel::test

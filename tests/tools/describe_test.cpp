@@ -236,6 +236,12 @@ TEST(Describe, FilesThatCannotBeRead) {
   }
 }
 
+TEST(Describe, PassesOverWhatATableSaysBehindItsRows) {
+  const TempDir folder;
+  writeBytes(folder.file("x.asc"), ascText("1\n2\n") + ";more\n;states\t1\t1=64\n;end\n");
+  EXPECT_EQ(0, runZel(folder, "describe x.asc").status);
+}
+
 #if !defined(__SANITIZE_ADDRESS__)  // which reserves address space without limit
 TEST(Describe, AnnouncedSizesAreNotAllocated) {
   const TempDir folder;

@@ -7,7 +7,7 @@
 #include "zel/analysis/pairs_asc_impl.h"
 #include "zel/base/Zel_filesys.h"
 #include "zel/base/Zel_stringl.h"
-#include "zel/vector/export_asc_impl.h"
+#include "zel/base/ascheader_impl.h"
 
 namespace zel {
 

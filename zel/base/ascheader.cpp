@@ -5,6 +5,7 @@
 #include <fstream>
 #include <utility>
 
+#include "zel/base/ascheader_impl.h"
 #include "zel/base/stringhelpers.h"
 #include "zel/base/wholefile.h"
 
@@ -100,5 +101,22 @@ int ReadHeaderOfASC(std::string_view FName, std::string& Comment, int& NCols, in
                     bool& RowAttr, bool& ColNames, bool& RowNames, bool& Nominal) {
   return readInto(FName, Comment, NCols, NRows, RowAttr, ColNames, RowNames, Nominal);
 }
+
+namespace detail {
+
+std::string DefaultASCComment(std::string_view className, std::string_view fileName) {
+  std::string line = "Exported by ZEL ";
+  return line.append(className).append(" component: ").append(fileName);
+}
+
+void WriteASCHeader(std::ostream& out, std::string_view className, std::string_view fileName,
+                    std::string_view comment, int columns, int rows, std::string_view flags) {
+  const std::string line =
+      comment.empty() ? DefaultASCComment(className, fileName) : std::string(comment);
+  out << ReplaceCharInString(line, '\n', ' ') << '\n';
+  out << columns << "\t;nr. of columns\n" << rows << "\t;nr. of rows\n" << flags << '\n';
+}
+
+}  // namespace detail
 
 }  // namespace zel

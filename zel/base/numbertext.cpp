@@ -11,6 +11,7 @@
 
 #include "zel/base/ascii_impl.h"
 #include "zel/base/numbertext_impl.h"
+#include "zel/base/stringhelpers.h"
 #include "zel/base/textreading.h"
 
 namespace zel {
@@ -175,6 +176,15 @@ void appendNumber(std::string& text, double x, int decimals) {
   }
   char digits[32];
   text.append(digits, std::to_chars(digits, digits + sizeof digits, x).ptr);
+}
+
+std::optional<double> numberOf(std::string_view text) {
+  if (const auto number = ParseNumber(text)) return number;
+  using Limits = std::numeric_limits<double>;
+  if (EqualIgnoringCase(text, "NAN")) return Limits::quiet_NaN();
+  if (EqualIgnoringCase(text, "INF")) return Limits::infinity();
+  if (EqualIgnoringCase(text, "-INF")) return -Limits::infinity();
+  return std::nullopt;
 }
 
 }  // namespace detail

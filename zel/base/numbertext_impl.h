@@ -4,6 +4,7 @@
 
 #include <charconv>
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -21,6 +22,10 @@ std::size_t scanNumber(std::string_view text, std::chars_format format, double& 
 /// Appends a number as text: FormatFixed, or for negative decimals the shortest text that gives the
 /// same number again, with "INF" and "-INF".
 void appendNumber(std::string& text, double x, int decimals);
+
+/// The number that is the whole text, with the words for what is not finite in any case of letters:
+/// what appendNumber has written.
+std::optional<double> numberOf(std::string_view text);
 
 /// The first significant digits of a number, correctly rounded (ties of the exact value to even).
 struct SignificantDigits {

@@ -1,14 +1,11 @@
 #include "zel/base/stringhelpers.h"
 
+#include "zel/base/ascii_impl.h"
+
 namespace zel {
 namespace {
 
 char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-
-bool isControl(char c) {
-  const auto code = static_cast<unsigned char>(c);
-  return code < 32 || code == 127;
-}
 
 }  // namespace
 
@@ -31,7 +28,7 @@ std::string ReplaceCharInString(std::string_view s, char a, char b) {
 
 std::string RemoveControlChars(std::string_view s) {
   std::string result(s);
-  std::erase_if(result, isControl);
+  std::erase_if(result, detail::isControl);
   return result;
 }
 

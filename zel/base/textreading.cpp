@@ -1,11 +1,16 @@
 #include "zel/base/textreading.h"
 
+#include <algorithm>
+
+#include "zel/base/ascii_impl.h"
+
 namespace zel {
+
+using detail::isBlank;
+
 namespace {
 
 using Traits = std::istream::traits_type;
-
-bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
 
 }  // namespace
 
@@ -64,23 +69,52 @@ bool ParseQuotedName(char c, char quote, std::string& Name, TQuotedNameState& St
   return false;
 }
 
+namespace {
+
+/// @param look  gives the next character or the end, and stays there
+/// @param skip  goes over it
+template <class Look, class Skip>
+bool readName(Look look, Skip skip, char quote, std::string& name) {
+  name.clear();
+  TQuotedNameState state = qnsStart;
+  for (;; skip()) {
+    const auto c = look();
+    if (Traits::eq_int_type(c, Traits::eof())) return state == qnsClosed || state == qnsBare;
+    const char next = Traits::to_char_type(c);
+    // Decided by looking only, so that what ends the name stays in the source.
+    if (state == qnsClosed && next != quote) return true;
+    if (state == qnsBare && isBlank(next)) return true;
+    ParseQuotedName(next, quote, name, state);
+  }
+}
+
+}  // namespace
+
 bool ReadQuotedName(std::istream& f, char quote, std::string& Name) {
   Name.clear();
   const std::istream::sentry ready(f, true);
   if (!ready) return false;
   std::streambuf& source = *f.rdbuf();
-  TQuotedNameState state = qnsStart;
-  for (auto c = source.sgetc();; c = source.snextc()) {
-    if (Traits::eq_int_type(c, Traits::eof())) {
-      f.setstate(std::ios::eofbit);
-      return state == qnsClosed || state == qnsBare;
-    }
-    const char next = Traits::to_char_type(c);
-    // Decided by looking only, so that what ends the name stays in the stream.
-    if (state == qnsClosed && next != quote) return true;
-    if (state == qnsBare && isBlank(next)) return true;
-    ParseQuotedName(next, quote, Name, state);
-  }
+  const auto look = [&] {
+    const auto c = source.sgetc();
+    if (Traits::eq_int_type(c, Traits::eof())) f.setstate(std::ios::eofbit);
+    return c;
+  };
+  return readName(
+      look, [&] { source.sbumpc(); }, quote, Name);
+}
+
+bool ReadQuotedName(std::string_view& text, char quote, std::string& Name) {
+  return readName([&] { return text.empty() ? Traits::eof() : Traits::to_int_type(text.front()); },
+                  [&] { text.remove_prefix(1); }, quote, Name);
+}
+
+std::string_view ReadNextWord(std::string_view& text) {
+  const auto first = std::ranges::find_if_not(text, isBlank);
+  const auto last = std::find_if(first, text.end(), isBlank);
+  const std::string_view word(first, last);
+  text = std::string_view(last, text.end());
+  return word;
 }
 
 }  // namespace zel

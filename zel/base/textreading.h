@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <istream>
 #include <string>
+#include <string_view>
 
 #include "zel/base/api.h"
 
@@ -42,5 +43,11 @@ ZEL_API bool ParseQuotedName(char c, char quote, std::string& Name, TQuotedNameS
 /// @return false if the text ends before a name begins or inside a quotation; Name then holds what
 ///   was read
 ZEL_API bool ReadQuotedName(std::istream& f, char quote, std::string& Name);
+
+/// The same from the front of a text, where what has been read is taken off.
+ZEL_API bool ReadQuotedName(std::string_view& text, char quote, std::string& Name);
+
+/// Takes the next word, as ReadNextWordInTextFile does, off the front of a text.
+[[nodiscard]] ZEL_API std::string_view ReadNextWord(std::string_view& text);
 
 }  // namespace zel

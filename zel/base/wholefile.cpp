@@ -271,4 +271,17 @@ std::optional<std::string> ReadWholeFile(std::string_view FileName) {
   return ReadWholeFile(FileName, ignored);
 }
 
+std::optional<std::string> ReadWholeStream(std::istream& Stream) {
+  if (!Stream.good()) return std::nullopt;
+  std::string content;
+  std::array<char, 1 << 16> block;
+  do {
+    Stream.read(block.data(), static_cast<std::streamsize>(block.size()));
+    content.append(block.data(), static_cast<std::size_t>(Stream.gcount()));
+  } while (Stream);
+  if (Stream.bad()) return std::nullopt;
+  Stream.clear(std::ios::eofbit);
+  return content;
+}
+
 }  // namespace zel

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <fstream>
+#include <istream>
 #include <memory>
 #include <optional>
 #include <ostream>
@@ -61,5 +62,8 @@ ZEL_API bool OpenForReading(std::ifstream& f, std::string_view FileName);
 [[nodiscard]] ZEL_API std::optional<std::string> ReadWholeFile(std::string_view FileName,
                                                                std::error_code& Error);
 [[nodiscard]] ZEL_API std::optional<std::string> ReadWholeFile(std::string_view FileName);
+
+/// What is left of a stream, which is at its end then; nothing if it cannot be read.
+[[nodiscard]] ZEL_API std::optional<std::string> ReadWholeStream(std::istream& Stream);
 
 }  // namespace zel

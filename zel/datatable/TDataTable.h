@@ -490,20 +490,27 @@ class ZEL_API TDataTable : public TComponent, private detail::TTableArrays {
                    TDecPSep DecSep = dpsPoint) const;
 
   // Text files in the ASC form that all containers share. What that form has no place for (column
-  // attributes, scales, categories, states, the value of a cell that is no number) stands behind
-  // the rows, where the other readers of the form do not look.
+  // attributes, scales, categories, states, the value of a cell that is no number, names with
+  // control characters) stands behind the rows, where the other readers of the form do not look.
+  // Names and row attributes that are those of a new table are left out.
 
-  /// Writes the table. Categories are written as their numbers, empty cells as NAN.
+  /// Writes the table. Categories are written as their numbers, cells that are no numbers as NAN.
   /// @param Precision  decimals; negative: the shortest text that gives the same number again, so
   ///   that a table is read back as it was
   /// @return 0; -1 if the file could not be written, and an old file is untouched then
   int ExportAsASC(std::string_view FName, int Precision) const;
-  /// The same with data of the caller's in further columns behind those of the table.
-  /// @param CustData  [column][row], as text; rows that it does not have are written as empty text
+  /// The same with data of the caller's: further columns, which stand behind the rows, each in a
+  /// line, so that the header and the rows are those of the table alone.
+  /// @param CustData  [column][row], as text; rows that it does not have are written as empty text,
+  ///   those that the table does not have are left out
   int ExportAsASC(std::string_view FName, int Precision, const TStr2DArray& CustData) const;
-  /// The same to a stream or an open text file.
+  /// The same to a stream or an open text file, whose state tells whether that worked.
   void ExportAsASC(std::ostream& OutStream, int Precision) const;
-  /// Reads a table. Fires what CopyContentsFrom fires.
+  /// Reads a table, or what another container has written: NAN (in any case) and ### make an empty
+  /// cell (state 2) of value 0, INF and -INF are numbers, line ends in a row do not count. A first
+  /// line that is the default of the writer is no comment; control characters in another one are
+  /// left out. What follows the rows in a file of others is ignored. Fires what CopyContentsFrom
+  /// fires.
   /// @return 0; otherwise the table is as it was: -8 there is no such file, -1 it cannot be read,
   ///   1..4 this line of the header is bad, -2 there are no rows or no columns, -3 rows or values
   ///   are missing, -5 a row attribute is not an integer, -6 a value is not a number, -9 a part
@@ -517,10 +524,13 @@ class ZEL_API TDataTable : public TComponent, private detail::TTableArrays {
   int ImportASC(std::istream& InStream, TStr2DArray& CustData, std::string& Message);
   /// Reads values and states into the table from cell (PosX, PosY) on, the first column and row
   /// being 1; the table grows where they do not fit. Fires OnResize if it does, then OnChange and
-  /// OnChangeCellState; with ReplaceIDs also OnChangeSetup, OnChangeNames, OnChangeAttrib.
-  /// @param ReplaceIDs  the names, attributes, scales and categories of the columns and rows that
-  ///   are read replace those of the table. Without it categories are found by their identifiers;
-  ///   new ones are added.
+  /// OnChangeCellState; with ReplaceIDs also OnChangeSetup, OnChangeNames, OnChangeAttrib. A failed
+  /// read leaves the table as it was.
+  /// @param ReplaceIDs  the names (if the file has them), attributes, scales and categories of the
+  ///   columns and rows that are read replace those of the table. Without it the values of a
+  ///   categorical column that come to a categorical one get the numbers that their categories
+  ///   have there, found by the identifiers (letter case ignored); new ones take the first empty
+  ///   slots, and OnChangeSetup fires. All other values go as they are.
   /// @return as ImportASC; also -4: PosX or PosY is below 1 or the table would be too large; -10: a
   ///   column would have more than 150 categories
   int ReadFromASC(std::string_view FName, int PosX, int PosY, bool ReplaceIDs);
@@ -591,8 +601,7 @@ class ZEL_API TDataTable : public TComponent, private detail::TTableArrays {
     return FVType[static_cast<std::size_t>(c - 1)];
   }
   [[nodiscard]] bool IsCategorical(int c) const {
-    const TMScaleType scale = Type(c).MScaleType;
-    return scale == stNominal || scale == stOrdinal;
+    return detail::IsCategoricalScale(Type(c).MScaleType);
   }
   void StoreValue(int c, int r, double value) {
     const int rows = NumericData->NrOfRows();
@@ -607,8 +616,6 @@ class ZEL_API TDataTable : public TComponent, private detail::TTableArrays {
   [[nodiscard]] int Category(int c, int r) const {
     return RoundToInt<int>(NumericData->GetVal(c, r));
   }
-  /// First empty slot of a column, numbered from 1; 0 if there is none.
-  [[nodiscard]] int FreeSlot(int c) const;
 
   /// Runs an operation whose allocations may fail.
   /// @throws EZELDataTableError
@@ -630,6 +637,17 @@ class ZEL_API TDataTable : public TComponent, private detail::TTableArrays {
   void TakeContents(detail::TTableContents&& contents);
   /// ImportFromCSV of a text.
   int ReadText(std::string_view text, TCSVImport& import);
+  /// Hands the whole text of a file or a stream to a reader of ASC text.
+  /// @return what that returns; -8 and -1 as ImportASC
+  template <class Source, class Read>
+  int WithText(Source&& source, Read read) const;
+  /// ImportASC and ReadFromASC of a text.
+  int TakeASC(std::string_view text, TStr2DArray& custData, std::string& message);
+  int PasteASC(std::string_view text, int PosX, int PosY, bool ReplaceIDs);
+  /// Gives columns that go to column PosX and those behind it the scales and categories of these,
+  /// new ones added, and their values the numbers of the categories there.
+  /// @return false if a column would have too many
+  bool MergeCategories(detail::TTableContents& contents, int PosX) const;
   /// Calls write(view) with all of this table.
   template <class Write>
   void WithView(Write&& write) const;

@@ -1,5 +1,3 @@
-#include <iterator>
-
 #include "zel/base/wholefile.h"
 #include "zel/datatable/csv_form_impl.h"
 #include "zel/datatable/guards_impl.h"
@@ -14,10 +12,10 @@ int TDataTable::ReadText(std::string_view text, TCSVImport& import) {
 }
 
 int TDataTable::ImportFromCSV(std::istream& InStream, TCSVImport& Import) {
-  const std::string text = Guarded([&] {
-    return std::string(std::istreambuf_iterator<char>(InStream), std::istreambuf_iterator<char>());
-  });
-  return ReadText(text, Import);
+  const auto text = Guarded([&] { return ReadWholeStream(InStream); });
+  if (text) return ReadText(*text, Import);
+  Import.Message = "the stream cannot be read";
+  return -1;
 }
 
 int TDataTable::ImportFromCSV(std::string_view FName, TCSVDelimiters Delimiter,

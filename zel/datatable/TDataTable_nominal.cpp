@@ -1,22 +1,14 @@
 #include <algorithm>
 #include <charconv>
 #include <iterator>
-#include <tuple>
 
-#include "zel/base/Zel_stringl.h"
 #include "zel/datatable/guards_impl.h"
 
 namespace zel {
 
 using detail::at;
-
-namespace {
-
-constexpr int kSlots = static_cast<int>(std::tuple_size_v<decltype(TVTypeSpec::IDs)>);
-
-bool isCategory(int k) { return k >= 1 && k <= kSlots; }
-
-}  // namespace
+using detail::IsCategory;
+using detail::kSlots;
 
 void TDataTable::SetMScaleType(int ColNr, TMScaleType MScaleType) {
   if (!HasColumn(ColNr)) return;
@@ -24,27 +16,16 @@ void TDataTable::SetMScaleType(int ColNr, TMScaleType MScaleType) {
   ChangedSetup();
 }
 
-int TDataTable::FreeSlot(int c) const {
-  const auto& ids = Type(c).IDs;
-  const auto found =
-      std::find_if(ids.begin(), ids.end(), [](const TNominalIDStr& id) { return id.empty(); });
-  return found == ids.end() ? 0 : static_cast<int>(found - ids.begin()) + 1;
-}
-
 int TDataTable::OrdinalOfNominalID(int Col, std::string_view ID, bool IgnoreCase) const {
   const TNominalIDStr wanted(ID);
   if (!HasColumn(Col) || wanted.empty() || !IsCategorical(Col)) return 0;
-  const auto& ids = Type(Col).IDs;
-  const auto found = std::find_if(ids.begin(), ids.end(), [&](const TNominalIDStr& id) {
-    return IgnoreCase ? EqualIgnoringCase(id, wanted) : id == wanted;
-  });
-  return found == ids.end() ? 0 : static_cast<int>(found - ids.begin()) + 1;
+  return detail::FindCategory(Type(Col), wanted, IgnoreCase);
 }
 
 int TDataTable::AddNominalID(int Col, std::string_view MScaleID) {
   if (!HasColumn(Col)) return 0;
   if (const int known = OrdinalOfNominalID(Col, MScaleID, true)) return known;
-  const int free = FreeSlot(Col);
+  const int free = detail::FreeCategory(Type(Col));
   if (free == 0) return 0;
   Type(Col).IDs[at(free)] = TNominalIDStr(MScaleID);
   Type(Col).MScaleType = stNominal;
@@ -53,7 +34,7 @@ int TDataTable::AddNominalID(int Col, std::string_view MScaleID) {
 }
 
 void TDataTable::SetNominalID(int ColIx, int OrdVal, std::string_view MScaleID) {
-  if (!HasColumn(ColIx) || !isCategory(OrdVal)) return;
+  if (!HasColumn(ColIx) || !IsCategory(OrdVal)) return;
   if (MScaleID.empty() || IsCategorical(ColIx)) {
     Type(ColIx).IDs[at(OrdVal)] = TNominalIDStr(MScaleID);
   }
@@ -61,7 +42,7 @@ void TDataTable::SetNominalID(int ColIx, int OrdVal, std::string_view MScaleID) 
 }
 
 TNominalIDStr TDataTable::GetNominalID(int ColIx, int OrdVal) const {
-  if (!HasColumn(ColIx) || !IsCategorical(ColIx) || !isCategory(OrdVal)) return {};
+  if (!HasColumn(ColIx) || !IsCategorical(ColIx) || !IsCategory(OrdVal)) return {};
   return Type(ColIx).IDs[at(OrdVal)];
 }
 
@@ -87,7 +68,7 @@ void TDataTable::SetElemNominal(int ACol, int ARow, std::string_view Value) {
   if (!HasCell(ACol, ARow)) return;
   int k = OrdinalOfNominalID(ACol, Value, true);
   if (k == 0) {
-    k = FreeSlot(ACol);
+    k = detail::FreeCategory(Type(ACol));
     if (k == 0) {
       Raise<EZELDataTableError>("\": number of available nominal values exceeded");
     }
@@ -113,7 +94,7 @@ int TDataTable::ScanForCatValues(int ACol, int LowRow, int HighRow, TIntArray& O
   int invalid = 0;
   for (std::int64_t r = LowRow; r <= HighRow; ++r) {
     const int k = Category(ACol, static_cast<int>(r));
-    ++(isCategory(k) ? OrdList[at(k)] : invalid);
+    ++(IsCategory(k) ? OrdList[at(k)] : invalid);
   }
   return invalid;
 }
@@ -132,7 +113,7 @@ int TDataTable::CreateContingencyTable(int Col1, int Col2, int LowRow, int HighR
       const int r = static_cast<int>(row);
       const int k1 = Category(Col1, r);
       const int k2 = Category(Col2, r);
-      if (!isCategory(k1) || !isCategory(k2)) {
+      if (!IsCategory(k1) || !IsCategory(k2)) {
         invalid = true;
       } else if (GetIsNumber(Col1, r) && GetIsNumber(Col2, r)) {
         ++counts(at(k1), at(k2));

@@ -5,25 +5,28 @@
 #include <iterator>
 
 #include "zel/base/rounding.h"
+#include "zel/base/stringhelpers.h"
 
 namespace zel::detail {
 
-namespace {
+int FindCategory(const TVTypeSpec& type, const TNominalIDStr& id, bool ignoreCase) {
+  const auto found = std::ranges::find_if(type.IDs, [&](const TNominalIDStr& known) {
+    return ignoreCase ? EqualIgnoringCase(known, id) : known == id;
+  });
+  return found == type.IDs.end() ? 0 : static_cast<int>(found - type.IDs.begin()) + 1;
+}
 
-/// Default name: C-7.
-TDTNameStr numberedName(char initial, std::size_t number) {
+int FreeCategory(const TVTypeSpec& type) { return FindCategory(type, {}, false); }
+
+TDTNameStr NumberedName(char initial, std::size_t number) {
   char text[24] = {initial, '-'};
   const auto end = std::to_chars(text + 2, std::end(text), number).ptr;
   return TDTNameStr(std::string_view(text, static_cast<std::size_t>(end - text)));
 }
 
-}  // namespace
-
 TNominalIDStr CategoryText(const TVTypeSpec& type, double value) {
   const int k = RoundToInt<int>(value);
-  if (k >= 1 && static_cast<std::size_t>(k) <= type.IDs.size()) {
-    return type.IDs[static_cast<std::size_t>(k - 1)];
-  }
+  if (IsCategory(k)) return type.IDs[static_cast<std::size_t>(k - 1)];
   char text[16];
   const auto end = std::to_chars(std::begin(text), std::end(text), k).ptr;
   return TNominalIDStr(std::string_view(text, static_cast<std::size_t>(end - text)));
@@ -31,13 +34,13 @@ TNominalIDStr CategoryText(const TVTypeSpec& type, double value) {
 
 void NameColumns(TTableArrays& arrays, std::size_t from) {
   for (std::size_t i = from; i < arrays.FColName.size(); ++i) {
-    arrays.FColName[i] = numberedName('C', i + 1);
+    arrays.FColName[i] = NumberedName('C', i + 1);
   }
 }
 
 void NameRows(TTableArrays& arrays, std::size_t from) {
   for (std::size_t i = from; i < arrays.FRowName.size(); ++i) {
-    arrays.FRowName[i] = numberedName('R', i + 1);
+    arrays.FRowName[i] = NumberedName('R', i + 1);
   }
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <tuple>
 
 #include "zel/datatable/tabletypes.h"
 
@@ -39,8 +40,7 @@ struct TTableView {
     return Arrays.FCState.data()[c * Rows() + r];
   }
   [[nodiscard]] bool IsCategorical(std::size_t c) const {
-    const TMScaleType scale = Arrays.FVType[c].MScaleType;
-    return scale == stNominal || scale == stOrdinal;
+    return IsCategoricalScale(Arrays.FVType[c].MScaleType);
   }
 };
 
@@ -48,6 +48,17 @@ struct TTableView {
 /// none.
 [[nodiscard]] TNominalIDStr CategoryText(const TVTypeSpec& type, double value);
 
+/// Number of categories that a variable can have.
+inline constexpr int kSlots = static_cast<int>(std::tuple_size_v<decltype(TVTypeSpec::IDs)>);
+
+[[nodiscard]] constexpr bool IsCategory(int k) { return k >= 1 && k <= kSlots; }
+/// Number of the first category with an identifier, which is not empty; 0 if there is none.
+[[nodiscard]] int FindCategory(const TVTypeSpec& type, const TNominalIDStr& id, bool ignoreCase);
+/// Number of the first category without identifier; 0 if there is none.
+[[nodiscard]] int FreeCategory(const TVTypeSpec& type);
+
+/// Default name: C-7.
+[[nodiscard]] TDTNameStr NumberedName(char initial, std::size_t number);
 /// Default names: C-1, C-2 ... from an index (from 0) on.
 void NameColumns(TTableArrays& arrays, std::size_t from);
 void NameRows(TTableArrays& arrays, std::size_t from);

@@ -81,6 +81,10 @@ enum TDTxmlTags : std::uint8_t {
 
 namespace detail {
 
+constexpr bool IsCategoricalScale(TMScaleType scale) {
+  return scale == stNominal || scale == stOrdinal;
+}
+
 /// What a table holds beside its values.
 struct TTableArrays {
   std::string FComment;

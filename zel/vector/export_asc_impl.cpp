@@ -3,27 +3,16 @@
 #include <string>
 
 #include "zel/base/Zel_filesys.h"
-#include "zel/base/Zel_stringl.h"
+#include "zel/base/ascheader_impl.h"
 
 namespace zel::detail {
-
-void WriteASCHeader(std::ostream& out, std::string_view className, std::string_view fileName,
-                    std::string_view comment, int columns, int rows, std::string_view flags) {
-  if (comment.empty()) {
-    out << "Exported by ZEL " << className << " component: " << fileName << '\n';
-  } else {
-    out << ReplaceCharInString(comment, '\n', ' ') << '\n';
-  }
-  out << columns << "\t;nr. of columns\n" << rows << "\t;nr. of rows\n" << flags << '\n';
-}
 
 int ExportVectorASC(std::string_view fileName, std::string_view className, std::string_view comment,
                     int count, const std::function<void(std::ostream&)>& rows) {
   WholeFileWriter file(fileName);
   if (!file.IsOpen()) return -1;
-  WriteASCHeader(
-      file.Stream(), className, fileName, comment, 1, count,
-      "FALSE FALSE FALSE FALSE\t;row attributes, column names, row names, nominal variables");
+  const std::string flags = std::string("FALSE FALSE FALSE FALSE").append(kASCLegend);
+  WriteASCHeader(file.Stream(), className, fileName, comment, 1, count, flags);
   rows(file.Stream());
   return file.Commit() ? 0 : -1;
 }

@@ -1,5 +1,5 @@
 /// @file
-/// Writers of text files: the header of ASC files, the files of the vectors. Internal.
+/// Writers of the text files of the vectors. Internal.
 #pragma once
 
 #include <functional>
@@ -7,11 +7,6 @@
 #include <string_view>
 
 namespace zel::detail {
-
-/// Writes the four header lines of an ASC file: the comment, or without one the default with the
-/// names of class and file; the counts; the flags with their legend.
-void WriteASCHeader(std::ostream& out, std::string_view className, std::string_view fileName,
-                    std::string_view comment, int columns, int rows, std::string_view flags);
 
 /// Writes the ASC file of a vector: header, then what `rows` writes.
 /// @return 0, or -1 if the file cannot be written

@@ -1,0 +1,23 @@
+/// @file
+/// Writer of the header of ASC files. Internal.
+#pragma once
+
+#include <ostream>
+#include <string>
+#include <string_view>
+
+namespace zel::detail {
+
+/// Line 4 of files that may hold all that the form has a place for: the flags, then this.
+inline constexpr std::string_view kASCLegend =
+    "\t;row attributes, column names, row names, nominal variables";
+
+/// The first line of a file without a comment.
+[[nodiscard]] std::string DefaultASCComment(std::string_view className, std::string_view fileName);
+
+/// Writes the four header lines of an ASC file: the comment, or without one the default with the
+/// names of class and file, line feeds as blanks; the counts; the flags with their legend.
+void WriteASCHeader(std::ostream& out, std::string_view className, std::string_view fileName,
+                    std::string_view comment, int columns, int rows, std::string_view flags);
+
+}  // namespace zel::detail
