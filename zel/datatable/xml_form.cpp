@@ -5,7 +5,6 @@
 #include <functional>
 #include <limits>
 #include <optional>
-#include <span>
 
 #include "zel/base/stringhelpers.h"
 #include "zel/base/xmltags.h"
@@ -37,47 +36,58 @@ bool isContainer(TDTxmlTags tag) {
   return (tag >= xmlColNames && tag <= xmlRowAttrib) || tag == xmlDataCells || tag == xmlVarType;
 }
 
-/// Passes the tags of a table on until one of the results is not 0. The tags in a container come
-/// one by one.
-/// @return that result; 0 at the end of the text, -1 with a message if its tags do not fit together
-int passTags(XmlReader& reader, TXmlTable& table, std::string& Message) {
-  constexpr auto known = std::span(DTxmlTagNames).first<xmlInvalid>();
+[[noreturn]] void refuse(const XmlTag& tag, const char* why) {
+  fail(shown(tag.name, tag.attr).append(why));
+}
+
+/// xmlInvalid for a tag that is none of a table's.
+TDTxmlTags tagOf(const XmlTag& read) {
+  const int index = StringIx(read.name, DTxmlTagNames, xmlInvalid);
+  return index < 0 ? xmlInvalid : static_cast<TDTxmlTags>(index);
+}
+
+/// Refuses a tag that breaks off or cannot stand in a table where it does.
+/// @param open  the container around it, xmlInvalid if there is none
+void checkPlace(const XmlTag& read, TDTxmlTags tag, TDTxmlTags open) {
+  if (read.kind == XmlTagKind::kBroken) refuse(read, " breaks off");
+  if (read.kind == XmlTagKind::kClosing && tag == xmlInvalid) {
+    const std::string_view name = std::string_view(read.name).substr(1);
+    if (open == xmlInvalid || !EqualIgnoringCase(name, nameOf(open))) {
+      refuse(read, " closes nothing");
+    }
+  }
+  const bool isTopLevel = tag <= xmlRowAttrib || isContainer(tag);
+  if (tag == xmlDataTableId || (open != xmlInvalid && isTopLevel)) {
+    refuse(read, " does not belong there");
+  }
+}
+
+/// Passes the tags of a table on, those in a container one by one.
+/// @return whether the table is complete; false at the end of the text
+/// @throws TDamage
+bool passTags(XmlReader& reader, TXmlTable& table) {
   TDTxmlTags open = xmlInvalid;
   std::string content;
   while (reader.nextTag()) {
-    const auto& [kind, name, attr] = reader.tag();
-    const auto refuse = [&, &name = name, &attr = attr](const char* why) {
-      Message = shown(name, attr).append(why);
-      return -1;
-    };
-    if (kind == XmlTagKind::kBroken) return refuse(" breaks off");
-    const int index = StringIx(name, known);
-    const auto tag = index < 0 ? xmlInvalid : static_cast<TDTxmlTags>(index);
-    if (kind == XmlTagKind::kClosing && tag != xmlDataTableEndId) {
-      if (open == xmlInvalid || !EqualIgnoringCase(std::string_view(name).substr(1), nameOf(open)))
-        return refuse(" closes nothing");
-      open = xmlInvalid;
-      continue;
-    }
-    const bool isTopLevel = tag <= xmlRowAttrib || isContainer(tag);
-    if (tag == xmlDataTableId || (open != xmlInvalid && isTopLevel)) {
-      return refuse(" does not belong there");
-    }
+    const XmlTag& read = reader.tag();
+    const TDTxmlTags tag = tagOf(read);
+    checkPlace(read, tag, open);
     content.clear();
-    if (kind == XmlTagKind::kOpening) {
+    if (read.kind == XmlTagKind::kClosing) {
+      open = xmlInvalid;
+    } else if (read.kind == XmlTagKind::kOpening) {
       if (isContainer(tag)) {
         open = tag;
       } else if (!reader.takeContent(content)) {
-        return refuse(" is not closed");
+        refuse(read, " is not closed");
       }
     }
-    if (tag == xmlInvalid) continue;  // of somebody else
-    const int result = table.process(tag, attr, content);
-    if (result == 0) continue;
-    Message = table.message();
-    return result;
+    if (tag == xmlInvalid) continue;  // a container closed, or of somebody else
+    const int result = table.process(tag, read.attr, content);
+    if (result < 0) fail(table.message());
+    if (result > 0) return true;
   }
-  return 0;
+  return false;
 }
 
 /// The text that the value of an attribute or the content of an element stands for.
@@ -114,7 +124,7 @@ double valueIn(std::string_view content) {
 
 template <class Entries, class Target>
 void place(const Entries& entries, Target& target) {
-  for (const auto& [number, entry] : entries) target[static_cast<std::size_t>(number - 1)] = entry;
+  for (const auto& [number, entry] : entries) target[at(number)] = entry;
 }
 
 template <class Entries>
@@ -181,10 +191,7 @@ int TXmlTable::takeInside(TDTxmlTags container, std::string_view content) {
   FContainer = container;
   std::size_t pos = 0;
   XmlReader reader(content, pos);
-  std::string message;
-  const int result = passTags(reader, *this, message);
-  if (result < 0) fail(message);
-  return result;
+  return passTags(reader, *this) ? 1 : 0;
 }
 
 void TXmlTable::takeHead(TDTxmlTags tag, std::string_view attr, std::string_view content) {
@@ -214,20 +221,17 @@ void TXmlTable::takeCell(std::string_view attr, std::string_view content) {
 
 void TXmlTable::checkSize() const {
   if (FColumns == 0) fail("there is no size");
-  const auto rows = static_cast<std::size_t>(FRows);
-  const std::size_t cells = static_cast<std::size_t>(FColumns) * rows;
+  const std::size_t cells = static_cast<std::size_t>(FColumns) * static_cast<std::size_t>(FRows);
   if (FCells.size() != cells) {
     fail("it has " + std::to_string(FCells.size()) + " cells, not " + std::to_string(cells));
   }
   std::vector<bool> found(cells);
   for (const TCell& cell : FCells) {
-    const auto place =
-        static_cast<std::size_t>(cell.column - 1) * rows + static_cast<std::size_t>(cell.row - 1);
-    if (cell.column > FColumns || cell.row > FRows || found[place]) {
+    if (cell.column > FColumns || cell.row > FRows || found[placeOf(cell)]) {
       fail("the cell in column " + std::to_string(cell.column) + " and row " +
            std::to_string(cell.row) + " is there twice or outside the table");
     }
-    found[place] = true;
+    found[placeOf(cell)] = true;
   }
   for (int isRow = 0; isRow < 2; ++isRow) {
     checkNumbers(FHeads[isRow].names, isRow ? FRows : FColumns);
@@ -244,17 +248,14 @@ TTableContents TXmlTable::contents() const {
   place(FHeads[1].names, contents.FRowName);
   place(FHeads[1].attributes, contents.FRowAtt);
   for (const auto& [column, scale] : FScales) {
-    contents.FVType[static_cast<std::size_t>(column - 1)].MScaleType = scale;
+    contents.FVType[at(column)].MScaleType = scale;
   }
   for (const auto& [column, slot, text] : FIdentifiers) {
-    contents.FVType[static_cast<std::size_t>(column - 1)].IDs[static_cast<std::size_t>(slot - 1)] =
-        text;
+    contents.FVType[at(column)].IDs[at(slot)] = text;
   }
   for (const TCell& cell : FCells) {
-    const auto place = static_cast<std::size_t>(cell.column - 1) * contents.Rows() +
-                       static_cast<std::size_t>(cell.row - 1);
-    contents.Values.data()[place] = cell.value;
-    contents.FCState.data()[place] = cell.state;
+    contents.Values.data()[placeOf(cell)] = cell.value;
+    contents.FCState.data()[placeOf(cell)] = cell.state;
   }
   return contents;
 }
@@ -271,9 +272,13 @@ bool ReadXmlTable(XmlReader& reader, std::string_view DataID, TXmlTable& table,
   };
   while (reader.nextTag()) {
     if (!isWanted()) continue;
-    const int result = passTags(reader, table, Message);
-    if (result == 0) Message = "the text ends in the table";
-    return result > 0;
+    try {
+      if (passTags(reader, table)) return true;
+      Message = "the text ends in the table";
+    } catch (const TDamage& damage) {
+      Message = damage.text;
+    }
+    return false;
   }
   Message = DataID.empty() ? "there is no table" : "there is no table with this identifier";
   return false;

@@ -2,6 +2,7 @@
 /// XML form of a table. Internal.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <ostream>
 #include <string>
@@ -53,6 +54,10 @@ class TXmlTable {
   void takeHead(TDTxmlTags tag, std::string_view attr, std::string_view content);
   void takeCell(std::string_view attr, std::string_view content);
   void checkSize() const;
+  /// Where a cell of the table belongs.
+  [[nodiscard]] std::size_t placeOf(const TCell& cell) const {
+    return at(cell.column) * static_cast<std::size_t>(FRows) + at(cell.row);
+  }
 
   std::string FMessage;
   TDTxmlTags FContainer = xmlInvalid;
