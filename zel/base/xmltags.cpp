@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "zel/base/stringhelpers.h"
+#include "zel/base/utf8_impl.h"
 #include "zel/base/xmlreader_impl.h"
 
 namespace zel {
@@ -311,25 +312,9 @@ class TextSections {
   Section sections_[2] = {{"<![CDATA[", "]]>", true}, {"<!--", "-->", false}};
 };
 
-/// Length of the UTF-8 character at the front of a text if XML may hold it and it is no control
-/// character, otherwise 0.
-std::size_t characterLength(std::string_view s) {
-  const auto byte = [s](std::size_t k) -> std::uint32_t {
-    return k < s.size() ? static_cast<unsigned char>(s[k]) : 0U;
-  };
-  const std::uint32_t lead = byte(0);
-  if (lead < 0x80) return lead >= 32 && lead != 127 ? 1 : 0;
-  if (lead < 0xC0 || lead >= 0xF8) return 0;
-  const std::size_t length = lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
-  std::uint32_t code = lead & (0xFFU >> (length + 1));
-  for (std::size_t k = 1; k < length; ++k) {
-    if ((byte(k) & 0xC0U) != 0x80) return 0;
-    code = (code << 6) | (byte(k) & 0x3FU);
-  }
-  constexpr std::uint32_t shortest[] = {0x80, 0x800, 0x10000};
-  const bool isCharacter = code >= shortest[length - 2] && code <= 0x10FFFF &&
-                           (code < 0xD800 || code >= 0xE000) && code != 0xFFFE && code != 0xFFFF;
-  return isCharacter ? length : 0;
+/// Whether XML may hold a character that is no control character.
+bool isText(const detail::Character& c) {
+  return c.valid && c.code >= 0x20 && c.code != 0x7f && c.code != 0xfffe && c.code != 0xffff;
 }
 
 /// Appends what the name of a reference stands for; false if it stands for nothing.
@@ -384,15 +369,17 @@ std::string encodeXmlText(std::string_view bytes, bool& isCoded) {
   std::string result;
   isCoded = false;
   for (std::string_view rest = bytes; !rest.empty();) {
-    const std::size_t length = rest[0] == '%' ? 0 : characterLength(rest);
-    const auto code = static_cast<unsigned char>(rest[0]);
-    if (length > 0) {
-      result += rest.substr(0, length);
+    const Character c = firstCharacter(rest);
+    if (isText(c) && c.code != '%') {
+      result += rest.substr(0, c.bytes);
     } else {
-      result.append({'%', digits[code / 16], digits[code % 16]});
+      for (const char byte : rest.substr(0, c.bytes)) {
+        const auto code = static_cast<unsigned char>(byte);
+        result.append({'%', digits[code / 16], digits[code % 16]});
+      }
     }
-    isCoded = isCoded || (length == 0 && code != '%');
-    rest.remove_prefix(std::max<std::size_t>(length, 1));
+    isCoded = isCoded || !isText(c);
+    rest.remove_prefix(c.bytes);
   }
   return isCoded ? result : std::string(bytes);
 }
