@@ -6,17 +6,12 @@
 #include <string>
 #include <string_view>
 
+#include "zel/base/utf8_impl.h"
+
 namespace tool {
 
-/// One character at the start of a text.
-struct Character {
-  char32_t code = 0;
-  std::size_t bytes = 1;
-  bool valid = false;  // false: one byte that is not part of well-formed UTF-8
-};
-
-/// Decodes the first character of a text that is not empty.
-Character firstCharacter(std::string_view text);
+using zel::detail::Character;
+using zel::detail::firstCharacter;
 
 /// Number of characters, each byte of malformed text counting as one.
 std::size_t characterCount(std::string_view text);

@@ -79,6 +79,13 @@ enum TDTxmlTags : std::uint8_t {
   xmlInvalid
 };
 
+/// Names of the tags, by TDTxmlTags, as the readers of tags take them. The last stands for every
+/// other tag.
+inline constexpr std::array<std::string_view, 15> DTxmlTagNames = {
+    "datatable", "/datatable", "comment",   "size", "colnames",
+    "rownames",  "colattrib",  "rowattrib", "col",  "row",
+    "datacells", "cell",       "vardef",    "idf",  "invalid"};
+
 namespace detail {
 
 constexpr bool IsCategoricalScale(TMScaleType scale) {
@@ -97,6 +104,8 @@ struct TTableArrays {
 };
 
 struct TTableContents;
+class TXmlTable;
+class XmlReader;
 
 }  // namespace detail
 
