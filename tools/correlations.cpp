@@ -34,9 +34,7 @@ Correlations correlate(const Table& table, const std::vector<std::size_t>& colum
   Correlations result;
   result.r.assign(k, std::vector<std::optional<double>>(k));
   result.pairs.assign(k, std::vector<int>(k));
-  const auto valuesOf = [&](std::size_t c) {
-    return table.values->Column(static_cast<int>(columns[c]) + 1);
-  };
+  const auto valuesOf = [&](std::size_t c) { return table.values(columns[c]); };
   std::deque<zel::TVector> whole;  // vectors do not move
   for (std::size_t i = 0; i < k; ++i) {
     const Column& column = table.columns[columns[i]];
@@ -45,7 +43,7 @@ Correlations correlate(const Table& table, const std::vector<std::size_t>& colum
     whole.emplace_back(valuesOf(i));
     for (std::size_t j = 0; j <= i; ++j) {
       const std::vector<int> leftOut = rowsWithout(table, {columns[i], columns[j]});
-      const int n = table.rows - static_cast<int>(leftOut.size());
+      const int n = table.rows() - static_cast<int>(leftOut.size());
       const std::optional<double> r =
           leftOut.empty() ? pearson(whole[i], whole[j], n)
                           : pearson(zel::TVector(withoutRows(valuesOf(i), leftOut)),

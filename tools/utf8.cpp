@@ -44,6 +44,15 @@ std::string printable(std::string_view text, std::size_t limit) {
   return result;
 }
 
+std::string inSentence(const std::vector<std::string>& words) {
+  std::string text;
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    if (i > 0) text += i + 1 == words.size() ? " and " : ", ";
+    text += words[i];
+  }
+  return text;
+}
+
 std::string inQuotes(std::string_view text) { return '"' + printable(text, 40) + '"'; }
 
 }  // namespace tool
