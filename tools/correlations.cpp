@@ -1,6 +1,7 @@
 #include "correlations.h"
 
 #include <algorithm>
+#include <cmath>
 #include <deque>
 
 #include "variable.h"
@@ -15,7 +16,8 @@ bool isConstant(const zel::TVector& x) {
 
 std::optional<double> pearson(const zel::TVector& x, const zel::TVector& y, int n) {
   if (n < 2 || isConstant(x) || isConstant(y)) return std::nullopt;
-  return x.PearsonCorrCoeff(&y);
+  const double r = x.PearsonCorrCoeff(&y);
+  return std::isfinite(r) ? std::optional(r) : std::nullopt;  // none for infinite values
 }
 
 }  // namespace

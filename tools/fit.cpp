@@ -1,5 +1,6 @@
 #include "fit.h"
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 #include <vector>
@@ -179,7 +180,13 @@ Result fit(const FitOptions& options) {
   const std::size_t xColumn = chooseColumn(file, options.x, "--x");
   const std::size_t yColumn = chooseColumn(file, options.y, "--y");
   const std::vector<int> leftOut = rowsWithout(file, {xColumn, yColumn});
-  const auto valuesOf = [&](std::size_t c) { return withoutRows(file.values(c), leftOut); };
+  const auto valuesOf = [&](std::size_t c) {
+    std::vector<double> values = withoutRows(file.values(c), leftOut);
+    if (std::any_of(values.begin(), values.end(), [](double v) { return std::isinf(v); })) {
+      throw Failure(placeOf(file, file.columns[c]) + ": it has an infinite value");
+    }
+    return values;
+  };
   const std::vector<double> x = valuesOf(xColumn);
   const std::vector<double> y = valuesOf(yColumn);
   zel::TCurveFit pairs;

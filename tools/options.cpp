@@ -32,7 +32,8 @@ Examples:
 constexpr const char* kCorrelateHelp = R"(
 The figure for two variables is Pearson's correlation over the rows in which
 neither value is missing, n their number. It is undefined, and shown as a dash,
-for fewer than two such rows and for a variable that is constant in them.
+for fewer than two such rows and for a variable that is constant or infinite in
+them.
 
 Examples:
   zel correlate data/iris.csv

@@ -29,7 +29,9 @@ Series seriesOf(const Table& table, const std::string& wanted) {
   const std::string what =
       table.source + (column.name.empty() ? "" : ", column " + inQuotes(column.name));
   if (!column.missingRows.empty()) {
-    throw Failure(what + ": row " + std::to_string(column.missingRows[0]) +
+    const int row = column.missingRows[0];
+    const std::string name = printable(table.rowName(row), 30);
+    throw Failure(what + ": row " + std::to_string(row) + (name.empty() ? "" : " (" + name + ')') +
                   " has no value, and a transform takes a series without gaps");
   }
   return {what, column.title(), table.values(c)};

@@ -170,7 +170,11 @@ class CsvReader {
   void addColumns(const zel::TCSVImport& import) {
     int number = table_.rowNameColumn;
     // A column with row attributes comes before the data.
-    if (header_.text.find("(attribute)") != std::string_view::npos) ++number;
+    constexpr std::string_view kAttribute = "(attribute)";
+    if (header_.text.find(kAttribute) != std::string_view::npos &&
+        table_.data->FindColIndex(kAttribute) == 0) {
+      ++number;
+    }
     for (int c = 1; c <= table_.data->NrOfColumns(); ++c) {
       Column& column = table_.columns.emplace_back();
       column.name = table_.data->GetColName(c).view();

@@ -66,11 +66,16 @@ TEST(TableCsv, ReadsWhatOthersWrite) {
   EXPECT_EQ(T(1, 2), 2) << "numbers in quotation marks";
   EXPECT_EQ(T(2, 2), -std::numeric_limits<double>::infinity());
   EXPECT_EQ(T.GetColName(1), "C-1");
-  EXPECT_EQ(import(T, "s\nIris-versicolor\nIris-versiform\n\"NA\"\n1e999\n"), "");
+  EXPECT_EQ(import(T,
+                   "s\nIris-versicolor\nIris-versiform\n\"NA\"\n1e999\n"
+                   "\xE6\xB5\xB7\xE6\xB5\xB7\xE6\xB5\xB7\xE6\xB5\xB7\n\"\"\n"),
+            "");
   EXPECT_EQ(T.GetNominalID(1, 1), "Iris-versi");
   EXPECT_EQ(T.GetNominalID(1, 2), "Iris-ver~2");
   EXPECT_EQ(T.GetNominalID(1, 3), "NA");
   EXPECT_EQ(T.GetNominalID(1, 4), "1e999");
+  EXPECT_EQ(T.GetNominalID(1, 5), "\xE6\xB5\xB7\xE6\xB5\xB7\xE6\xB5\xB7");
+  EXPECT_TRUE(T.GetIsEmpty(1, 6)) << "nothing in quotation marks";
 
   TDataTable Iris;
   std::string message;

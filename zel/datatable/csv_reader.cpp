@@ -54,6 +54,14 @@ std::optional<double> numberIn(std::string_view cell, TDecPSep separator) {
   return x;
 }
 
+/// The front of a text with at most so many bytes, a whole number of UTF-8 characters.
+std::string_view cutTo(std::string_view text, std::size_t most) {
+  if (text.size() <= most) return text;
+  std::size_t n = most;
+  while (n > 0 && n + 3 > most && (static_cast<unsigned char>(text[n]) & 0xC0) == 0x80) --n;
+  return text.substr(0, n);
+}
+
 /// Identifiers of the texts of a column, in the order in which they turn up.
 class TCategories {
  public:
@@ -96,10 +104,10 @@ class TCategories {
   };
   [[nodiscard]] static std::size_t at(int number) { return static_cast<std::size_t>(number - 1); }
   [[nodiscard]] TNominalIDStr uniqueId(std::string_view text) const {
-    TNominalIDStr id(text);
+    TNominalIDStr id(cutTo(text, TNominalIDStr::max_size()));
     for (int k = 2; std::ranges::count(FType.IDs, id) > 0; ++k) {
       const std::string tail = std::string(1, '~').append(std::to_string(k));
-      std::string shorter(text.substr(0, TNominalIDStr::max_size() - tail.size()));
+      std::string shorter(cutTo(text, TNominalIDStr::max_size() - tail.size()));
       id = TNominalIDStr(shorter.append(tail));
     }
     return id;
