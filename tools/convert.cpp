@@ -128,12 +128,13 @@ std::string lossesOf(const Table& table, Form form, const ConvertOptions& option
   return {};
 }
 
-/// What the table could not take from a CSV file.
+/// What the table could not take from the file.
 std::vector<std::string> notesOf(const Table& table) {
   std::vector<std::string> notes;
   if (!table.rowNameTitle.empty()) {
     notes.push_back("the heading " + inQuotes(table.rowNameTitle) + " of the row names is lost");
   }
+  if (table.hasCustomData) notes.emplace_back("the columns of another program's data are lost");
   std::vector<std::string> names;
   for (const Column& column : table.columns) {
     if (column.isCut) names.push_back(inQuotes(column.title()));

@@ -221,12 +221,13 @@ void addColumns(Table& table) {
 void readAsc(DataText& text, Table& table) {
   requireAsc(text);
   TextStream stream(text.content);
-  zel::TStr2DArray ignored;
+  zel::TStr2DArray custom;
   std::string message;
   table.data = std::make_unique<zel::TDataTable>();
-  if (table.data->ImportASC(stream, ignored, message) != 0) {
+  if (table.data->ImportASC(stream, custom, message) != 0) {
     throw Failure(ofFile(text.source, message));
   }
+  table.hasCustomData = custom.Length(0) > 0;
   addColumns(table);
 }
 
@@ -351,7 +352,7 @@ If the flags say so, the names of the columns follow the header, and each row
 starts with an attribute (an integer) and a name (in double quotes). NAN and ###
 stand for a missing value. Texts after ";" in the header are ignored.
 
-XML: the element "datatable" that zel convert writes.
+XML: the first element "datatable", as zel convert writes it.
 
 The content tells which it is: a file is XML if it begins so, ASC if its lines
 2 to 4 are such counts and flags, or line 2 a count with a legend; a file that is

@@ -44,6 +44,7 @@ struct Table {
   /// Of a CSV file: number and name of the column that names the rows; 0 if there is none.
   int rowNameColumn = 0;
   std::string rowNameTitle;
+  bool hasCustomData = false;  // of another program, behind the table of an ASC file
 
   [[nodiscard]] int rows() const { return data->NrOfRows(); }
   [[nodiscard]] const std::string& comment() const { return data->Comment(); }
