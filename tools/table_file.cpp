@@ -350,7 +350,8 @@ ASC: four header lines, then a row per line, separated by blanks or tabs.
   1e3
 If the flags say so, the names of the columns follow the header, and each row
 starts with an attribute (an integer) and a name (in double quotes). NAN and ###
-stand for a missing value. Texts after ";" in the header are ignored.
+stand for a missing value. Texts after ";" in the header are ignored. Lines from
+";more" on, behind the rows, hold what else belongs to a table.
 
 XML: the first element "datatable", as zel convert writes it.
 

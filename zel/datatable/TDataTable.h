@@ -657,6 +657,10 @@ class ZEL_API TDataTable : public TComponent, private detail::TTableArrays {
   /// ImportASC and ReadFromASC of a text.
   int TakeASC(std::string_view text, TStr2DArray& custData, std::string& message);
   int PasteASC(std::string_view text, int PosX, int PosY, bool ReplaceIDs);
+  /// Gives columns that go to column PosX and those behind it the scales and categories of these,
+  /// new ones added, and their values the numbers of the categories there.
+  /// @return false if a column would have too many
+  bool MergeCategories(detail::TTableContents& contents, int PosX) const;
   bool ReadXml(detail::XmlReader reader, std::string_view DataID, std::string& Message);
   /// Calls write(view) with all of this table.
   template <class Write>

@@ -118,6 +118,19 @@ int TDataTable::ImportASC(const TClipboard& ClipBd) {
   return TakeASC(ClipBd.AsText, ignored, message);
 }
 
+bool TDataTable::MergeCategories(detail::TTableContents& contents, int PosX) const {
+  for (std::size_t c = 0; c < contents.Columns(); ++c) {
+    const int place = PosX + static_cast<int>(c);
+    TVTypeSpec& type = contents.FVType[c];
+    TVTypeSpec merged = HasColumn(place) ? Type(place) : TVTypeSpec();
+    const bool areCategories = detail::IsCategoricalScale(type.MScaleType) &&
+                               detail::IsCategoricalScale(merged.MScaleType);
+    if (areCategories && !translateCategories(type, contents.Values[c], merged)) return false;
+    type = merged;
+  }
+  return true;
+}
+
 int TDataTable::PasteASC(std::string_view text, int PosX, int PosY, bool ReplaceIDs) {
   if (PosX < 1 || PosY < 1) return kBadPlace;
   detail::TASCTable table;
@@ -133,17 +146,7 @@ int TDataTable::PasteASC(std::string_view text, int PosX, int PosY, bool Replace
   if (newColumns > kMost || newRows > kMost) return kBadPlace;
 
   // Whatever may fail comes before anything of the table changes.
-  for (std::size_t c = 0; !ReplaceIDs && c < columns; ++c) {
-    TVTypeSpec& type = read.FVType[c];
-    const int to = PosX + static_cast<int>(c);
-    TVTypeSpec merged = HasColumn(to) ? Type(to) : TVTypeSpec();
-    const bool areCategories = detail::IsCategoricalScale(type.MScaleType) &&
-                               detail::IsCategoricalScale(merged.MScaleType);
-    if (areCategories && !translateCategories(type, read.Values[c], merged)) {
-      return kTooManyCategories;
-    }
-    type = merged;
-  }
+  if (!ReplaceIDs && !MergeCategories(read, PosX)) return kTooManyCategories;
   const int oldCols = FNrOfCols;
   const int oldRows = FNrOfRows;
   ResizeTo(static_cast<std::int64_t>(newColumns), static_cast<std::int64_t>(newRows));
