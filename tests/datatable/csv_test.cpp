@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <limits>
 #include <random>
+#include <sstream>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -23,12 +24,13 @@ using zel_test::writeBytes;
 /// Reads a text with a header; the code, with what is wrong behind it.
 std::string import(TDataTable& T, std::string_view text, TCSVDelimiters delimiter = cdComma,
                    bool rowNames = false, TDecPSep separator = dpsPoint, bool header = true) {
-  const TempDir folder;
-  const std::string file = folder.file("x.csv");
-  writeBytes(file, std::string(text));
-  std::string message;
-  const int code = T.ImportFromCSV(file, delimiter, header, rowNames, separator, message);
-  return code == 0 ? "" : std::to_string(code) + " " + message;
+  std::istringstream stream{std::string(text)};
+  TCSVImport how{.Delimiter = delimiter,
+                 .IncludeColHeaders = header,
+                 .IncludeRowHeaders = rowNames,
+                 .DecSep = separator};
+  const int code = T.ImportFromCSV(stream, how);
+  return code == 0 ? "" : std::to_string(code) + " " + how.Message;
 }
 
 TEST(TableCsv, ReadsWhatOthersWrite) {
@@ -114,6 +116,36 @@ TEST(TableCsv, WhatCannotBeReadLeavesTheTable) {
   T.OnChange = T.OnChangeSetup = nullptr;
   EXPECT_EQ(import(T, many), "");
   EXPECT_EQ(T.CountNominalIDs(1), 150);
+}
+
+TEST(TableCsv, ReportsWhatItSkips) {
+  std::string text = "id,mixed,late,x\n\n";
+  for (int k = 0; k < 200; ++k) {
+    const std::string number = std::to_string(k);
+    text.append("w").append(number).append(k == 7 ? ",1o5," : "," + number + ",");
+    text.append(k < 100 ? number : "big").append(",").append(number).append("\n");
+  }
+  TDataTable T;
+  TCSVImport import;
+  import.SkipLongTexts = true;
+  std::istringstream stream(text);
+  ASSERT_EQ(T.ImportFromCSV(stream, import), 0) << import.Message;
+  EXPECT_EQ(import.RowLines.front(), 3);
+  EXPECT_EQ(import.RowLines.back(), 202);
+  ASSERT_EQ(import.Skipped.size(), 2U);
+  EXPECT_EQ(import.Skipped[0].Why, "the column id has more than 150 different texts");
+  EXPECT_EQ(import.Skipped[1].Column, 2);
+  EXPECT_EQ(import.Skipped[1].Why, "line 10: \"1o5\" in the column mixed is not a number");
+  EXPECT_EQ(T.CountMarkedCellsInColumn(2, 2), 200);
+  EXPECT_EQ(T.GetMScaleType(2), stUnknown);
+  EXPECT_EQ(T.GetElemNominal(3, 8), "7") << "numbers in front of texts are texts";
+  EXPECT_EQ(T.GetElemNominal(3, 200), "big");
+  EXPECT_EQ(T(4, 200), 199);
+
+  import.SkipLongTexts = false;
+  std::istringstream again(text);
+  EXPECT_EQ(T.ImportFromCSV(again, import), -5);
+  EXPECT_EQ(T.NrOfRows(), 200);
 }
 
 TEST(TableCsv, RoundTrips) {

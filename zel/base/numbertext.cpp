@@ -166,4 +166,17 @@ std::string strff(Extended x, int w, int d) {
   return narrow == x ? fixedText(narrow, d, width) : fixedText(x, d, width);
 }
 
+namespace detail {
+
+void appendNumber(std::string& text, double x, int decimals) {
+  if (decimals >= 0 || !std::isfinite(x)) {
+    text += FormatFixed(x, std::max(decimals, 0));
+    return;
+  }
+  char digits[32];
+  text.append(digits, std::to_chars(digits, digits + sizeof digits, x).ptr);
+}
+
+}  // namespace detail
+
 }  // namespace zel

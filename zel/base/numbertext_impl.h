@@ -18,6 +18,10 @@ namespace zel::detail {
 /// @return the length of the number, 0 if there is none
 std::size_t scanNumber(std::string_view text, std::chars_format format, double& x);
 
+/// Appends a number as text: FormatFixed, or for negative decimals the shortest text that gives the
+/// same number again, with "INF" and "-INF".
+void appendNumber(std::string& text, double x, int decimals);
+
 /// The first significant digits of a number, correctly rounded (ties of the exact value to even).
 struct SignificantDigits {
   std::string digits;

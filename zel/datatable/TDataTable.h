@@ -642,6 +642,8 @@ class ZEL_API TDataTable : public TComponent, private detail::TTableArrays {
   /// Takes over all of a table and fires what CopyContentsFrom fires.
   void TakeContents(detail::TTableContents&& contents);
   bool ReadXml(detail::XmlReader reader, std::string_view DataID, std::string& Message);
+  /// ImportFromCSV of a text.
+  int ReadText(std::string_view text, TCSVImport& import);
   /// Calls write(view) with all of this table.
   template <class Write>
   void WithView(Write&& write) const;

@@ -80,11 +80,7 @@ void TDataTable::ClearNominalIDs(int Col) {
 
 TNominalIDStr TDataTable::GetElemNominal(int ACol, int ARow) const {
   if (!HasCell(ACol, ARow) || !IsCategorical(ACol)) return {};
-  const int k = Category(ACol, ARow);
-  if (isCategory(k)) return Type(ACol).IDs[at(k)];
-  char text[16];
-  const auto end = std::to_chars(std::begin(text), std::end(text), k).ptr;
-  return TNominalIDStr(std::string_view(text, static_cast<std::size_t>(end - text)));
+  return detail::CategoryText(Type(ACol), NumericData->GetVal(ACol, ARow));
 }
 
 void TDataTable::SetElemNominal(int ACol, int ARow, std::string_view Value) {

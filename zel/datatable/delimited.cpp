@@ -1,6 +1,9 @@
 #include <algorithm>
 #include <array>
+#include <charconv>
+#include <system_error>
 
+#include "zel/base/ascii_impl.h"
 #include "zel/datatable/delimited_impl.h"
 
 namespace zel::detail {
@@ -48,6 +51,20 @@ bool DelimitedText::nextCell(std::string_view& cell) {
     cell = FRest.substr(0, length);
     FRest.remove_prefix(end);
   }
+  finishCell();
+  return true;
+}
+
+bool DelimitedText::nextNumber(double& x) {
+  if (!FHasMore || FIsBroken) return false;
+  const char* const first = FRest.data();
+  const char* const last = first + FRest.size();
+  const char* const digits = first + (FRest.starts_with('-') ? 1 : 0);
+  if (digits == last || !(isDigit(*digits) || *digits == '.')) return false;  // also the words
+  const auto [end, error] = std::from_chars(first, last, x);
+  if (error != std::errc() || (end != last && *end != FDelimiter && !isLineEnd(*end))) return false;
+  FIsQuoted = false;
+  FRest.remove_prefix(static_cast<std::size_t>(end - first));
   finishCell();
   return true;
 }

@@ -21,6 +21,9 @@ class DelimitedText {
   /// Takes the next cell of the record, valid until the next one is taken.
   /// @return false behind the last one, or if the text is broken
   bool nextCell(std::string_view& cell);
+  /// Takes the next cell if it is a finite number with a decimal point and nothing around it.
+  /// @return false, with nothing taken, if it is not
+  bool nextNumber(double& x);
   /// The cell taken last was in quotation marks.
   [[nodiscard]] bool isQuoted() const { return FIsQuoted; }
   /// A quotation mark is never closed, or more than blanks follows a closing one.

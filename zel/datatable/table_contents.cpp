@@ -4,6 +4,8 @@
 #include <charconv>
 #include <iterator>
 
+#include "zel/base/rounding.h"
+
 namespace zel::detail {
 
 namespace {
@@ -16,6 +18,16 @@ TDTNameStr numberedName(char initial, std::size_t number) {
 }
 
 }  // namespace
+
+TNominalIDStr CategoryText(const TVTypeSpec& type, double value) {
+  const int k = RoundToInt<int>(value);
+  if (k >= 1 && static_cast<std::size_t>(k) <= type.IDs.size()) {
+    return type.IDs[static_cast<std::size_t>(k - 1)];
+  }
+  char text[16];
+  const auto end = std::to_chars(std::begin(text), std::end(text), k).ptr;
+  return TNominalIDStr(std::string_view(text, static_cast<std::size_t>(end - text)));
+}
 
 void NameColumns(TTableArrays& arrays, std::size_t from) {
   for (std::size_t i = from; i < arrays.FColName.size(); ++i) {

@@ -41,7 +41,15 @@ struct TTableView {
   [[nodiscard]] std::uint8_t State(std::size_t c, std::size_t r) const {
     return Arrays.FCState.data()[c * Rows() + r];
   }
+  [[nodiscard]] bool IsCategorical(std::size_t c) const {
+    const TMScaleType scale = Arrays.FVType[c].MScaleType;
+    return scale == stNominal || scale == stOrdinal;
+  }
 };
+
+/// Identifier of the category that a value stands for; the decimal text of the number if there is
+/// none.
+[[nodiscard]] TNominalIDStr CategoryText(const TVTypeSpec& type, double value);
 
 /// Default names: C-1, C-2 ... from an index (from 0) on.
 void NameColumns(TTableArrays& arrays, std::size_t from);

@@ -49,9 +49,15 @@ struct TCSVImport {
   /// unknown scale.
   bool SkipLongTexts = false;
 
-  std::string Message;                 ///< what is wrong, with the line or the column
-  std::vector<std::int64_t> RowLines;  ///< the line of the file in which each row starts, from 1
-  TIntArray SkippedColumns;            ///< columns of the table skipped for their texts, from 1
+  /// A column that was skipped.
+  struct TSkipped {
+    int Column = 0;  ///< from 1
+    std::string
+        Why;  ///< its texts; where most cells are numbers the first that is none, with the line
+  };
+  std::string Message{};                 ///< what is wrong, with the line or the column
+  std::vector<std::int64_t> RowLines{};  ///< the line of the file in which each row starts, from 1
+  std::vector<TSkipped> Skipped{};
 };
 
 /// Tags of the XML form of a table.

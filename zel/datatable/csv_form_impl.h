@@ -1,0 +1,38 @@
+/// @file
+/// Tables as delimited text. Internal.
+#pragma once
+
+#include <ostream>
+#include <string_view>
+
+#include "zel/datatable/table_contents_impl.h"
+
+namespace zel::detail {
+
+/// Before the comment in the first line.
+inline constexpr std::string_view kCommentMark = "# ";
+/// Name of the column of row attributes.
+inline constexpr std::string_view kAttributes = "(attribute)";
+
+/// The character; that of a text for cdDetect.
+[[nodiscard]] char DelimiterOf(TCSVDelimiters delimiter, std::string_view text);
+
+/// Reads a table.
+/// @param contents  what the text holds, if the result is 0
+/// @return as TDataTable::ImportFromCSV, with import.Message
+int ReadCSV(std::string_view text, TCSVImport& import, TTableContents& contents);
+
+/// How TDataTable::ExportAsCSV writes.
+struct TCSVExport {
+  int Precision = -1;
+  char Delimiter = ',';
+  bool IncludeColHeaders = true;
+  bool IncludeRowHeaders = true;
+  bool IncludeRowAttributes = true;
+  bool IncludeComment = true;
+  TDecPSep DecSep = dpsPoint;
+};
+
+void WriteCSV(std::ostream& out, const TTableView& table, const TCSVExport& how);
+
+}  // namespace zel::detail

@@ -1,0 +1,356 @@
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <limits>
+#include <memory>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <utility>
+
+#include "zel/base/stringhelpers.h"
+#include "zel/datatable/csv_form_impl.h"
+#include "zel/datatable/delimited_impl.h"
+#include "zel/foundation/numberscanners.h"
+
+namespace zel::detail {
+
+namespace {
+
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+constexpr std::uint8_t kEmpty = 2;
+
+/// What keeps a file from being read.
+struct TCsvError {
+  int code;
+  std::string text;
+};
+
+[[noreturn]] void fail(int code, std::string text) { throw TCsvError{code, std::move(text)}; }
+
+std::string inLine(const DelimitedText& text, std::string_view reason) {
+  return std::string("line ").append(std::to_string(text.line())).append(": ").append(reason);
+}
+
+[[noreturn]] void failInLine(int code, const DelimitedText& text, std::string_view reason) {
+  fail(code, inLine(text, reason));
+}
+
+[[noreturn]] void failWidth(const DelimitedText& text, std::size_t width, std::size_t wanted) {
+  failInLine(-3, text,
+             "it has " + std::to_string(width) + " cells, not " + std::to_string(wanted) +
+                 " as the first line");
+}
+
+bool isMissing(std::string_view cell) {
+  return cell.empty() || cell == "NA" || cell == "###" || EqualIgnoringCase(cell, "NAN");
+}
+
+std::optional<double> numberIn(std::string_view cell, TDecPSep separator) {
+  std::size_t pos = 0;
+  const bool mayBeWord = !cell.empty() && (cell.back() | 0x20) >= 'f';  // "inf", "infinity"
+  const double x = ScanFPNum(cell, mayBeWord, separator, pos);
+  if (pos != cell.size() || pos == 0 || std::isnan(x)) return std::nullopt;
+  if (std::isinf(x) && !mayBeWord) return std::nullopt;  // too large
+  return x;
+}
+
+/// Identifiers of the texts of a column, in the order in which they turn up.
+class TCategories {
+ public:
+  /// @param line  where the text stands
+  /// @return number from 1; 0 if there are too many
+  int numberOf(std::string_view text, std::size_t line) {
+    if (FLast > 0 && text == FTexts[static_cast<std::size_t>(FLast - 1)].text)
+      return FLast;  // often the same in neighbours
+    const auto known = FNumbers.find(std::string(text));
+    if (known != FNumbers.end()) return FLast = known->second;
+    if (FTexts.size() == FType.IDs.size()) return 0;
+    FType.IDs[FTexts.size()] = uniqueId(text);
+    FTexts.push_back({std::string(text), line});
+    FLast = static_cast<int>(FTexts.size());
+    return FNumbers[std::string(text)] = FLast;
+  }
+  [[nodiscard]] const TVTypeSpec& type() const { return FType; }
+  /// Why there are more texts than a column may have.
+  [[nodiscard]] std::string whyTooMany(const std::string& column, TDecPSep separator) const {
+    const auto isWord = [&](const TText& text) { return !numberIn(text.text, separator); };
+    const auto words = static_cast<std::size_t>(std::ranges::count_if(FTexts, isWord));
+    if (words == 0 || 2 * words >= FTexts.size()) {
+      return "the column " + column + " has more than 150 different texts";
+    }
+    const TText& word = *std::ranges::find_if(FTexts, isWord);
+    return "line " + std::to_string(word.line) + ": \"" + word.text + "\" in the column " + column +
+           " is not a number";
+  }
+
+ private:
+  struct TText {
+    std::string text;
+    std::size_t line;
+  };
+  [[nodiscard]] TNominalIDStr uniqueId(std::string_view text) const {
+    TNominalIDStr id(text);
+    for (int k = 2; std::ranges::count(FType.IDs, id) > 0; ++k) {
+      const std::string tail = std::string(1, '~').append(std::to_string(k));
+      std::string shorter(text.substr(0, TNominalIDStr::max_size() - tail.size()));
+      id = TNominalIDStr(shorter.append(tail));
+    }
+    return id;
+  }
+
+  TVTypeSpec FType{stNominal, {}};
+  std::vector<TText> FTexts;
+  std::unordered_map<std::string, int> FNumbers;
+  int FLast = 0;
+};
+
+/// What a column has turned out to be so far.
+enum class TCsvKind : std::uint8_t {
+  numbers,
+  texts,
+  late,    ///< of texts after numbers: it has to be read again
+  skipped  ///< of too many texts
+};
+
+/// A column of the text while it is read.
+struct TCsvColumn {
+  TCsvKind kind = TCsvKind::numbers;
+  bool hasNumbers = false;
+  std::unique_ptr<TCategories> categories;
+};
+
+/// Number of records that a text may hold at most.
+std::size_t mostRecords(std::string_view text) {
+  auto lines = static_cast<std::size_t>(std::ranges::count(text, '\n')) + 1;
+  for (std::size_t k = text.find('\r'); k != std::string_view::npos; k = text.find('\r', k + 1)) {
+    lines += k + 1 < text.size() && text[k + 1] == '\n' ? 0 : 1;
+  }
+  return lines;
+}
+
+class TCsvReader {
+ public:
+  TCsvReader(std::string_view text, char delimiter, TCSVImport& import, TTableContents& contents)
+      : FText(text), FDelimiter(delimiter), FImport(import), FContents(contents) {}
+
+  void read() {
+    readRows();
+    readLateTexts();
+    for (std::size_t c = 0; c < FColumns.size(); ++c) {
+      if (FColumns[c].kind == TCsvKind::skipped) {
+        FContents.FVType[c].MScaleType = stUnknown;
+        std::ranges::fill(FContents.Values[c], 0.0);
+        std::ranges::fill(FContents.FCState[c], kEmpty);
+      } else if (FColumns[c].kind == TCsvKind::texts) {
+        FContents.FVType[c] = FColumns[c].categories->type();
+      }
+    }
+  }
+
+ private:
+  /// Goes to the first row.
+  std::vector<std::string> readHeader(DelimitedText& text) const {
+    std::vector<std::string> names;
+    if (!text.nextRecord()) fail(-2, "there is nothing but blanks");
+    if (FImport.IncludeColHeaders) {
+      std::string_view cell;
+      while (text.nextCell(cell)) names.emplace_back(cell);
+      failIfBroken(text);
+      if (!text.nextRecord()) fail(-2, "there are no rows");
+    }
+    return names;
+  }
+
+  static void failIfBroken(const DelimitedText& text) {
+    if (text.isBroken()) {
+      failInLine(-4, text, "a quotation mark is not closed, or there is more after a closing one");
+    }
+  }
+
+  /// Takes header and first row together.
+  void makeColumns(DelimitedText first, const std::vector<std::string>& names) {
+    std::size_t width = 0;
+    for (std::string_view ignored; first.nextCell(ignored);) ++width;
+    failIfBroken(first);
+    FWidth = width;
+    std::size_t unnamed = 0;
+    if (FImport.IncludeColHeaders) {
+      if (FImport.IncludeRowHeaders && names.size() + 1 == width) unnamed = 1;
+      if (names.size() + unnamed != width) failWidth(first, width, names.size());
+    }
+    FFirst = FImport.IncludeRowHeaders ? 1 : 0;
+    FHasAttributes =
+        FImport.IncludeColHeaders && width > FFirst && names[FFirst - unnamed] == kAttributes;
+    if (FHasAttributes) ++FFirst;
+    if (FFirst >= width) fail(-2, "there are no columns of data");
+    FColumns.resize(width - FFirst);
+    FContents = TTableContents(FColumns.size(), 0);
+    for (std::size_t c = 0; FImport.IncludeColHeaders && c < FColumns.size(); ++c) {
+      FContents.FColName[c] = TDTNameStr(names[c + FFirst - unnamed]);
+    }
+    // A cell takes a byte at least, be it its delimiter.
+    const std::size_t room = std::min(mostRecords(FText), FText.size() / width + 1);
+    FContents.Values.SetLength(FColumns.size(), room);
+    FContents.FCState.SetLength(FColumns.size(), room);
+  }
+
+  void readRows() {
+    DelimitedText text(FText, FDelimiter);
+    const std::vector<std::string> names = readHeader(text);
+    makeColumns(text, names);
+    std::size_t rows = 0;
+    do {
+      const std::size_t width = readRow(text, rows);
+      if (width != FWidth) failWidth(text, width, FWidth);
+      FImport.RowLines.push_back(static_cast<std::int64_t>(text.line()));
+      if (++rows > static_cast<std::size_t>(std::numeric_limits<int>::max())) {
+        fail(-3, "there are too many rows");
+      }
+    } while (text.nextRecord());
+    FContents.FRowAtt.resize(rows);
+    FContents.FRowName.resize(rows);
+    if (!FImport.IncludeRowHeaders) NameRows(FContents, 0);
+    FContents.FitRows();
+  }
+
+  /// @return number of cells
+  std::size_t readRow(DelimitedText& text, std::size_t row) {
+    const std::size_t room = FContents.Values.Length(1);
+    const bool hasPoint = FImport.DecSep != dpsComma;
+    double* value = FContents.Values.data() + row;
+    std::size_t k = readHeads(text);
+    std::string_view cell;
+    for (TCsvColumn& column : FColumns) {
+      if (column.kind == TCsvKind::numbers && hasPoint && text.nextNumber(*value)) {
+        column.hasNumbers = true;
+      } else if (text.nextCell(cell)) {
+        add(column, *value, FContents.FCState.data()[value - FContents.Values.data()], cell, text);
+      } else {
+        break;
+      }
+      ++k;
+      value += room;
+    }
+    while (text.nextCell(cell)) ++k;
+    failIfBroken(text);
+    return k;
+  }
+
+  /// Row name and attribute.
+  std::size_t readHeads(DelimitedText& text) {
+    std::size_t k = 0;
+    std::string_view cell;
+    if (FImport.IncludeRowHeaders && text.nextCell(cell)) {
+      FContents.FRowName.push_back(TDTNameStr(cell));
+      ++k;
+    }
+    if (FHasAttributes && text.nextCell(cell)) {
+      int attribute = 0;
+      const auto [end, error] = std::from_chars(cell.data(), cell.data() + cell.size(), attribute);
+      if (error != std::errc() || end != cell.data() + cell.size()) {
+        failInLine(-6, text, "the row attribute is not an integer");
+      }
+      FContents.FRowAtt.push_back(attribute);
+      ++k;
+    }
+    return k;
+  }
+
+  void add(TCsvColumn& column, double& value, std::uint8_t& state, std::string_view cell,
+           const DelimitedText& text) {
+    if (column.kind == TCsvKind::numbers) {
+      if (const auto number = numberIn(cell, FImport.DecSep)) {
+        value = *number;
+        column.hasNumbers = true;
+        return;
+      }
+    }
+    value = 0;  // there may be what is no number from nextNumber
+    if (!text.isQuoted() && isMissing(cell)) {
+      state = kEmpty;
+      return;
+    }
+    if (column.kind == TCsvKind::numbers) {
+      column.kind = column.hasNumbers ? TCsvKind::late : TCsvKind::texts;
+      column.categories = std::make_unique<TCategories>();
+    }
+    if (column.kind == TCsvKind::texts) addText(column, value, cell, text);
+  }
+
+  void addText(TCsvColumn& column, double& value, std::string_view cell,
+               const DelimitedText& text) {
+    const int number = column.categories->numberOf(cell, text.line());
+    value = number;
+    if (number > 0) return;
+    const auto c = static_cast<std::size_t>(&column - FColumns.data());
+    const TDTNameStr& name = FContents.FColName[c];
+    const bool isNamed = FImport.IncludeColHeaders && !name.empty();
+    std::string why = column.categories->whyTooMany(
+        isNamed ? std::string(name) : std::to_string(c + FFirst + 1), FImport.DecSep);
+    if (!FImport.SkipLongTexts) fail(-5, std::move(why));
+    column.kind = TCsvKind::skipped;
+    FImport.Skipped.push_back({static_cast<int>(c) + 1, std::move(why)});
+  }
+
+  /// Goes over the text again for the columns that begin with numbers and go on with texts.
+  void readLateTexts() {
+    std::vector<std::size_t> late;
+    for (std::size_t c = 0; c < FColumns.size(); ++c) {
+      if (FColumns[c].kind != TCsvKind::late) continue;
+      FColumns[c].kind = TCsvKind::texts;
+      late.push_back(c);
+    }
+    if (late.empty()) return;
+    DelimitedText text(FText, FDelimiter);
+    readHeader(text);
+    std::size_t row = 0;
+    do {
+      std::string_view cell;
+      std::size_t k = 0;
+      for (const std::size_t c : late) {
+        while (k <= c + FFirst && text.nextCell(cell)) ++k;
+        add(FColumns[c], FContents.Values(c, row), FContents.FCState(c, row), cell, text);
+      }
+      ++row;
+    } while (text.nextRecord());
+  }
+
+  std::string_view FText;
+  char FDelimiter;
+  TCSVImport& FImport;
+  TTableContents& FContents;
+  bool FHasAttributes = false;
+  std::size_t FWidth = 0;
+  std::size_t FFirst = 0;  ///< first column of data
+  std::vector<TCsvColumn> FColumns;
+};
+
+/// Takes the comment off the front of a text.
+std::string takeComment(std::string_view& text) {
+  if (!text.starts_with(kCommentMark)) return {};
+  const std::string_view line = text.substr(0, text.find_first_of("\r\n"));
+  // The line end stays, so that lines are counted right.
+  text.remove_prefix(line.size());
+  return std::string(line.substr(kCommentMark.size()));
+}
+
+}  // namespace
+
+int ReadCSV(std::string_view text, TCSVImport& import, TTableContents& contents) {
+  import.Message.clear();
+  import.RowLines.clear();
+  import.Skipped.clear();
+  if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
+  std::string comment = takeComment(text);
+  try {
+    TCsvReader(text, DelimiterOf(import.Delimiter, text), import, contents).read();
+  } catch (TCsvError& error) {
+    import.Message = std::move(error.text);
+    return error.code;
+  }
+  contents.FComment = std::move(comment);
+  return 0;
+}
+
+}  // namespace zel::detail
