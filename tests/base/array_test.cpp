@@ -6,6 +6,7 @@
 #include <map>
 #include <random>
 #include <sstream>
+#include <utility>
 
 #include "tests/support/failing_storage.h"
 
@@ -84,6 +85,20 @@ void walkShapes(unsigned seed) {
       }
       return false;
     });
+    // Inserts or erases along the last dimension: what lies behind moves.
+    std::size_t& last = n[Rank - 1];
+    const std::size_t place = random() % (last + 1);
+    const bool isErased = place < last && random() % 2 == 0;
+    isErased ? a.EraseLast(place) : a.InsertLast(place);
+    last += isErased ? std::size_t(-1) : 1;
+    const auto before = std::exchange(model, {});
+    for (const auto& [key, value] : before) {
+      auto index = key;
+      std::size_t& k = index[Rank - 1];
+      if (isErased && k == place) continue;
+      if (k >= place) k += isErased ? std::size_t(-1) : 1;
+      model[index] = value;
+    }
     for (std::size_t i = 0; i < n[0]; ++i) {
       for (std::size_t j = 0; j < n[1]; ++j) {
         for (std::size_t k = 0; k < n[2]; ++k) {

@@ -167,6 +167,48 @@ class TDynArray {
     Reshape({CheckedExtent(extents)...});
   }
 
+  /// Inserts a cell of 0 before place `at` of the last dimension, in each of the arrays that the
+  /// other indices number: a row in an array [column][row]. One pass over the cells; amortised
+  /// growth.
+  /// @param at  not beyond the extent
+  /// @throws std::length_error, std::bad_alloc  the array is unchanged then
+  void InsertLast(std::size_t at) {
+    const std::size_t length = FShape[Rank - 1];
+    const std::size_t lines = Lines();
+    Shape shape = FShape;
+    ++shape[Rank - 1];
+    const std::size_t cells = CheckedSize(shape);
+    if (cells > FCapacity) {
+      const std::size_t room = RoomFor(cells);
+      T* block = CreateBlock(room);
+      ForEachPiece(lines, length, at, false, [&](std::size_t k, T* first, T* last) {
+        std::move(first, last, block + (first - FData) + k);
+      });
+      DestroyBlock(FData, FCapacity);
+      FData = block;
+      FCapacity = room;
+    } else {
+      ForEachPiece(lines, length, at, true, [&](std::size_t k, T* first, T* last) {
+        if (k == 0) return;
+        std::move_backward(first, last, last + k);
+        first[k - 1] = T();
+      });
+    }
+    FShape = shape;
+  }
+  /// Removes a cell of the last dimension, in each of the arrays that the other indices number.
+  /// @param at  below the extent
+  void EraseLast(std::size_t at) {
+    const std::size_t lines = Lines();
+    const std::size_t old = size();
+    // The removed cell is the first one of each piece but the first.
+    ForEachPiece(lines, FShape[Rank - 1], at, false, [&](std::size_t k, T* first, T* last) {
+      if (k > 0 && first != last) std::move(first + 1, last, first + 1 - k);
+    });
+    --FShape[Rank - 1];
+    ResetCells(FData + size(), FData + old);
+  }
+
   void clear() { Reshape({}); }
 
   [[nodiscard]] T* data() { return FData; }
@@ -313,6 +355,29 @@ class TDynArray {
     }
   }
 
+  /// Number of arrays along the last dimension.
+  [[nodiscard]] std::size_t Lines() const {
+    std::size_t n = 1;
+    for (std::size_t d = 0; d + 1 < Rank; ++d) n *= FShape[d];
+    return n;
+  }
+  /// Calls move(k, first, last) for the pieces between the cells at a place of the last dimension,
+  /// k = 0..lines: the end of one array and the start of the next one lie together.
+  template <class Move>
+  void ForEachPiece(std::size_t lines, std::size_t length, std::size_t at, bool backward,
+                    Move&& move) {
+    for (std::size_t i = 0; i <= lines; ++i) {
+      const std::size_t k = backward ? lines - i : i;
+      T* const first = k == 0 ? FData : FData + (k - 1) * length + at;
+      T* const last = k == lines ? FData + lines * length : FData + k * length + at;
+      move(k, first, last);
+    }
+  }
+  /// Cells to allocate when an array grows that will grow again.
+  [[nodiscard]] std::size_t RoomFor(std::size_t cells) const {
+    return std::max(cells, std::min(FCapacity + FCapacity / 2, CheckedRoom()));
+  }
+
   void Reshape(const Shape& shape) {
     if (shape == FShape) return;
     const std::size_t cells = CheckedSize(shape);
@@ -322,7 +387,7 @@ class TDynArray {
       // Geometric growth only when an array grows that already holds cells.
       std::size_t room = cells;
       if (!nothingKept && FindOverlap(FShape, shape).outer == 0) {
-        room = std::max(cells, std::min(FCapacity + FCapacity / 2, CheckedRoom()));
+        room = RoomFor(cells);
       }
       T* block = CreateBlock(room);
       if (!nothingKept) {

@@ -110,17 +110,30 @@ void TDataTable::Resize(int NrCols, int NrRows) {
 
 void TDataTable::InsertRow(int ix) {
   if (ix < 1 || ix - 1 > FNrOfRows) return;
-  ResizeTo(FNrOfCols, std::int64_t{FNrOfRows} + 1);
+  FitMatrix();
+  const std::size_t row = at(ix);
   const std::size_t rows = Rows();
-  openGap(FRowAtt.data(), rows, at(ix), 0);
-  openGap(FRowName.data(), rows, at(ix), TDTNameStr());
-  for (int c = 1; c <= FNrOfCols; ++c) {
-    double* const values = Values(c);
-    openGap(values, rows, at(ix), 0.0);
-    openGap(States(c), rows, at(ix), std::uint8_t{0});
-    if (IsCategorical(c)) {
-      std::transform(values + ix, values + rows, values + ix, RoundEven<double>);
+  Guarded([&] {
+    if (FNrOfRows == std::numeric_limits<int>::max()) {
+      throw std::length_error("TDataTable: too many rows");
     }
+    try {
+      FRowAtt.InsertLast(row);
+      FRowName.InsertLast(row);
+      FCState.InsertLast(row);
+      const TDetached detached(*this);
+      NumericData->InsertRow(ix);
+    } catch (...) {
+      if (FRowAtt.size() > rows) FRowAtt.EraseLast(row);
+      if (FRowName.size() > rows) FRowName.EraseLast(row);
+      if (FCState.Length(1) > rows) FCState.EraseLast(row);
+      throw;
+    }
+  });
+  ++FNrOfRows;
+  for (int c = 1; c <= FNrOfCols; ++c) {
+    if (!IsCategorical(c)) continue;
+    std::transform(Values(c) + ix, Values(c) + Rows(), Values(c) + ix, RoundEven<double>);
   }
   FireResize(FNrOfCols, FNrOfRows - 1);
   ChangedSetup();
@@ -149,14 +162,14 @@ void TDataTable::InsertColumn(int ix) {
 void TDataTable::RemoveRow(int ix) {
   if (!HasRow(ix) || FNrOfRows == 1) return;
   FitMatrix();  // a table that shrinks allocates nothing
-  const std::size_t rows = Rows();
-  closeGap(FRowAtt.data(), rows, at(ix));
-  closeGap(FRowName.data(), rows, at(ix));
-  for (int c = 1; c <= FNrOfCols; ++c) {
-    closeGap(Values(c), rows, at(ix));
-    closeGap(States(c), rows, at(ix));
+  FRowAtt.EraseLast(at(ix));
+  FRowName.EraseLast(at(ix));
+  FCState.EraseLast(at(ix));
+  {
+    const TDetached detached(*this);
+    NumericData->RemoveRow(ix);
   }
-  ResizeTo(FNrOfCols, FNrOfRows - 1);
+  --FNrOfRows;
   FireResize(FNrOfCols, FNrOfRows + 1);
   ChangedSetup();
 }

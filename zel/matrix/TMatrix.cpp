@@ -47,6 +47,13 @@ void TMatrix::AssignTo(TPersistent* Dest) const {
   dest->Assign(this);
 }
 
+bool TMatrix::InsertRow(int row) {
+  if (row < 1 || row - 1 > NrOfRows()) return false;
+  Guarded([&] { OpenRow(row); });
+  Changed();
+  return true;
+}
+
 void TMatrix::Adopt(TDouble2DArray&& Contents) {
   constexpr auto most = static_cast<std::size_t>(std::numeric_limits<int>::max());
   const std::size_t columns = Contents.Length(0);

@@ -187,6 +187,10 @@ class ZEL_API TMatrix : public TNumMatrix<double> {
   /// @throws EZELMatrixError  `: not enough memory on heap`
   int CalcDistMat(TDistMode Mode, TMatrix* DMat) const;
 
+  /// Inserts a row of zeros before the given one, or behind the last, in one pass. Fires OnChange.
+  /// @return false, with nothing changed, unless 1 <= row <= NrOfRows() + 1
+  /// @throws EZELMatrixError  `: not enough memory on heap`
+  bool InsertRow(int row);
   /// Takes over an array, [column][row], with its size; nothing is copied. Fires OnChange.
   /// @throws EZELMatrixError  `: not enough memory on heap` if there are more columns or rows than
   ///   2147483647; the matrix is unchanged then

@@ -89,6 +89,17 @@ void TNumMatrix<T>::TakeOver(TDynArray<T, 2>& contents, int Nc, int Nr) noexcept
 }
 
 template <class T>
+void TNumMatrix<T>::OpenRow(int row) {
+  if (FNRow == std::numeric_limits<int>::max()) RaiseNoMemory();
+  if (FNCol == 0 || FNRow == 0) {  // the storage has a cell all the same
+    Mat.SetLength(std::max(FNCol, 1), FNRow + 1);
+  } else {
+    Mat.InsertLast(static_cast<std::size_t>(row - 1));
+  }
+  ++FNRow;
+}
+
+template <class T>
 void TNumMatrix<T>::MakeValidColRange(int& LowCol, int& HighCol) const {
   kernels::clampRange(LowCol, HighCol, FNCol);
 }

@@ -350,6 +350,8 @@ class TNumMatrix : public TComponent {
   void SetRows(std::initializer_list<std::initializer_list<T>> rows);
   /// Takes over contents of the given size; OnChange does not fire.
   void TakeOver(TDynArray<T, 2>& contents, int Nc, int Nr) noexcept;
+  /// Inserts a row of zeros, of a valid number; OnChange does not fire.
+  void OpenRow(int row);
 
  private:
   friend class detail::TResults;

@@ -32,11 +32,11 @@ bool TNumMatrix<T>::RemoveColumn(int col) {
 template <class T>
 bool TNumMatrix<T>::RemoveRow(int row) {
   if (row < 1 || row > FNRow || FNRow < 2) return false;
-  for (int c = 1; c <= FNCol; ++c) {
-    T* const cell = Mat.data() + Offset(c, row);
-    std::copy(cell + 1, cell + 1 + (FNRow - row), cell);
-  }
-  return Resize(FNCol, FNRow - 1);
+  if (FNCol == 0) return Resize(FNCol, FNRow - 1);
+  Mat.EraseLast(static_cast<std::size_t>(row - 1));
+  --FNRow;
+  Changed();
+  return true;
 }
 
 template <class T>
