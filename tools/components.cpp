@@ -14,7 +14,7 @@ Components componentsOf(const Table& table, const std::vector<std::size_t>& colu
                         bool standardised) {
   Components result;
   result.leftOut = rowsWithout(table, columns);
-  result.rows = table.rows - static_cast<int>(result.leftOut.size());
+  result.rows = table.rows() - static_cast<int>(result.leftOut.size());
   if (result.rows < 2) {
     throw Failure(table.source + " has fewer than two rows without a missing value");
   }
@@ -24,8 +24,7 @@ Components componentsOf(const Table& table, const std::vector<std::size_t>& colu
   for (int c = 1; c <= n; ++c) {
     const std::size_t from = columns[static_cast<std::size_t>(c - 1)];
     const Column& column = table.columns[from];
-    const std::vector<double> values =
-        withoutRows(table.values->Column(static_cast<int>(from) + 1), result.leftOut);
+    const std::vector<double> values = withoutRows(table.values(from), result.leftOut);
     double mean = 0;
     double variance = 0;
     std::copy(values.begin(), values.end(), data.data() + (c - 1) * std::ptrdiff_t{result.rows});

@@ -80,8 +80,8 @@ std::string jsonText(const Table& file, const std::vector<std::size_t>& columns,
   };
   json.beginObject();
   json.add("file", options.file);
-  json.add("comment", file.comment);
-  json.add("rows", file.rows);
+  json.add("comment", file.comment());
+  json.add("rows", file.rows());
   json.beginArray("variables");
   for (const std::size_t c : columns) {
     json.beginObject();
@@ -104,7 +104,7 @@ Result correlate(const CorrelateOptions& options) {
     requirePictureName(options.picture);
     requireDifferentFiles(options.file, options.picture);
   }
-  const Table file = readTable(options.file);
+  const Table file = readTable(options.file, options.decimalComma);
   const ColumnChoice choice = chooseColumns(file, options.columns);
   if (choice.columns.size() < 2) {
     throw Failure(options.columns.empty()

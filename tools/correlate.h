@@ -12,6 +12,7 @@ namespace tool {
 /// What the command line asks for.
 struct CorrelateOptions {
   std::string file;
+  bool decimalComma = false;
   std::vector<std::string> columns;  // empty: all
   std::string picture;               // empty: none
   bool json = false;

@@ -1,6 +1,7 @@
 #include "correlations.h"
 
 #include <algorithm>
+#include <cmath>
 #include <deque>
 
 #include "variable.h"
@@ -15,7 +16,8 @@ bool isConstant(const zel::TVector& x) {
 
 std::optional<double> pearson(const zel::TVector& x, const zel::TVector& y, int n) {
   if (n < 2 || isConstant(x) || isConstant(y)) return std::nullopt;
-  return x.PearsonCorrCoeff(&y);
+  const double r = x.PearsonCorrCoeff(&y);
+  return std::isfinite(r) ? std::optional(r) : std::nullopt;  // none for infinite values
 }
 
 }  // namespace
@@ -34,9 +36,7 @@ Correlations correlate(const Table& table, const std::vector<std::size_t>& colum
   Correlations result;
   result.r.assign(k, std::vector<std::optional<double>>(k));
   result.pairs.assign(k, std::vector<int>(k));
-  const auto valuesOf = [&](std::size_t c) {
-    return table.values->Column(static_cast<int>(columns[c]) + 1);
-  };
+  const auto valuesOf = [&](std::size_t c) { return table.values(columns[c]); };
   std::deque<zel::TVector> whole;  // vectors do not move
   for (std::size_t i = 0; i < k; ++i) {
     const Column& column = table.columns[columns[i]];
@@ -45,7 +45,7 @@ Correlations correlate(const Table& table, const std::vector<std::size_t>& colum
     whole.emplace_back(valuesOf(i));
     for (std::size_t j = 0; j <= i; ++j) {
       const std::vector<int> leftOut = rowsWithout(table, {columns[i], columns[j]});
-      const int n = table.rows - static_cast<int>(leftOut.size());
+      const int n = table.rows() - static_cast<int>(leftOut.size());
       const std::optional<double> r =
           leftOut.empty() ? pearson(whole[i], whole[j], n)
                           : pearson(zel::TVector(withoutRows(valuesOf(i), leftOut)),

@@ -5,7 +5,9 @@
 #include <utility>
 
 #include "bins.h"
+#include "describe_by.h"
 #include "describe_picture.h"
+#include "description.h"
 #include "failure.h"
 #include "figures.h"
 #include "file_names.h"
@@ -24,8 +26,6 @@
 namespace tool {
 namespace {
 
-constexpr int kMostBinsByDefault = 30;
-constexpr int kSparklineBins = 10;
 constexpr int kPanelBins = 16;
 
 /// @param list  numbers separated by commas
@@ -46,25 +46,6 @@ std::vector<double> parsePercentiles(std::string_view list) {
   return percents;
 }
 
-/// A variable with all that is said of it.
-struct Description {
-  Variable variable;
-  Summary summary;
-  std::optional<Histogram> histogram;
-};
-
-Description describeVariable(Variable variable, const std::vector<double>& percents, int bins) {
-  const zel::TVector x(variable.values);
-  Summary summary = summarize(x, variable, percents);
-  std::optional<Histogram> histogram;
-  if (summary.n > 0) {
-    histogram = bins > 0 ? countInAbout(x, bins) : countInBins(x, kMostBinsByDefault);
-  }
-  return {std::move(variable), std::move(summary), std::move(histogram)};
-}
-
-std::string dash(const DescribeOptions& options) { return options.ascii ? "-" : "–"; }
-
 std::string histogramText(const Summary& s, const std::optional<Histogram>& histogram, bool ascii) {
   if (!histogram) return "  No histogram: the values are too large.\n";
   std::vector<BinMark> marks;
@@ -78,10 +59,10 @@ std::string histogramText(const Summary& s, const std::optional<Histogram>& hist
 }
 
 std::string textOfOne(const Table& file, const Description& d, const DescribeOptions& options) {
-  const auto& [variable, summary, histogram] = d;
+  const auto& [variable, summary, histogram, few] = d;
   std::string text =
       file.source + (variable.name.empty() ? "" : ": " + printable(variable.name)) + '\n';
-  if (!file.comment.empty()) text += printable(file.comment) + '\n';
+  if (!file.comment().empty()) text += printable(file.comment()) + '\n';
   std::vector<FigureLine> lines = figureLines(variable, summary, dash(options));
   if (summary.n == 0) lines.resize(2);  // n and missing
   TextTable table;
@@ -95,75 +76,9 @@ std::string textOfOne(const Table& file, const Description& d, const DescribeOpt
 /// One column of the table for each variable.
 std::string textOfSeveral(const Table& file, const std::vector<Description>& descriptions,
                           const DescribeOptions& options) {
-  const bool sparklines = !options.noHistogram && !options.ascii;
-  const auto textsOf = [&](const Description& d, auto&& add) {
-    for (const FigureLine& line : figureLines(d.variable, d.summary, dash(options))) {
-      add(line.label, line.number);
-      if (!line.detailLabel.empty()) add(line.detailLabel, line.detail);
-    }
-    if (!sparklines) return;
-    const zel::TVector x(d.variable.values);
-    std::optional<Histogram> few;
-    if (d.summary.n > 0) few = countInAbout(x, kSparklineBins);
-    add("", "");
-    add("histogram", few ? sparkline(*few) : dash(options));
-  };
-  std::vector<std::string> labels;
-  textsOf(descriptions[0],
-          [&](const std::string& label, const std::string&) { labels.push_back(label); });
-  TextColumns columns(labels);
-  for (const Description& d : descriptions) {
-    std::vector<std::string> texts;
-    textsOf(d, [&](const std::string&, const std::string& text) { texts.push_back(text); });
-    columns.add(printable(d.variable.title, 24), std::move(texts));
-  }
-  return headingText(file, descriptions.size()) + columns.text(terminalColumns());
-}
-
-void addVariable(JsonWriter& json, const Description& d, const DescribeOptions& options) {
-  const Summary& s = d.summary;
-  json.add("name", d.variable.name);
-  json.add("n", s.n);
-  json.add("missing", s.missing);
-  json.add("mean", s.mean.value);
-  json.add("standard_deviation", s.standardDeviation.value);
-  json.add("standard_error", s.standardError.value);
-  json.add("skewness", s.skewness.value);
-  json.add("excess_kurtosis", s.excessKurtosis.value);
-  json.add("geometric_mean", s.geometricMean.value);
-  const auto addExtreme = [&](const std::string& key, const Figure& figure, int row) {
-    json.add(key, figure.value);
-    s.n > 0 ? json.add(key + "_row", row) : json.addNull(key + "_row");
-    if (!d.variable.rowNames.empty() && s.n > 0) {
-      json.add(key + "_row_name", d.variable.rowNames[static_cast<std::size_t>(row - 1)]);
-    }
-  };
-  addExtreme("minimum", s.minimum, s.minimumRow);
-  json.add("lower_quartile", s.lowerQuartile.value);
-  json.add("median", s.median.value);
-  json.add("upper_quartile", s.upperQuartile.value);
-  json.beginArray("percentiles");
-  for (const auto& [percent, at] : s.percentiles) {
-    json.beginObject();
-    json.add("percent", percent);
-    json.add("value", at.value);
-    json.endObject();
-  }
-  json.endArray();
-  addExtreme("maximum", s.maximum, s.maximumRow);
-  json.add("mode", s.mode.value);
-  json.add("mode_count", s.modeCount);
-  if (d.histogram && !options.noHistogram) {
-    json.beginObject("histogram");
-    json.add("first_edge", d.histogram->edge(0));
-    json.add("bin_width", d.histogram->width());
-    json.beginArray("counts");
-    for (const int count : d.histogram->counts) json.add("", count);
-    json.endArray();
-    json.endObject();
-  } else {
-    json.addNull("histogram");
-  }
+  std::vector<std::string> headings;
+  for (const Description& d : descriptions) headings.push_back(d.variable.title);
+  return headingText(file, descriptions.size()) + textOfColumns(descriptions, headings, options);
 }
 
 std::string jsonText(const Table& file, const std::vector<Description>& descriptions,
@@ -171,16 +86,16 @@ std::string jsonText(const Table& file, const std::vector<Description>& descript
   JsonWriter json;
   json.beginObject();
   json.add("file", options.file);
-  json.add("comment", file.comment);
+  json.add("comment", file.comment());
   if (descriptions.size() == 1) {
-    addVariable(json, descriptions[0], options);
+    addFigures(json, descriptions[0], options);
   } else {
-    json.add("rows", file.rows);
+    json.add("rows", file.rows());
     json.beginArray("variables");
     for (const Description& d : descriptions) {
       json.beginObject();
       json.add("column", d.variable.number);
-      addVariable(json, d, options);
+      addFigures(json, d, options);
       json.endObject();
     }
     json.endArray();
@@ -193,7 +108,7 @@ std::string jsonText(const Table& file, const std::vector<Description>& descript
 void draw(const Table& file, const std::vector<Description>& descriptions,
           const DescribeOptions& options) {
   if (descriptions.size() == 1) {
-    const auto& [variable, summary, histogram] = descriptions[0];
+    const auto& [variable, summary, histogram, few] = descriptions[0];
     drawDescription(options.picture, pictureTitle(file), zel::TVector(variable.values), variable,
                     summary, histogram);
     return;
@@ -218,7 +133,8 @@ Result describe(const DescribeOptions& options) {
     requireDifferentFiles(options.file, options.picture);
   }
   const std::vector<double> percents = parsePercentiles(options.percentiles);
-  const Table file = readTable(options.file);
+  const Table file = readTable(options.file, options.decimalComma);
+  if (!options.by.empty()) return describeBy(file, percents, options);
   const ColumnChoice choice = chooseColumns(file, options.columns);
   std::vector<Description> descriptions;
   for (const std::size_t c : choice.columns) {

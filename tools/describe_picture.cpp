@@ -22,8 +22,9 @@ constexpr int kMostDots = 120;
 /// The row names as numbers, if all are and they ascend.
 std::vector<double> numericNames(const Variable& variable) {
   std::vector<double> numbers;
-  for (const std::string& name : variable.rowNames) {
-    const auto number = zel::ParseNumber(name);
+  const Table& table = *variable.table;
+  for (int r = 1; table.hasRowNames && r <= table.rows(); ++r) {
+    const auto number = zel::ParseNumber(table.rowName(r));
     if (!number || (!numbers.empty() && *number <= numbers.back())) return {};
     numbers.push_back(*number);
   }

@@ -10,8 +10,7 @@ namespace tool {
 namespace {
 
 std::string nameOfRow(const Variable& variable, int row) {
-  if (variable.rowNames.empty()) return {};
-  return printable(variable.rowNames[static_cast<std::size_t>(row - 1)], 30);
+  return printable(variable.table->rowName(row), 30);
 }
 
 class FigureLines {

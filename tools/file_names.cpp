@@ -14,10 +14,11 @@ bool hasExtension(std::string_view name, std::string_view extension) {
          zel::EqualIgnoringCase(name.substr(name.size() - extension.size()), extension);
 }
 
-void requireDifferentFiles(const std::string& data, const std::string& picture) {
+void requireDifferentFiles(const std::string& data, const std::string& result,
+                           const std::string& what) {
   std::error_code ignored;
-  if (std::filesystem::equivalent(data, picture, ignored)) {
-    throw Failure("the picture " + printable(picture) + " would replace the data file");
+  if (std::filesystem::equivalent(data, result, ignored)) {
+    throw Failure("the " + what + ' ' + printable(result) + " would replace the data file");
   }
 }
 

@@ -10,8 +10,10 @@ namespace tool {
 /// The name ends in the extension (".csv"), in any case, and has something before it.
 bool hasExtension(std::string_view name, std::string_view extension);
 
-/// A picture that replaced the data it shows would be a nasty surprise.
+/// A result that replaced the data it is made of would be a nasty surprise.
+/// @param what  the result, for the message
 /// @throws Failure  both names are of one file
-void requireDifferentFiles(const std::string& data, const std::string& picture);
+void requireDifferentFiles(const std::string& data, const std::string& result,
+                           const std::string& what = "picture");
 
 }  // namespace tool

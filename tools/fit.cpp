@@ -1,5 +1,6 @@
 #include "fit.h"
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 #include <vector>
@@ -81,7 +82,7 @@ std::string tableText(const Fit& fit, const FitOptions& options) {
     text += ", " + std::to_string(fit.leftOut) + " more left out for missing values";
   }
   text += '\n';
-  if (!fit.file.comment.empty()) text += printable(fit.file.comment) + '\n';
+  if (!fit.file.comment().empty()) text += printable(fit.file.comment()) + '\n';
   text += "\n  Model " + options.model + ": " +
           (model.formula.empty() ? model.method : model.formula) + "\n\n";
   if (!model.coefficients.empty()) text += coefficientText(model, options.ascii ? "-" : "–");
@@ -113,7 +114,7 @@ std::string jsonText(const Fit& fit, const FitOptions& options) {
   JsonWriter json;
   json.beginObject();
   json.add("file", options.file);
-  json.add("comment", fit.file.comment);
+  json.add("comment", fit.file.comment());
   json.add("x", fit.xTitle);
   json.add("y", fit.yTitle);
   json.add("rows", fit.rows);
@@ -175,12 +176,16 @@ Result fit(const FitOptions& options) {
     requirePictureName(options.picture);
     requireDifferentFiles(options.file, options.picture);
   }
-  const Table file = readTable(options.file);
+  const Table file = readTable(options.file, options.decimalComma);
   const std::size_t xColumn = chooseColumn(file, options.x, "--x");
   const std::size_t yColumn = chooseColumn(file, options.y, "--y");
   const std::vector<int> leftOut = rowsWithout(file, {xColumn, yColumn});
   const auto valuesOf = [&](std::size_t c) {
-    return withoutRows(file.values->Column(static_cast<int>(c) + 1), leftOut);
+    std::vector<double> values = withoutRows(file.values(c), leftOut);
+    if (std::any_of(values.begin(), values.end(), [](double v) { return std::isinf(v); })) {
+      throw Failure(placeOf(file, file.columns[c]) + ": it has an infinite value");
+    }
+    return values;
   };
   const std::vector<double> x = valuesOf(xColumn);
   const std::vector<double> y = valuesOf(yColumn);

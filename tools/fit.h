@@ -11,6 +11,7 @@ namespace tool {
 /// What the command line asks for.
 struct FitOptions {
   std::string file;
+  bool decimalComma = false;
   std::string x, y;  // columns
   std::string model = "line";
   double smoothing = 0.5;

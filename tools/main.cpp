@@ -26,11 +26,14 @@ constexpr int kFailed = 2;
 constexpr const char* kHelp = R"(Examples:
   zel describe data/sunspots.asc
   zel describe data/sunspots.asc --plot sunspots.png
+  zel describe data/iris.csv --by Species
   zel correlate data/iris.csv
   zel fit data/faithful.csv --x eruptions --y waiting
   zel pca data/iris.csv --color Species --plot iris_pca.png
   zel spectrum data/sunspots.asc
   zel wavelet data/sunspots.asc
+  zel crosstab data/mtcars.csv cyl gear
+  zel convert data/iris.csv iris.xml
   zel describe --help
 
 Exit status: 0 all done; 2 something failed, and one line on standard error
@@ -82,6 +85,8 @@ int main(int argc, char** argv) {
   tool::PcaOptions pcaOptions;
   tool::SpectrumOptions spectrumOptions;
   tool::WaveletOptions waveletOptions;
+  tool::CrosstabOptions crosstabOptions;
+  tool::ConvertOptions convertOptions;
   const Command commands[] = {
       {tool::addDescribe(program, describeOptions),
        [&] { return tool::describe(describeOptions); }},
@@ -91,7 +96,10 @@ int main(int argc, char** argv) {
       {tool::addPca(program, pcaOptions), [&] { return tool::pca(pcaOptions); }},
       {tool::addSpectrum(program, spectrumOptions),
        [&] { return tool::spectrum(spectrumOptions); }},
-      {tool::addWavelet(program, waveletOptions), [&] { return tool::wavelet(waveletOptions); }}};
+      {tool::addWavelet(program, waveletOptions), [&] { return tool::wavelet(waveletOptions); }},
+      {tool::addCrosstab(program, crosstabOptions),
+       [&] { return tool::crosstab(crosstabOptions); }},
+      {tool::addConvert(program, convertOptions), [&] { return tool::convert(convertOptions); }}};
   const auto find = [&](auto&& condition) {
     return std::find_if(std::begin(commands), std::end(commands),
                         [&](const Command& command) { return condition(*command.app); });

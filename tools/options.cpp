@@ -16,20 +16,24 @@ The figures:
   mode                the smallest of the most frequent values
 
 Several columns make one table, one picture of all histograms and, in JSON, the
-array "variables"; a single one is shown in more detail.
+array "variables"; a single one is shown in more detail. With --by each variable
+is a table with a column for each category of another one, which holds texts or
+at most 150 different numbers, and a picture of box plots side by side.
 
 Examples:
   zel describe data/sunspots.asc
   zel describe data/sunspots.asc --plot sunspots.png
   zel describe data/faithful_waiting.asc --percentiles 1,2.5,97.5,99 --bins 20
   zel describe data/iris.csv --column Petal.Length,Petal.Width
+  zel describe data/iris.csv --by Species --plot iris_species.png
   zel describe - --json < data/sunspots.asc
 )";
 
 constexpr const char* kCorrelateHelp = R"(
 The figure for two variables is Pearson's correlation over the rows in which
 neither value is missing, n their number. It is undefined, and shown as a dash,
-for fewer than two such rows and for a variable that is constant in them.
+for fewer than two such rows and for a variable that is constant or infinite in
+them.
 
 Examples:
   zel correlate data/iris.csv
@@ -113,17 +117,44 @@ Examples:
   zel wavelet data/airquality.csv --column Temp --levels 5 --json
 )";
 
+constexpr const char* kCrosstabHelp = R"(
+The lines are the categories of A, the columns those of B: texts, or numbers of
+which there are at most 150 different ones. Rows in which A or B is missing are
+left out, and it is told how many there are.
+
+Examples:
+  zel crosstab data/mtcars.csv cyl gear
+  zel crosstab data/mtcars.csv cyl gear --percent row
+)";
+
+constexpr const char* kConvertHelp = R"(
+The ending of OUT tells its form: .csv, .asc or .txt (ASC), .xml. ASC and XML hold
+all that belongs to a table: names, attributes, scales of measurement, categories
+and states of cells. CSV holds the comment, the names, the attributes of rows and
+the categories; a sentence on standard error says what else there was. Numbers are
+written as the shortest text that gives the same number again. OUT appears as a
+whole or not at all.
+
+Examples:
+  zel convert data/iris.csv iris.xml
+  zel convert iris.xml iris.asc --precision 2
+  zel convert data/mtcars.csv mtcars.csv --out-decimal-comma
+)";
+
 constexpr const char* kExitHelp = R"(
 Exit status: 0 all done; 2 a wrong argument, a file that cannot be read or
 written, bad data: one line on standard error says what, where and why.)";
 
 /// A command with its file and its help.
+template <class Options>
 CLI::App* addCommand(CLI::App& program, const std::string& name, const std::string& what,
-                     std::string& file, const char* help) {
+                     Options& options, const char* help) {
   CLI::App* command = program.add_subcommand(name, what);
-  command->add_option("FILE", file, "CSV or ASC file; - is standard input")
+  command->add_option("FILE", options.file, "CSV, ASC or XML file; - is standard input")
       ->required()
       ->option_text(" ");
+  command->add_flag("--decimal-comma", options.decimalComma,
+                    "the numbers of a CSV file have a decimal comma");
   command->footer(std::string(kFileHelp) + help + kExitHelp);
   return command;
 }
@@ -160,8 +191,10 @@ void addJson(CLI::App& command, bool& json) {
 CLI::App* addDescribe(CLI::App& program, DescribeOptions& options) {
   CLI::App* command =
       addCommand(program, "describe", "Describe columns of numbers: table, histogram, picture",
-                 options.file, kDescribeHelp);
+                 options, kDescribeHelp);
   addColumns(*command, options.columns);
+  command->add_option("--by", options.by, "by the categories of this column, by name or number")
+      ->option_text("COL");
   command
       ->add_option("--percentiles", options.percentiles,
                    "percentiles to show, 0 to 100 [5,10,90,95]")
@@ -178,8 +211,8 @@ CLI::App* addDescribe(CLI::App& program, DescribeOptions& options) {
 
 CLI::App* addCorrelate(CLI::App& program, CorrelateOptions& options) {
   CLI::App* command =
-      addCommand(program, "correlate", "Correlate columns of numbers: table, heat map",
-                 options.file, kCorrelateHelp);
+      addCommand(program, "correlate", "Correlate columns of numbers: table, heat map", options,
+                 kCorrelateHelp);
   addColumns(*command, options.columns);
   addPicture(*command, options.picture, "a heat map");
   addJson(*command, options.json);
@@ -190,7 +223,7 @@ CLI::App* addCorrelate(CLI::App& program, CorrelateOptions& options) {
 CLI::App* addFit(CLI::App& program, FitOptions& options) {
   CLI::App* command =
       addCommand(program, "fit", "Fit a curve to two columns: coefficients, quality, picture",
-                 options.file, kFitHelp);
+                 options, kFitHelp);
   command->add_option("--x", options.x, "the column of the abscissas, by name or number")
       ->required()
       ->option_text("COL");
@@ -211,7 +244,7 @@ CLI::App* addFit(CLI::App& program, FitOptions& options) {
 CLI::App* addPca(CLI::App& program, PcaOptions& options) {
   CLI::App* command =
       addCommand(program, "pca", "Principal components of columns: variances, loadings, score plot",
-                 options.file, kPcaHelp);
+                 options, kPcaHelp);
   addColumns(*command, options.columns);
   command->add_option("--mode", options.mode, "correlation or covariance [correlation]")
       ->option_text("MODE");
@@ -226,8 +259,8 @@ CLI::App* addPca(CLI::App& program, PcaOptions& options) {
 
 CLI::App* addSpectrum(CLI::App& program, SpectrumOptions& options) {
   CLI::App* command =
-      addCommand(program, "spectrum", "Spectrum of a column: strongest lines, picture",
-                 options.file, kSpectrumHelp);
+      addCommand(program, "spectrum", "Spectrum of a column: strongest lines, picture", options,
+                 kSpectrumHelp);
   addSeries(*command, options.column);
   command->add_option("--sample-time", options.sampleTime, "time between two values [1]")
       ->option_text("T");
@@ -244,7 +277,7 @@ CLI::App* addSpectrum(CLI::App& program, SpectrumOptions& options) {
 CLI::App* addWavelet(CLI::App& program, WaveletOptions& options) {
   CLI::App* command = addCommand(
       program, "wavelet", "Wavelet transform of a column: energy by level, coefficients, picture",
-      options.file, kWaveletHelp);
+      options, kWaveletHelp);
   addSeries(*command, options.column);
   command->add_option("--order", options.order, "vanishing moments of the wavelet, 1 to 3 [2]")
       ->check(CLI::Range(1, 3))
@@ -257,6 +290,41 @@ CLI::App* addWavelet(CLI::App& program, WaveletOptions& options) {
   addPicture(*command, options.picture, "the series and the coefficients by level");
   addJson(*command, options.json);
   command->add_flag("--ascii", options.ascii, "print dashes as ASCII characters");
+  return command;
+}
+
+CLI::App* addCrosstab(CLI::App& program, CrosstabOptions& options) {
+  CLI::App* command =
+      addCommand(program, "crosstab", "Contingency table of two columns of categories", options,
+                 kCrosstabHelp);
+  command->add_option("A", options.a, "a column, by name or number: the lines")
+      ->required()
+      ->option_text(" ");
+  command->add_option("B", options.b, "another one: the columns")->required()->option_text(" ");
+  command->add_option("--percent", options.percent, "percentages of the row, column or total, too")
+      ->check(CLI::IsMember({"row", "column", "total"}))
+      ->option_text("OF");
+  addJson(*command, options.json);
+  return command;
+}
+
+CLI::App* addConvert(CLI::App& program, ConvertOptions& options) {
+  CLI::App* command = addCommand(program, "convert", "Turn CSV, ASC and XML files into one another",
+                                 options, kConvertHelp);
+  command->add_option("OUT", options.out, "the file to write")->required()->option_text(" ");
+  command
+      ->add_option("--precision", options.precision, "write so many decimals [shortest exact text]")
+      ->check(CLI::Range(0, 50))
+      ->option_text("N");
+  command
+      ->add_option("--out-delimiter", options.delimiter,
+                   "of a CSV file: comma, semicolon or tab [comma]")
+      ->check(CLI::IsMember({"comma", "semicolon", "tab"}))
+      ->option_text("WORD");
+  command->add_flag("--out-decimal-comma", options.outDecimalComma,
+                    "write numbers with a decimal comma, delimiter semicolon (CSV)");
+  command->add_option("--id", options.id, "write this identifier of the table (XML)")
+      ->option_text("ID");
   return command;
 }
 

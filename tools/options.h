@@ -2,7 +2,9 @@
 /// The commands on the command line: their options and their help.
 #pragma once
 
+#include "convert.h"
 #include "correlate.h"
+#include "crosstab.h"
 #include "describe.h"
 #include "fit.h"
 #include "pca.h"
@@ -23,5 +25,7 @@ CLI::App* addFit(CLI::App& program, FitOptions& options);
 CLI::App* addPca(CLI::App& program, PcaOptions& options);
 CLI::App* addSpectrum(CLI::App& program, SpectrumOptions& options);
 CLI::App* addWavelet(CLI::App& program, WaveletOptions& options);
+CLI::App* addCrosstab(CLI::App& program, CrosstabOptions& options);
+CLI::App* addConvert(CLI::App& program, ConvertOptions& options);
 
 }  // namespace tool

@@ -7,6 +7,7 @@
 #include "failure.h"
 #include "file_names.h"
 #include "gnuplot.h"
+#include "grouping.h"
 #include "json.h"
 #include "number_text.h"
 #include "scores_picture.h"
@@ -70,7 +71,7 @@ std::string jsonText(const Table& file, const Components& pca, const PcaOptions&
   };
   json.beginObject();
   json.add("file", options.file);
-  json.add("comment", file.comment);
+  json.add("comment", file.comment());
   json.add("mode", options.mode);
   json.add("rows", pca.rows);
   json.add("left_out", static_cast<int>(pca.leftOut.size()));
@@ -93,33 +94,21 @@ std::string jsonText(const Table& file, const Components& pca, const PcaOptions&
   return json.text();
 }
 
-/// The column that colours the rows: its number, and its cells.
-struct Coloring {
-  int column = 0;  // 0: none
-  std::vector<std::string> labels;
-};
-
-Coloring coloringOf(const Table& file, const std::string& color) {
-  if (color.empty()) return {};
-  if (file.labelColumn > 0) return {file.labelColumn, file.labels};
-  // A file without texts: the numbers of a column.
-  const std::size_t c = chooseColumn(file, color, "--color");
-  Coloring result{file.columns[c].number, {}};
-  for (const double v : file.values->Column(static_cast<int>(c) + 1)) {
-    result.labels.push_back(shortest(v));
+/// The categories of the rows that are left; empty for a row without one.
+std::vector<std::string> categoriesOf(const Grouping& grouping, const Components& pca, int rows) {
+  if (grouping.size() == 0) return {};
+  std::vector<std::string> all(static_cast<std::size_t>(rows));
+  for (std::size_t k = 0; k < grouping.size(); ++k) {
+    for (const int row : grouping.rows[k]) {
+      all[static_cast<std::size_t>(row - 1)] = grouping.labels[k];
+    }
   }
-  for (const int row : file.columns[c].missingRows) {
-    result.labels[static_cast<std::size_t>(row - 1)].clear();
-  }
-  return result;
-}
-
-/// The labels of the rows that are left.
-std::vector<std::string> categoriesOf(const Coloring& coloring, const Components& pca) {
   std::vector<std::string> kept;
   int row = 0;
-  for (const std::string& label : coloring.labels) {
-    if (!std::binary_search(pca.leftOut.begin(), pca.leftOut.end(), ++row)) kept.push_back(label);
+  for (std::string& label : all) {
+    if (!std::binary_search(pca.leftOut.begin(), pca.leftOut.end(), ++row)) {
+      kept.push_back(std::move(label));
+    }
   }
   return kept;
 }
@@ -134,9 +123,10 @@ Result pca(const PcaOptions& options) {
     requirePictureName(options.picture);
     requireDifferentFiles(options.file, options.picture);
   }
-  const Table file = readTable(options.file, options.color);
-  const Coloring coloring = coloringOf(file, options.color);
-  const ColumnChoice choice = chooseColumns(file, options.columns, coloring.column);
+  const Table file = readTable(options.file, options.decimalComma);
+  const Grouping colors =
+      options.color.empty() ? Grouping() : groupingOf(file, options.color, "--color");
+  const ColumnChoice choice = chooseColumns(file, options.columns, colors.column);
   if (choice.columns.size() < 2) {
     throw Failure(options.columns.empty()
                       ? file.source + " has one column of numbers, and components take two"
@@ -144,8 +134,8 @@ Result pca(const PcaOptions& options) {
   }
   const Components components = componentsOf(file, choice.columns, options.mode == "correlation");
   if (!options.picture.empty()) {
-    drawScores(options.picture, pictureTitle(file), components, categoriesOf(coloring, components),
-               options.mode == "correlation");
+    drawScores(options.picture, pictureTitle(file), components,
+               categoriesOf(colors, components, file.rows()), options.mode == "correlation");
   }
   if (options.json) return {jsonText(file, components, options), choice.note};
   std::string text = tableText(file, components, options);

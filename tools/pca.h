@@ -12,6 +12,7 @@ namespace tool {
 /// What the command line asks for.
 struct PcaOptions {
   std::string file;
+  bool decimalComma = false;
   std::vector<std::string> columns;  // empty: all
   std::string mode = "correlation";  // or "covariance"
   std::string color;                 // column that colours the scores; empty: none

@@ -12,11 +12,13 @@ namespace {
 
 std::size_t columnOf(const Table& file, const std::string& wanted) {
   if (!wanted.empty()) return chooseColumn(file, wanted, "--column");
-  if (file.columns.size() > 1) {
-    throw Failure(file.source + " has " + std::to_string(file.columns.size()) +
+  requireNumbers(file);
+  const std::vector<std::size_t> columns = file.numericColumns();
+  if (columns.size() > 1) {
+    throw Failure(file.source + " has " + std::to_string(columns.size()) +
                   " columns of numbers; --column chooses one");
   }
-  return 0;
+  return columns[0];
 }
 
 }  // namespace
@@ -27,10 +29,12 @@ Series seriesOf(const Table& table, const std::string& wanted) {
   const std::string what =
       table.source + (column.name.empty() ? "" : ", column " + inQuotes(column.name));
   if (!column.missingRows.empty()) {
-    throw Failure(what + ": row " + std::to_string(column.missingRows[0]) +
+    const int row = column.missingRows[0];
+    const std::string name = printable(table.rowName(row), 30);
+    throw Failure(what + ": row " + std::to_string(row) + (name.empty() ? "" : " (" + name + ')') +
                   " has no value, and a transform takes a series without gaps");
   }
-  return {what, column.title(), table.values->Column(static_cast<int>(c) + 1)};
+  return {what, column.title(), table.values(c)};
 }
 
 std::string curveBlock(const std::string& name, std::span<const double> values, double first,

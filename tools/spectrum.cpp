@@ -42,7 +42,7 @@ std::string tableText(const Table& file, const Series& series, const Spectrum& f
   std::string text = file.source + ": " + printable(series.title, 60) + ", " +
                      counted(found.samples, "value") + ", sample time " +
                      shortest(options.sampleTime) + '\n';
-  if (!file.comment.empty()) text += printable(file.comment) + '\n';
+  if (!file.comment().empty()) text += printable(file.comment()) + '\n';
   text += "\n  " + methodText(found, options) + "\n\n";
   if (found.peaks.empty()) return text + "  no lines: the series is constant\n";
   std::vector<std::string> labels, frequencies, periods, magnitudes, phases;
@@ -67,7 +67,7 @@ std::string jsonText(const Table& file, const Series& series, const Spectrum& fo
   JsonWriter json;
   json.beginObject();
   json.add("file", options.file);
-  json.add("comment", file.comment);
+  json.add("comment", file.comment());
   json.add("column", series.title);
   json.add("values", found.samples);
   json.add("sample_time", options.sampleTime);
@@ -113,7 +113,7 @@ Result spectrum(const SpectrumOptions& options) {
     requirePictureName(options.picture);
     requireDifferentFiles(options.file, options.picture);
   }
-  const Table file = readTable(options.file);
+  const Table file = readTable(options.file, options.decimalComma);
   const Series series = seriesOf(file, options.column);
   const Spectrum found =
       spectrumOf(series.values, series.what, options.sampleTime, window, options.lines);

@@ -11,6 +11,7 @@ namespace tool {
 /// What the command line asks for.
 struct SpectrumOptions {
   std::string file;
+  bool decimalComma = false;
   std::string column;  // may be empty if there is one column
   double sampleTime = 1;
   std::string window = "cos2";

@@ -77,7 +77,7 @@ Summary summarize(const zel::TVector& x, const Variable& variable,
                   std::span<const double> percents) {
   Summary s;
   s.n = static_cast<int>(variable.values.size());
-  s.missing = static_cast<int>(variable.missingRows.size());
+  s.missing = variable.missing;
   for (const double p : percents) s.percentiles.push_back({p, none("there are no values")});
   if (s.n == 0) {
     for (Figure* f : {&s.mean, &s.standardDeviation, &s.standardError, &s.skewness,

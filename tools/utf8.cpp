@@ -21,24 +21,6 @@ std::string escaped(std::uint32_t value, std::string_view prefix, int digits) {
 
 }  // namespace
 
-Character firstCharacter(std::string_view text) {
-  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-  const unsigned lead = byte(0);
-  if (lead < 0x80) return {lead, 1, true};
-  const std::size_t bytes = lead >= 0xf0 ? 4 : lead >= 0xe0 ? 3 : 2;
-  const Character malformed{lead, 1, false};
-  if (lead < 0xc2 || lead > 0xf4 || text.size() < bytes) return malformed;
-  char32_t code = lead & (0x7fU >> bytes);
-  for (std::size_t i = 1; i < bytes; ++i) {
-    if ((byte(i) & 0xc0U) != 0x80) return malformed;
-    code = code << 6 | (byte(i) & 0x3fU);
-  }
-  constexpr char32_t kSmallest[] = {0, 0, 0x80, 0x800, 0x10000};
-  const bool surrogate = code >= 0xd800 && code < 0xe000;
-  if (code < kSmallest[bytes] || code > 0x10ffff || surrogate) return malformed;
-  return {code, bytes, true};
-}
-
 std::size_t characterCount(std::string_view text) {
   std::size_t count = 0;
   for (; !text.empty(); ++count) text.remove_prefix(firstCharacter(text).bytes);
@@ -60,6 +42,15 @@ std::string printable(std::string_view text, std::size_t limit) {
     text.remove_prefix(c.bytes);
   }
   return result;
+}
+
+std::string inSentence(const std::vector<std::string>& words) {
+  std::string text;
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    if (i > 0) text += i + 1 == words.size() ? " and " : ", ";
+    text += words[i];
+  }
+  return text;
 }
 
 std::string inQuotes(std::string_view text) { return '"' + printable(text, 40) + '"'; }

@@ -5,18 +5,14 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
+
+#include "zel/base/utf8_impl.h"
 
 namespace tool {
 
-/// One character at the start of a text.
-struct Character {
-  char32_t code = 0;
-  std::size_t bytes = 1;
-  bool valid = false;  // false: one byte that is not part of well-formed UTF-8
-};
-
-/// Decodes the first character of a text that is not empty.
-Character firstCharacter(std::string_view text);
+using zel::detail::Character;
+using zel::detail::firstCharacter;
 
 /// Number of characters, each byte of malformed text counting as one.
 std::size_t characterCount(std::string_view text);
@@ -25,6 +21,9 @@ std::size_t characterCount(std::string_view text);
 /// as \x1b, \u202e and so on, so that a file can't steer the terminal that it is shown on.
 /// @param limit  more characters than this are cut, and "..." says so
 std::string printable(std::string_view text, std::size_t limit = 200);
+
+/// "a", "b" and "c".
+std::string inSentence(const std::vector<std::string>& words);
 
 /// The printable text in quotation marks, for a message.
 std::string inQuotes(std::string_view text);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <iterator>
+#include <numeric>
 #include <system_error>
 #include <utility>
 
@@ -13,22 +14,12 @@
 namespace tool {
 namespace {
 
-/// "a", "b" and "c".
-std::string inSentence(const std::vector<std::string>& words) {
-  std::string text;
-  for (std::size_t i = 0; i < words.size(); ++i) {
-    if (i > 0) text += i + 1 == words.size() ? " and " : ", ";
-    text += words[i];
-  }
-  return text;
-}
-
 /// @param taken  number of a column that is used for something else; 0: none
 std::string noteOfText(const Table& table, int taken) {
   std::vector<std::string> names;
-  for (const OtherColumn& other : table.others) {
-    if (other.number == taken) continue;
-    names.push_back(other.name.empty() ? std::to_string(other.number) : inQuotes(other.name));
+  for (const Column& column : table.columns) {
+    if (column.kind != Column::texts || column.number == taken) continue;
+    names.push_back(column.name.empty() ? std::to_string(column.number) : inQuotes(column.name));
   }
   if (names.empty()) return {};
   const bool one = names.size() == 1;
@@ -42,15 +33,18 @@ std::string noteOfText(const Table& table, int taken) {
          (one ? " is left out: it holds" : " are left out: they hold") + " text";
 }
 
-std::string columnsOf(const Table& table) {
-  constexpr std::size_t kMost = 12;
+/// The first of the columns, with their numbers.
+std::string columnsOf(const Table& table, bool isNumericOnly) {
+  constexpr int kMost = 12;
   std::string names;
-  for (std::size_t c = 0; c < std::min(table.columns.size(), kMost); ++c) {
-    const Column& column = table.columns[c];
-    names += (c > 0 ? ", " : "") + std::to_string(column.number);
+  int n = 0;
+  for (const Column& column : table.columns) {
+    if (column.kind == Column::nothing || (isNumericOnly && !column.isNumeric())) continue;
+    if (++n > kMost) return names + ", ...";
+    names += (n > 1 ? ", " : "") + std::to_string(column.number);
     if (!column.name.empty()) names += ' ' + inQuotes(column.name);
   }
-  return names + (table.columns.size() > kMost ? ", ..." : "");
+  return names;
 }
 
 int numberIn(const std::string& word) {
@@ -66,61 +60,46 @@ class Finder {
   /// @param option  the one that names the columns, for messages
   Finder(const Table& table, std::string option) : table_(table), option_(std::move(option)) {}
 
-  /// Adds the column that a word means.
-  /// @return false if there is none
-  bool add(const std::string& word, std::vector<std::size_t>& chosen) const {
-    const auto isNamed = [&](const auto& column) { return !word.empty() && column.name == word; };
+  /// The column that a word means.
+  /// @return position in table.columns, or their number
+  [[nodiscard]] std::size_t find(const std::string& word) const {
+    const auto& columns = table_.columns;
+    // The table has cut a long name.
+    const zel::TDTNameStr name(word);
+    const auto isNamed = [&](const Column& column) { return !word.empty() && column.name == name; };
     const auto number = numberIn(word);
-    const auto isNumbered = [&](const auto& column) { return column.number == number; };
-    const auto named = std::count_if(table_.columns.begin(), table_.columns.end(), isNamed) +
-                       std::count_if(table_.others.begin(), table_.others.end(), isNamed);
+    const auto isNumbered = [&](const Column& column) { return column.number == number; };
+    const auto named = std::count_if(columns.begin(), columns.end(), isNamed);
     if (named > 1) {
       throw Failure(option_ + ": " + table_.source + " has " + std::to_string(named) +
                     " columns with the name " + inQuotes(word) + "; choose by number");
     }
-    return named == 1 ? addFirst(isNamed, chosen) : addFirst(isNumbered, chosen);
+    const auto at = named == 1 ? std::find_if(columns.begin(), columns.end(), isNamed)
+                               : std::find_if(columns.begin(), columns.end(), isNumbered);
+    return static_cast<std::size_t>(at - columns.begin());
   }
 
-  [[noreturn]] void fail(const std::string& word) const {
-    throw Failure(option_ + ": " + table_.source + " has no column " + inQuotes(word) +
-                  ", but these: " + columnsOf(table_));
-  }
-
- private:
-  template <class Condition>
-  bool addFirst(Condition condition, std::vector<std::size_t>& chosen) const {
-    const auto& others = table_.others;
-    if (const auto at = std::find_if(others.begin(), others.end(), condition); at != others.end()) {
-      throw Failure(whyNotNumbers(table_, *at));
-    }
-    const auto& columns = table_.columns;
-    const auto at = std::find_if(columns.begin(), columns.end(), condition);
-    if (at == columns.end()) return false;
-    const auto c = static_cast<std::size_t>(at - columns.begin());
+  /// Adds the column of numbers that a word means.
+  /// @return false if there is no such column
+  bool add(const std::string& word, std::vector<std::size_t>& chosen) const {
+    const std::size_t c = find(word);
+    if (c == table_.columns.size() || table_.columns[c].kind == Column::nothing) return false;
+    if (!table_.columns[c].isNumeric()) throw Failure(whyNotNumbers(table_, table_.columns[c]));
     if (std::find(chosen.begin(), chosen.end(), c) == chosen.end()) chosen.push_back(c);
     return true;
   }
 
+  [[noreturn]] void fail(const std::string& word, bool isNumericOnly) const {
+    throw Failure(option_ + ": " + table_.source + " has no column " + inQuotes(word) +
+                  ", but these: " + columnsOf(table_, isNumericOnly));
+  }
+
+ private:
   const Table& table_;
   std::string option_;
 };
 
 }  // namespace
-
-int Variable::rowOf(int position) const {
-  // The j-th missing row (from 0) has missingRows[j] - 1 - j values before it.
-  std::size_t low = 0;
-  std::size_t high = missingRows.size();
-  while (low < high) {
-    const std::size_t middle = (low + high) / 2;
-    if (missingRows[middle] - 1 - static_cast<int>(middle) < position) {
-      low = middle + 1;
-    } else {
-      high = middle;
-    }
-  }
-  return position + static_cast<int>(low);
-}
 
 std::vector<double> withoutRows(std::span<const double> values, const std::vector<int>& rows) {
   std::vector<double> kept;
@@ -151,30 +130,52 @@ std::vector<int> rowsWithout(const Table& table, const std::vector<std::size_t>&
 }
 
 Variable variableOf(const Table& table, std::size_t c) {
+  std::vector<int> rows(static_cast<std::size_t>(table.rows()));
+  std::iota(rows.begin(), rows.end(), 1);
+  return variableOf(table, c, rows);
+}
+
+Variable variableOf(const Table& table, std::size_t c, std::span<const int> rows) {
   const Column& column = table.columns[c];
-  return {column.name,
-          column.title(),
-          column.number,
-          withoutRows(table.values->Column(static_cast<int>(c) + 1), column.missingRows),
-          column.missingRows,
-          table.rowNames};
+  Variable variable{&table, column.name, column.title(), column.number, {}, {}, 0};
+  const auto values = table.values(c);
+  auto missing = column.missingRows.begin();
+  for (const int row : rows) {
+    while (missing != column.missingRows.end() && *missing < row) ++missing;
+    if (missing != column.missingRows.end() && *missing == row) {
+      ++variable.missing;
+    } else {
+      variable.values.push_back(values[static_cast<std::size_t>(row - 1)]);
+      variable.rows.push_back(row);
+    }
+  }
+  return variable;
+}
+
+std::size_t findColumn(const Table& table, const std::string& wanted, const std::string& option) {
+  const Finder finder(table, option);
+  const std::size_t c = finder.find(wanted);
+  if (c == table.columns.size()) finder.fail(wanted, false);
+  return c;
 }
 
 std::size_t chooseColumn(const Table& table, const std::string& wanted, const std::string& option) {
+  requireNumbers(table);
   const Finder finder(table, option);
   std::vector<std::size_t> columns;
-  if (!finder.add(wanted, columns)) finder.fail(wanted);
+  if (!finder.add(wanted, columns)) finder.fail(wanted, true);
   return columns[0];
 }
 
 ColumnChoice chooseColumns(const Table& table, const std::vector<std::string>& wanted, int taken) {
+  requireNumbers(table);
   ColumnChoice choice;
   if (wanted.empty()) {
-    for (const OtherColumn& other : table.others) {
-      if (!other.isText && other.number != taken) throw Failure(whyNotNumbers(table, other));
-    }
     for (std::size_t c = 0; c < table.columns.size(); ++c) {
-      if (table.columns[c].number != taken) choice.columns.push_back(c);
+      const Column& column = table.columns[c];
+      if (column.number == taken) continue;
+      if (column.kind == Column::mixed) throw Failure(whyNotNumbers(table, column));
+      if (column.isNumeric()) choice.columns.push_back(c);
     }
     choice.note = noteOfText(table, taken);
     return choice;
@@ -185,7 +186,7 @@ ColumnChoice chooseColumns(const Table& table, const std::vector<std::string>& w
     for (std::size_t begin = 0; begin <= list.size();) {
       const std::size_t end = std::min(list.find(',', begin), list.size());
       const std::string word = list.substr(begin, end - begin);
-      if (!finder.add(word, choice.columns)) finder.fail(word);
+      if (!finder.add(word, choice.columns)) finder.fail(word, true);
       begin = end + 1;
     }
   }

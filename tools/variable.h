@@ -10,18 +10,21 @@
 
 namespace tool {
 
-/// A column as a sample. Rows are numbered from 1.
+/// A column, or a part of its rows, as a sample. Rows are numbered from 1.
 struct Variable {
-  std::string name;                       // may be empty
-  std::string title;                      // what to call it if it is one of several
-  int number = 0;                         // of the column in the file
-  std::vector<double> values;             // those present, in the order of the rows
-  std::vector<int> missingRows;           // ascending
-  std::span<const std::string> rowNames;  // the table's
+  const Table* table = nullptr;
+  std::string name;            // may be empty
+  std::string title;           // what to call it if it is one of several
+  int number = 0;              // of the column in the file
+  std::vector<double> values;  // those present, in the order of the rows
+  std::vector<int> rows;       // of the values
+  int missing = 0;
 
   /// Row of a value.
   /// @param position  1-based among the values present
-  [[nodiscard]] int rowOf(int position) const;
+  [[nodiscard]] int rowOf(int position) const {
+    return rows[static_cast<std::size_t>(position - 1)];
+  }
 };
 
 /// The values of a column without those in the given rows.
@@ -33,6 +36,8 @@ std::vector<int> rowsWithout(const Table& table, const std::vector<std::size_t>&
 
 /// @param c  position in table.columns, from 0
 Variable variableOf(const Table& table, std::size_t c);
+/// @param rows  those that count
+Variable variableOf(const Table& table, std::size_t c, std::span<const int> rows);
 
 /// Columns that a command shall work on.
 struct ColumnChoice {
@@ -53,5 +58,9 @@ ColumnChoice chooseColumns(const Table& table, const std::vector<std::string>& w
 /// @param option  the option that names it
 /// @throws Failure  as chooseColumns
 std::size_t chooseColumn(const Table& table, const std::string& wanted, const std::string& option);
+
+/// The position of a column of any kind.
+/// @throws Failure  there is no such column
+std::size_t findColumn(const Table& table, const std::string& wanted, const std::string& option);
 
 }  // namespace tool

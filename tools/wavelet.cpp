@@ -51,7 +51,7 @@ std::string tableText(const Table& file, const std::string& title, const Wavelet
                       const WaveletOptions& options) {
   std::string text =
       file.source + ": " + printable(title, 60) + ", " + counted(transform.samples, "value") + '\n';
-  if (!file.comment.empty()) text += printable(file.comment) + '\n';
+  if (!file.comment().empty()) text += printable(file.comment()) + '\n';
   text += "\n  " + methodText(transform, options) + "\n\n";
   std::vector<std::string> labels, scales, periods, counts, energies, shares;
   // The same decimals for all, so that what is rounding shows as zero.
@@ -85,7 +85,7 @@ std::string jsonText(const Table& file, const std::string& title, const WaveletL
   JsonWriter json;
   json.beginObject();
   json.add("file", options.file);
-  json.add("comment", file.comment);
+  json.add("comment", file.comment());
   json.add("column", title);
   json.add("values", transform.samples);
   json.add("mean_removed", transform.mean);
@@ -125,7 +125,7 @@ Result wavelet(const WaveletOptions& options) {
     requirePictureName(options.picture);
     requireDifferentFiles(options.file, options.picture);
   }
-  const Table file = readTable(options.file);
+  const Table file = readTable(options.file, options.decimalComma);
   const Series series = seriesOf(file, options.column);
   const WaveletLevels transform =
       waveletLevels(series.values, series.what, options.order, options.levels, mode);

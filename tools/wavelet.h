@@ -11,6 +11,7 @@ namespace tool {
 /// What the command line asks for.
 struct WaveletOptions {
   std::string file;
+  bool decimalComma = false;
   std::string column;  // may be empty if there is one column
   int order = 2;
   int levels = 0;  // 0: all

@@ -136,7 +136,8 @@ TEST(XmlText, EscapesAndBack) {
   EXPECT_EQ(XmlUnescape(XmlEscape(all)), all);
   EXPECT_EQ(XmlEscape("a<b>&\"c'\r\n"), "a&lt;b&gt;&amp;&quot;c&apos;&#13;\n");
   EXPECT_EQ(XmlUnescape("&#65;&#x20AC;&#x10FFFF;&#xe4;"), "A\xE2\x82\xAC\xF4\x8F\xBF\xBF\xC3\xA4");
-  EXPECT_EQ(XmlUnescape("a<![CDATA[&lt;]]&gt;]]>&lt;"), "a&lt;]]&gt;<");
+  EXPECT_EQ(XmlUnescape("a<![CDATA[&lt;<!--]]&gt;]]>&lt;"), "a&lt;<!--]]&gt;<");
+  EXPECT_EQ(XmlUnescape("<!--&lt;-->a<!----><!---->b<!--c"), "ab<!--c");
   for (const char* kept : {"&", "&;", "&none;", "&#;", "&#x;", "&#x110000;", "&#xD800;", "&#-1;",
                            "&lt", "a & b; c", "<![CDATA[x"}) {
     EXPECT_EQ(XmlUnescape(kept), kept);

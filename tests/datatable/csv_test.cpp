@@ -66,11 +66,16 @@ TEST(TableCsv, ReadsWhatOthersWrite) {
   EXPECT_EQ(T(1, 2), 2) << "numbers in quotation marks";
   EXPECT_EQ(T(2, 2), -std::numeric_limits<double>::infinity());
   EXPECT_EQ(T.GetColName(1), "C-1");
-  EXPECT_EQ(import(T, "s\nIris-versicolor\nIris-versiform\n\"NA\"\n1e999\n"), "");
+  EXPECT_EQ(import(T,
+                   "s\nIris-versicolor\nIris-versiform\n\"NA\"\n1e999\n"
+                   "\xE6\xB5\xB7\xE6\xB5\xB7\xE6\xB5\xB7\xE6\xB5\xB7\n\"\"\n"),
+            "");
   EXPECT_EQ(T.GetNominalID(1, 1), "Iris-versi");
   EXPECT_EQ(T.GetNominalID(1, 2), "Iris-ver~2");
   EXPECT_EQ(T.GetNominalID(1, 3), "NA");
   EXPECT_EQ(T.GetNominalID(1, 4), "1e999");
+  EXPECT_EQ(T.GetNominalID(1, 5), "\xE6\xB5\xB7\xE6\xB5\xB7\xE6\xB5\xB7");
+  EXPECT_TRUE(T.GetIsEmpty(1, 6)) << "nothing in quotation marks";
 
   TDataTable Iris;
   std::string message;
@@ -98,13 +103,11 @@ TEST(TableCsv, WhatCannotBeReadLeavesTheTable) {
   for (int k = 0; k < 151; ++k) many.append("w").append(std::to_string(k)).append("\n");
   const std::pair<std::string, const char*> cases[] = {
       {"", "-2 there is nothing but blanks"},
-      {"a,b\n\n", "-2 there are no rows"},
-      {"a,b\n1,2\n\n3\n", "-3 line 4: it has 1 cells, not 2 as the first line"},
-      {"a\n1,2\n", "-3 line 2: it has 2 cells, not 1 as the first line"},
-      {"a,b\n1,\"x\ny\n",
-       "-4 line 2: a quotation mark is not closed, or there is more after a closing one"},
-      {"a,b\n1,\"x\" y\n",
-       "-4 line 2: a quotation mark is not closed, or there is more after a closing one"},
+      {"a,b\n\n", "-2 line 1: there are no rows after the header line"},
+      {"a,b\n1,2\n\n3\n", "-3 line 4: the row has 1 cell, and the header line has 2"},
+      {"a\n1,2\n", "-3 line 2: the row has 2 cells, and the header line has 1"},
+      {"a,b\n1,\"x\ny\n", "-4 line 2: a quotation mark is never closed"},
+      {"a,b\n1,\"x\" y\n", "-4 line 2: there is more after a closing quotation mark"},
       {many, "-5 the column c has more than 150 different texts"},
       {"(attribute),a\n1.5,2\n", "-6 line 2: the row attribute is not an integer"},
       {"(attribute)\n1\n", "-2 there are no columns of data"}};
@@ -132,10 +135,14 @@ TEST(TableCsv, ReportsWhatItSkips) {
   ASSERT_EQ(T.ImportFromCSV(stream, import), 0) << import.Message;
   EXPECT_EQ(import.RowLines.front(), 3);
   EXPECT_EQ(import.RowLines.back(), 202);
-  ASSERT_EQ(import.Skipped.size(), 2U);
-  EXPECT_EQ(import.Skipped[0].Why, "the column id has more than 150 different texts");
-  EXPECT_EQ(import.Skipped[1].Column, 2);
-  EXPECT_EQ(import.Skipped[1].Why, "line 10: \"1o5\" in the column mixed is not a number");
+  ASSERT_EQ(import.Texts.size(), 3U);
+  EXPECT_TRUE(import.Texts[0].IsSkipped && import.Texts[0].Numbers == 0);
+  EXPECT_TRUE(import.Texts[1].IsSkipped && import.Texts[1].Numbers > import.Texts[1].Words);
+  EXPECT_EQ(import.Texts[1].Column, 2);
+  EXPECT_EQ(import.Texts[1].Line, 10);
+  EXPECT_EQ(import.Texts[1].Word, "1o5");
+  EXPECT_TRUE(!import.Texts[2].IsSkipped && !import.Texts[2].IsCut);
+  EXPECT_EQ(import.Texts[2].Words, 100);
   EXPECT_EQ(T.CountMarkedCellsInColumn(2, 2), 200);
   EXPECT_EQ(T.GetMScaleType(2), stUnknown);
   EXPECT_EQ(T.GetElemNominal(3, 8), "7") << "numbers in front of texts are texts";
@@ -145,6 +152,7 @@ TEST(TableCsv, ReportsWhatItSkips) {
   import.SkipLongTexts = false;
   std::istringstream again(text);
   EXPECT_EQ(T.ImportFromCSV(again, import), -5);
+  EXPECT_EQ(import.Message, "the column id has more than 150 different texts");
   EXPECT_EQ(T.NrOfRows(), 200);
 }
 

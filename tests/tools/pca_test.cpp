@@ -77,7 +77,7 @@ TEST(Pca, Refusals) {
       {"--column a", "--column names one column, and components take two"},
       {"--mode scaled", "--mode: \"scaled\" is neither correlation nor covariance"},
       {"--column a,b --color t",
-       "--color: x.csv has no column \"t\", but these: 1 \"a\", 2 \"b\", 3 \"c\""}};
+       "--color: x.csv has no column \"t\", but these: 1 \"a\", 2 \"b\", 3 \"c\", 4 \"s\""}};
   for (const auto& [arguments, sentence] : cases) {
     expectFailure(runZel(folder, std::string("pca x.csv ") + arguments), sentence);
   }

@@ -103,6 +103,26 @@ TEST(Picture, OfSeveralVariables) {
   }
 }
 
+// Categories with long names, without values, with values that cannot be drawn.
+TEST(Picture, ByCategory) {
+  const TempDir folder;
+  writeBytes(folder.file("x.csv"),
+             "k,x,big,none,one\n\"it's `touch a`, a long name\",1,1e308,,INF\nb,2,-1e308,,2\n"
+             "b,3,1,,2\nc,4,,,\n,5,,,5\n");
+  const ZelRun run = runZel(folder, "describe x.csv --by k --plot x.svg");
+  EXPECT_EQ(0, run.status) << run.errors;
+  EXPECT_EQ(2, folder.count());
+  for (const char* text : {"x.csv", "By k. Boxes", "n = 2", "none: nothing to draw", "it's `tou"}) {
+    expectSvg(readBytes(folder.file("x.svg")), text);
+  }
+  std::string many = "k,x\n";
+  for (int i = 0; i < 82; ++i) many += std::to_string(i / 2) + ",1\n";
+  writeBytes(folder.file("x.csv"), many);
+  zel_test::expectFailure(
+      runZel(folder, "describe x.csv --by k --plot x.png"),
+      "the picture x.png was not written: it has room for 40 categories, not 41");
+}
+
 // Texts of the file are shown, never run.
 TEST(Picture, TextsAreNoCommands) {
   const TempDir folder;

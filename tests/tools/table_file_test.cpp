@@ -44,8 +44,14 @@ Names namesOf(const tool::Table& table) {
 }
 
 Values valuesOf(const tool::Table& table, int column) {
-  const auto values = table.values->Column(column);
+  const auto values = table.values(static_cast<std::size_t>(column - 1));
   return {values.begin(), values.end()};
+}
+
+Names rowNamesOf(const tool::Table& table) {
+  Names names;
+  for (int r = 1; table.hasRowNames && r <= table.rows(); ++r) names.push_back(table.rowName(r));
+  return names;
 }
 
 TEST(TableFile, Asc) {
@@ -53,42 +59,51 @@ TEST(TableFile, Asc) {
       read("x.asc",
            "\xef\xbb\xbfTwo\r\n2\t;nr. of columns\r\n3\t;nr. of rows\r\nTRUE TRUE TRUE FALSE\r\n"
            "\"depth (m)\"\r\nbare\r\n1 r1 1.5\tNAN\r\n\r\n2 \"r 2\" -2 ###\r\n3 r3 +1e3 4");
-  EXPECT_EQ("Two", table.comment);
-  EXPECT_EQ(3, table.rows);
+  EXPECT_EQ("Two", table.comment());
+  EXPECT_EQ(3, table.rows());
   EXPECT_EQ((Names{"depth (m)", "bare"}), namesOf(table));
-  EXPECT_EQ((Names{"r1", "r 2", "r3"}), table.rowNames);
+  EXPECT_EQ((Names{"r1", "r 2", "r3"}), rowNamesOf(table));
   EXPECT_EQ((Values{1.5, -2, 1000}), valuesOf(table, 1));
   EXPECT_EQ((Values{0, 0, 4}), valuesOf(table, 2));
   EXPECT_EQ(Rows{}, table.columns[0].missingRows);
   EXPECT_EQ((Rows{1, 2}), table.columns[1].missingRows);
   EXPECT_EQ(Values{4}, variableOf(table, 1).values);
-  // The names alone tell the columns of a file without rows.
-  EXPECT_EQ(2U, read("x.asc", "c\n2\n0\nFALSE TRUE FALSE\na b\n").columns.size());
 }
 
+// What the commands take from a CSV file beside the table that the library reads.
 TEST(TableFile, Csv) {
   const tool::Table table =
       read("x.csv",
-           "\xef\xbb\xbfname; x ,1 ;\"y \"\"of\"\"\nz\";kind;;empty\r\n"
+           "\xef\xbb\xbf# A comment\nname; x ,1 ;\"y \"\"of\"\"\nz\";kind;;empty\r\n"
            "a;1;\"2.5\";s;;\r\n\r\n\"b\n;\";NA; ### ;t;;NaN\r\nc;-3e2;4;\"\";;nan");
-  EXPECT_EQ("", table.comment);
-  EXPECT_EQ(3, table.rows);
-  EXPECT_EQ((Names{"x ,1", "y \"of\"\nz", "empty"}), namesOf(table));
-  EXPECT_EQ((Names{"a", "b\n;", "c"}), table.rowNames);
+  EXPECT_EQ("A comment", table.comment());
+  EXPECT_EQ((Names{"x ,1", "y \"of\"\nz", "kind", "", "empty"}), namesOf(table));
+  EXPECT_EQ((Names{"a", "b\n;", "c"}), rowNamesOf(table));
+  EXPECT_EQ("name", table.rowNameTitle);
   EXPECT_EQ((Values{1, 0, -300}), valuesOf(table, 1));
-  EXPECT_EQ((Values{2.5, 0, 4}), valuesOf(table, 2));
   EXPECT_EQ(Rows{2}, table.columns[0].missingRows);
-  EXPECT_EQ((Rows{1, 2, 3}), table.columns[2].missingRows);
-  EXPECT_EQ(6, table.columns[2].number);
-  ASSERT_EQ(1U, table.others.size());
-  EXPECT_EQ("kind", table.others[0].name);
-  EXPECT_TRUE(table.others[0].isText);
+  EXPECT_EQ((Rows{1, 2, 3}), table.columns[4].missingRows);
+  EXPECT_EQ(6, table.columns[4].number);
+  EXPECT_EQ(tool::Column::texts, table.columns[2].kind);
+  EXPECT_EQ(tool::Column::nothing, table.columns[3].kind) << "neither a name nor a value";
+  EXPECT_TRUE(table.isMissing(2, 3)) << "empty, in quotation marks or not";
+}
 
-  EXPECT_EQ((Names{"a", "b"}), namesOf(read("x", "a\tb\n\t1\n2\t3\n")));
-  // Row names are texts that all differ, or whatever differs in a column without a name.
-  EXPECT_EQ((Names{"1", "2"}), read("x.csv", "\"\",a\n\"1\",5\n\"2\",6\n").rowNames);
-  EXPECT_EQ(1U, read("x.csv", "k,a\ns,5\ns,6\n").others.size());
-  EXPECT_EQ(2U, read("x.csv", "k,a\n1,5\n2,6\n").columns.size());
+// Row names are texts that all differ, or whatever differs in a column without a name; the line of
+// names may lack it.
+TEST(TableFile, RowNames) {
+  EXPECT_EQ((Names{"1", "2"}), rowNamesOf(read("x.csv", "\"\",a\n\"1\",5\n\"2\",6\n")));
+  EXPECT_EQ((Names{"p", "q"}), rowNamesOf(read("x.csv", "a b\tb\np\t5\t1\nq\t6\t2\n")));
+  EXPECT_EQ((Names{"p"}), rowNamesOf(read("x.csv", "(attribute),a\np,7,5\n")));
+  EXPECT_EQ(3, read("x.csv", "(attribute),a\np,7,5\n").columns[0].number);
+  for (const char* none : {"k,a\ns,5\ns,6\n", "k,a\n1,5\n2,6\n", "k\ns\nt\n", ",a\n1,5\n1,6\n"}) {
+    EXPECT_EQ(Names{}, rowNamesOf(read("x.csv", none))) << none;
+  }
+  std::string many = "key;x\n";  // more than categories, and the same when cut to their length
+  for (int i = 0; i < 300; ++i) {
+    many.append("a long name, number ").append(std::to_string(i)).append(";1\n");
+  }
+  EXPECT_EQ("a long name, number 299", rowNamesOf(read("x.csv", many)).back());
 }
 
 // The content decides; the name does where it decides nothing.
@@ -124,7 +139,7 @@ TEST(TableFile, BadAscIsLocated) {
       {head + twelve, ", line 16: the file ends here, after 12 of the 20 rows announced in line 3"},
       {head + twelve + twelve, ", line 25: there are more than the 20 rows announced in line 3"},
       {"c\n0\n1\nFALSE FALSE FALSE\n", ", line 2: there are no columns"},
-      {"c\n2\n0\nFALSE FALSE FALSE\n", ", line 3: there are neither rows nor names of columns"},
+      {"c\n2\n0\nFALSE FALSE FALSE\n", ", line 3: there are no rows"},
       {"c\n2\n2\nFALSE FALSE FALSE\n1 2\n3\n", ", line 6: the row has 1 of 2 values"},
       {"c\n2\n1\nFALSE FALSE FALSE\n1 2 3\n",
        ", line 5: there are more than 2 values: \"3\" is left over"},
@@ -140,7 +155,7 @@ TEST(TableFile, BadAscIsLocated) {
        ", line 5: there are more names than 1 column"},
       {"c\n3\n1\nFALSE TRUE FALSE\n\"a\" \"b\"\n\"c\n",
        ", line 6: the name of column 3 has no closing quotation mark"},
-      {"c\n3\n0\nFALSE TRUE FALSE\n\"a\" \"b\"\n",
+      {"c\n3\n1\nFALSE TRUE FALSE\n\"a\" \"b\"\n",
        ", line 6: the name of column 3 should be here, but the file ends before it"},
       {"c\n1\n1\nTRUE FALSE FALSE\nA 1\n",
        ", line 5: the row attribute \"A\" is not a number" + missing},

@@ -6,9 +6,14 @@
 #include <utility>
 
 #include "zel/base/stringhelpers.h"
+#include "zel/base/utf8_impl.h"
+#include "zel/base/xmlreader_impl.h"
 
 namespace zel {
 namespace {
+
+using detail::XmlTag;
+using detail::XmlTagKind;
 
 constexpr int kEnd = -1;
 
@@ -67,8 +72,6 @@ struct Nowhere {
   void push_back(char) {}
 };
 
-enum class TagEnd { kOpen, kEmptyElement, kBroken };
-
 /// Every character is taken from the source once and never looked back at.
 template <class Source>
 class TagReader {
@@ -76,27 +79,74 @@ class TagReader {
   explicit TagReader(Source source) : source_(source) {}
 
   int read(std::span<const std::string_view> tags, std::string& attr, std::string& content) {
-    attr.clear();
     content.clear();
-    if (!findTag()) return -1;
-    std::string name;
-    if (source_.peek() == '/') take(name);
-    takeName(name);
+    XmlTag tag;
+    const bool found = nextTag(tag);
+    attr.swap(tag.attr);
+    if (!found) return -1;
     const int invalid = static_cast<int>(tags.size());
-    const auto indexOf = [&](std::string_view tag) {
-      const int index = StringIx(tag, tags);
-      return index < 0 ? invalid : index;
-    };
-    const int index = indexOf(name);
-    const TagEnd end = takeAttributes(attr);
-    trim(attr);
-    if (end == TagEnd::kBroken) return invalid;
-    const bool whole = end == TagEnd::kOpen && name[0] != '/' && indexOf('/' + name) == invalid;
-    if (whole && !takeContent(name, content)) {
+    if (tag.kind == XmlTagKind::kBroken) return invalid;
+    const bool whole = tag.kind == XmlTagKind::kOpening && StringIx('/' + tag.name, tags) < 0;
+    if (whole && !takeContent(tag.name, content)) {
       content.clear();
       return invalid;
     }
-    return index;
+    const int index = StringIx(tag.name, tags);
+    return index < 0 ? invalid : index;
+  }
+
+  /// False, with an empty tag, at the end.
+  bool nextTag(XmlTag& tag) {
+    tag.name.clear();
+    tag.attr.clear();
+    if (!findTag()) return false;
+    if (source_.peek() == '/') take(tag.name);
+    takeName(tag.name);
+    tag.kind = takeAttributes(tag.attr);
+    if (tag.kind == XmlTagKind::kOpening && tag.name[0] == '/') tag.kind = XmlTagKind::kClosing;
+    trim(tag.attr);
+    return true;
+  }
+
+  /// Takes everything up to the closing tag of the element, which goes nowhere; false at the end.
+  bool takeContent(std::string_view name, std::string& content) {
+    std::string inner;
+    std::size_t depth = 1;
+    for (;;) {
+      if (source_.peek() == kEnd) return false;
+      const std::size_t mark = content.size();
+      take(content);
+      if (content.back() != '<') continue;
+      const int c = source_.peek();
+      if (c == '!') {
+        take(content);
+        takeSection(content);
+        continue;
+      }
+      if (c != '/' && !startsName(c)) continue;
+      if (c == '/') take(content);
+      inner.clear();
+      takeName(inner);
+      content += inner;
+      if (!EqualIgnoringCase(inner, name)) continue;
+      if (c != '/') {
+        const XmlTagKind end = takeAttributes(content);
+        if (end == XmlTagKind::kOpening) {
+          content.push_back('>');
+          ++depth;
+        } else if (end == XmlTagKind::kEmptyElement) {
+          content += "/>";
+        }
+        continue;
+      }
+      while (isSpace(source_.peek())) take(content);
+      if (source_.peek() != '>') continue;
+      take(content);
+      if (--depth == 0) {
+        content.resize(mark);
+        return true;
+      }
+    }
   }
 
  private:
@@ -170,17 +220,17 @@ class TagReader {
   }
 
   /// Takes the rest of a tag; the ">" and the "/" before it go nowhere.
-  TagEnd takeAttributes(std::string& target) {
+  XmlTagKind takeAttributes(std::string& target) {
     int quote = 0;
     const std::size_t start = target.size();
     for (;;) {
       const int c = source_.peek();
-      if (c == kEnd || (c == '<' && quote == 0)) return TagEnd::kBroken;
+      if (c == kEnd || (c == '<' && quote == 0)) return XmlTagKind::kBroken;
       if (c == '>' && quote == 0) {
         source_.next();
-        if (target.size() == start || target.back() != '/') return TagEnd::kOpen;
+        if (target.size() == start || target.back() != '/') return XmlTagKind::kOpening;
         target.pop_back();
-        return TagEnd::kEmptyElement;
+        return XmlTagKind::kEmptyElement;
       }
       take(target);
       if (quote != 0) {
@@ -191,51 +241,9 @@ class TagReader {
     }
   }
 
-  /// Takes everything up to the closing tag of the element, which goes nowhere; false at the end.
-  bool takeContent(std::string_view name, std::string& content) {
-    std::string inner;
-    std::size_t depth = 1;
-    for (;;) {
-      if (source_.peek() == kEnd) return false;
-      const std::size_t mark = content.size();
-      take(content);
-      if (content.back() != '<') continue;
-      const int c = source_.peek();
-      if (c == '!') {
-        take(content);
-        takeSection(content);
-        continue;
-      }
-      if (c != '/' && !startsName(c)) continue;
-      if (c == '/') take(content);
-      inner.clear();
-      takeName(inner);
-      content += inner;
-      if (!EqualIgnoringCase(inner, name)) continue;
-      if (c != '/') {
-        const TagEnd end = takeAttributes(content);
-        if (end == TagEnd::kOpen) {
-          content.push_back('>');
-          ++depth;
-        } else if (end == TagEnd::kEmptyElement) {
-          content += "/>";
-        }
-        continue;
-      }
-      while (isSpace(source_.peek())) take(content);
-      if (source_.peek() != '>') continue;
-      take(content);
-      if (--depth == 0) {
-        content.resize(mark);
-        return true;
-      }
-    }
-  }
-
   static void trim(std::string& s) {
-    while (!s.empty() && isSpace(s.back())) s.pop_back();
-    const auto first = std::find_if_not(s.begin(), s.end(), [](char c) { return isSpace(c); });
-    s.erase(s.begin(), first);
+    const std::string_view inner = detail::trimXmlSpace(s);
+    if (inner.size() < s.size()) s = std::string(inner);
   }
 
   Source source_;
@@ -271,6 +279,44 @@ void appendUtf8(std::string& s, std::uint32_t code) {
 constexpr std::pair<std::string_view, char> kEntities[] = {
     {"lt", '<'}, {"gt", '>'}, {"amp", '&'}, {"quot", '"'}, {"apos", '\''}};
 
+/// Sections in a text that are not read for references.
+class TextSections {
+ public:
+  explicit TextSections(std::string_view text) : text_(text) {}
+
+  /// Appends the text of a CDATA section that begins at pos, drops a comment, and goes behind
+  /// either; false if neither begins there or it is not closed.
+  bool take(std::size_t& pos, std::string& target) {
+    for (Section& section : sections_) {
+      if (!text_.substr(pos).starts_with(section.open)) continue;
+      const std::size_t first = pos + section.open.size();
+      // The search ends for good where nothing is closed any more, so that the cost stays linear.
+      const std::size_t end = section.isClosed ? text_.find(section.close, first) : text_.npos;
+      section.isClosed = end != text_.npos;
+      if (!section.isClosed) return false;
+      if (section.isText) target.append(text_, first, end - first);
+      pos = end + section.close.size();
+      return true;
+    }
+    return false;
+  }
+
+ private:
+  struct Section {
+    std::string_view open;
+    std::string_view close;
+    bool isText;
+    bool isClosed = true;
+  };
+  std::string_view text_;
+  Section sections_[2] = {{"<![CDATA[", "]]>", true}, {"<!--", "-->", false}};
+};
+
+/// Whether XML may hold a character that is no control character.
+bool isText(const detail::Character& c) {
+  return c.valid && c.code >= 0x20 && c.code != 0x7f && c.code != 0xfffe && c.code != 0xffff;
+}
+
 /// Appends what the name of a reference stands for; false if it stands for nothing.
 bool appendReference(std::string& s, std::string_view name) {
   for (const auto& [entity, c] : kEntities) {
@@ -295,6 +341,70 @@ bool appendReference(std::string& s, std::string_view name) {
 
 }  // namespace
 
+namespace detail {
+
+template <class Operation>
+bool XmlReader::onSource(Operation&& operation) {
+  return FStream ? operation(TagReader(StreamSource(*FStream)))
+                 : operation(TagReader(StringSource(FText, *FPos)));
+}
+
+bool XmlReader::nextTag() {
+  return onSource([this](auto reader) { return reader.nextTag(FTag); });
+}
+
+bool XmlReader::takeContent(std::string& content) {
+  content.clear();
+  return onSource([&](auto reader) { return reader.takeContent(FTag.name, content); });
+}
+
+std::string_view trimXmlSpace(std::string_view s) {
+  while (!s.empty() && isSpace(s.back())) s.remove_suffix(1);
+  while (!s.empty() && isSpace(s.front())) s.remove_prefix(1);
+  return s;
+}
+
+std::string encodeXmlText(std::string_view bytes, bool& isCoded) {
+  constexpr char digits[] = "0123456789ABCDEF";
+  std::string result;
+  isCoded = false;
+  for (std::string_view rest = bytes; !rest.empty();) {
+    const Character c = firstCharacter(rest);
+    if (isText(c) && c.code != '%') {
+      result += rest.substr(0, c.bytes);
+    } else {
+      for (const char byte : rest.substr(0, c.bytes)) {
+        const auto code = static_cast<unsigned char>(byte);
+        result.append({'%', digits[code / 16], digits[code % 16]});
+      }
+    }
+    isCoded = isCoded || !isText(c);
+    rest.remove_prefix(c.bytes);
+  }
+  return isCoded ? result : std::string(bytes);
+}
+
+std::optional<std::string> decodeXmlText(std::string_view attr, std::string text) {
+  std::string coding;
+  if (!XmlAttribute(attr, "coding", coding)) return text;
+  if (coding != "percent") return std::nullopt;
+  std::string result;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    unsigned char code = static_cast<unsigned char>(text[i]);
+    if (text[i] == '%') {
+      const char* const first = text.data() + i + 1;
+      if (text.size() - i < 3 || std::from_chars(first, first + 2, code, 16).ptr != first + 2) {
+        return std::nullopt;
+      }
+      i += 2;
+    }
+    result += static_cast<char>(code);
+  }
+  return result;
+}
+
+}  // namespace detail
+
 int ReadNextTagInTextFile(std::istream& f, std::span<const std::string_view> Tags, int Count,
                           std::string& Attr, std::string& Content) {
   return readTag(StreamSource(f), Tags, Count, Attr, Content);
@@ -313,9 +423,10 @@ bool XmlAttribute(std::string_view Attr, std::string_view Name, std::string& Val
   Value.clear();
   for (;;) {
     skipSpace();
-    const std::size_t length = std::min(Attr.find_first_of("= \t\r\n"), Attr.size());
-    const std::string_view name = Attr.substr(0, length);
-    Attr.remove_prefix(length);
+    const auto* const nameEnd =
+        std::find_if(Attr.begin(), Attr.end(), [](char c) { return c == '=' || isSpace(c); });
+    const std::string_view name = Attr.substr(0, static_cast<std::size_t>(nameEnd - Attr.begin()));
+    Attr.remove_prefix(name.size());
     skipSpace();
     if (Attr.empty()) return false;
     if (Attr[0] != '=') continue;  // a name without a value
@@ -351,13 +462,10 @@ std::string XmlEscape(std::string_view s) {
 }
 
 std::string XmlUnescape(std::string_view s) {
-  constexpr std::string_view cdata = "<![CDATA[";
   constexpr std::size_t longest = 10;  // of the names that mean something
   std::string result;
   result.reserve(s.size());
-  // Looked for once: a second section that is not closed must not search the whole text again.
-  std::size_t lastClosed = s.rfind("]]>");
-  if (lastClosed == std::string_view::npos) lastClosed = 0;
+  TextSections sections(s);
   for (std::size_t i = 0; i < s.size();) {
     if (s[i] == '&') {
       const std::size_t length = s.substr(i + 1, longest + 1).find(';');
@@ -365,11 +473,7 @@ std::string XmlUnescape(std::string_view s) {
         i += length + 2;
         continue;
       }
-    } else if (s[i] == '<' && s.substr(i).starts_with(cdata) && lastClosed >= i + cdata.size()) {
-      const std::size_t first = i + cdata.size();
-      const std::size_t end = s.find("]]>", first);
-      result.append(s, first, end - first);
-      i = end + 3;
+    } else if (s[i] == '<' && sections.take(i, result)) {
       continue;
     }
     result += s[i++];

@@ -55,7 +55,7 @@ ZEL_API bool XmlAttribute(std::string_view Attr, std::string_view Name, std::str
 [[nodiscard]] ZEL_API std::string XmlEscape(std::string_view s);
 
 /// The inverse of XmlEscape: decimal and hexadecimal character references (as UTF-8), the five
-/// named ones, CDATA sections. What is none of these stays as it is.
+/// named ones, CDATA sections; comments are left out. What is none of these stays as it is.
 [[nodiscard]] ZEL_API std::string XmlUnescape(std::string_view s);
 
 }  // namespace zel

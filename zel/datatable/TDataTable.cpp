@@ -8,6 +8,7 @@
 
 #include "zel/base/Zel_stringl.h"
 #include "zel/datatable/guards_impl.h"
+#include "zel/datatable/xml_form_impl.h"
 #include "zel/kernels/range.h"
 
 namespace zel {

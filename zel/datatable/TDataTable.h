@@ -456,11 +456,11 @@ class ZEL_API TDataTable : public TComponent, private detail::TTableArrays {
 
   /// Reads a text file. A column of numbers is on the interval scale. An empty cell and the words
   /// NA, NAN (in any case) and ### make an empty cell (state 2) of value 0; INF and -INF are
-  /// numbers; in quotation marks only numbers and text count. A column in which anything else
-  /// occurs is nominal: its texts, cut to 10 bytes, are the categories in the order in which they
-  /// turn up; texts that would be the same when cut end in ~2, ~3 and so on. A first line that
-  /// begins with "# " is the comment, a column named "(attribute)" the row attributes. All else is
-  /// as in a new table. Fires what CopyContentsFrom fires.
+  /// numbers; in quotation marks the words are texts. A column in which anything else occurs is
+  /// nominal: its texts, cut to the UTF-8 characters that 10 bytes hold, are the categories in the
+  /// order in which they turn up; texts that would be the same when cut end in ~2, ~3 and so on. A
+  /// first line that begins with "# " is the comment, a column named "(attribute)" the row
+  /// attributes. All else is as in a new table. Fires what CopyContentsFrom fires.
   /// @param IncludeColHeaders  the first line holds the names of the columns; with row names it may
   ///   lack the first cell
   /// @param IncludeRowHeaders  the first column holds the names of the rows
@@ -537,10 +537,12 @@ class ZEL_API TDataTable : public TComponent, private detail::TTableArrays {
   int ReadFromASC(std::istream& InStream, int PosX, int PosY, bool ReplaceIDs);
   int ReadFromASC(const TClipboard& ClipBd, int PosX, int PosY, bool ReplaceIDs);
 
-  // XML: an element `datatable` with all that belongs to a table.
+  // XML: an element `datatable` with all that belongs to a table; the guide describes it. Names,
+  // identifiers and comments may be of any bytes.
 
   /// Writes a file with the XML declaration and the table.
-  /// @param Precision  decimals; negative: the shortest text that gives the same number again
+  /// @param Precision  decimals; negative: the shortest text that gives the same number again, so
+  ///   that a table is read back as it was
   /// @param DataID  an identifier by which the readers find the table among others
   /// @return false if the file could not be written; an old file is untouched then
   bool SaveAsXMLFile(std::string_view FName, int Precision, std::string_view DataID) const;
@@ -549,17 +551,20 @@ class ZEL_API TDataTable : public TComponent, private detail::TTableArrays {
                         std::string_view DataID) const;
   void WriteToOpenXMLFile(std::ostream& TextFile, bool CreateHeader, int Precision,
                           std::string_view DataID) const;
-  /// Reads the first table with the given identifier, or the first one if that is empty. Fires what
+  /// Reads the first table with the given identifier, or the first one if that is empty, whatever
+  /// elements it stands in. Elements in it that are none of a table's are passed over. Fires what
   /// CopyContentsFrom fires.
   /// @return false, with the table as it was, if there is none or it is damaged
   bool LoadFromXMLFile(std::string_view FName, std::string_view DataID);
-  /// The same from a stream, which is left behind the element.
+  /// The same from a stream, which is left behind the element; after a failure behind the tag that
+  /// showed the damage, or at the end.
   bool ReadFromXMLStream(std::istream& InStream, std::string_view DataID);
   bool ReadFromOpenXMLFile(std::istream& TextFile, std::string_view DataID);
   /// @param Message  receives, for a false result, what is wrong
   bool ReadFromXMLStream(std::istream& InStream, std::string_view DataID, std::string& Message);
   /// The same from a text.
-  /// @param StartAt  0-based position at which to start; moved behind the element
+  /// @param StartAt  0-based position at which to start; moved behind the element, or unchanged
+  ///   after a failure
   bool ReadFromXMLString(std::string_view InString, std::size_t& StartAt, std::string_view DataID);
 
   // Notification.
@@ -573,6 +578,14 @@ class ZEL_API TDataTable : public TComponent, private detail::TTableArrays {
   void DataHasChanged(TObject* Sender);
   /// Fires OnPercentDone.
   void PercDone(TObject* Sender, int Percent);
+
+ protected:
+  /// Takes the tags of a table as the readers of tags give them for the list DTxmlTagNames:
+  /// xmlDataTableId begins a table, the last tag replaces the contents of this one, with the events
+  /// of CopyContentsFrom. The tags in a container may come with it, as its content, or after it.
+  /// @return 0 to go on; 1 if the table is complete; -1 for what is not understood: xmlInvalid,
+  ///   which may be passed over, or damage that ends the table
+  int ProcessXmlTag(TDTxmlTags xmlTag, std::string_view Attr, std::string_view Content);
 
  private:
   class TDetached;
@@ -648,6 +661,7 @@ class ZEL_API TDataTable : public TComponent, private detail::TTableArrays {
   /// new ones added, and their values the numbers of the categories there.
   /// @return false if a column would have too many
   bool MergeCategories(detail::TTableContents& contents, int PosX) const;
+  bool ReadXml(detail::XmlReader reader, std::string_view DataID, std::string& Message);
   /// Calls write(view) with all of this table.
   template <class Write>
   void WithView(Write&& write) const;
@@ -713,8 +727,9 @@ class ZEL_API TDataTable : public TComponent, private detail::TTableArrays {
 
   int FNrOfCols = 1;
   int FNrOfRows = 1;
-  bool FSortIncludeHd = false;      // a sort moves names and attributes, too
-  std::unique_ptr<TMatrix> FOwned;  // empty while the matrix is borrowed
+  bool FSortIncludeHd = false;                   // a sort moves names and attributes, too
+  std::unique_ptr<TMatrix> FOwned;               // empty while the matrix is borrowed
+  std::unique_ptr<detail::TXmlTable> FXmlTable;  // whose tags ProcessXmlTag takes
 };
 
 }  // namespace zel

@@ -17,6 +17,9 @@ inline constexpr std::string_view kAttributes = "(attribute)";
 /// The character; that of a text for cdDetect.
 [[nodiscard]] char DelimiterOf(TCSVDelimiters delimiter, std::string_view text);
 
+/// What stands for a missing value unless it is in quotation marks.
+[[nodiscard]] bool IsMissingWord(std::string_view cell);
+
 /// Reads a table.
 /// @param contents  what the text holds, if the result is 0
 /// @return as TDataTable::ImportFromCSV, with import.Message

@@ -36,14 +36,13 @@ std::string inLine(const DelimitedText& text, std::string_view reason) {
   fail(code, inLine(text, reason));
 }
 
-[[noreturn]] void failWidth(const DelimitedText& text, std::size_t width, std::size_t wanted) {
+/// @param wanted  number of cells in the line that says how many there are
+[[noreturn]] void failWidth(const DelimitedText& text, std::size_t width, std::size_t wanted,
+                            bool isHeader) {
   failInLine(-3, text,
-             "it has " + std::to_string(width) + " cells, not " + std::to_string(wanted) +
-                 " as the first line");
-}
-
-bool isMissing(std::string_view cell) {
-  return cell.empty() || cell == "NA" || cell == "###" || EqualIgnoringCase(cell, "NAN");
+             "the row has " + std::to_string(width) + (width == 1 ? " cell" : " cells") + ", and " +
+                 (isHeader ? "the header line" : "the first row") + " has " +
+                 std::to_string(wanted));
 }
 
 std::optional<double> numberIn(std::string_view cell, TDecPSep separator) {
@@ -55,45 +54,60 @@ std::optional<double> numberIn(std::string_view cell, TDecPSep separator) {
   return x;
 }
 
+/// The front of a text with at most so many bytes, a whole number of UTF-8 characters.
+std::string_view cutTo(std::string_view text, std::size_t most) {
+  if (text.size() <= most) return text;
+  std::size_t n = most;
+  while (n > 0 && n + 3 > most && (static_cast<unsigned char>(text[n]) & 0xC0) == 0x80) --n;
+  return text.substr(0, n);
+}
+
 /// Identifiers of the texts of a column, in the order in which they turn up.
 class TCategories {
  public:
-  /// @param line  where the text stands
+  /// @param word  the first cell of the column that is no number
+  TCategories(std::string_view word, std::size_t line)
+      : FWord(word), FWordLine(static_cast<std::int64_t>(line)) {}
+
   /// @return number from 1; 0 if there are too many
-  int numberOf(std::string_view text, std::size_t line) {
-    if (FLast > 0 && text == FTexts[static_cast<std::size_t>(FLast - 1)].text)
-      return FLast;  // often the same in neighbours
-    const auto known = FNumbers.find(std::string(text));
-    if (known != FNumbers.end()) return FLast = known->second;
-    if (FTexts.size() == FType.IDs.size()) return 0;
-    FType.IDs[FTexts.size()] = uniqueId(text);
-    FTexts.push_back({std::string(text), line});
-    FLast = static_cast<int>(FTexts.size());
-    return FNumbers[std::string(text)] = FLast;
+  int numberOf(std::string_view text) {
+    // Often the same in neighbours.
+    if (FLast == 0 || text != FTexts[at(FLast)].text) {
+      int& number = FNumbers[std::string(text)];
+      if (number == 0) {
+        if (FTexts.size() == FType.IDs.size()) return 0;
+        FType.IDs[FTexts.size()] = uniqueId(text);
+        FTexts.push_back({std::string(text), 0});
+        number = static_cast<int>(FTexts.size());
+      }
+      FLast = number;
+    }
+    ++FTexts[at(FLast)].cells;
+    return FLast;
   }
   [[nodiscard]] const TVTypeSpec& type() const { return FType; }
-  /// Why there are more texts than a column may have.
-  [[nodiscard]] std::string whyTooMany(const std::string& column, TDecPSep separator) const {
-    const auto isWord = [&](const TText& text) { return !numberIn(text.text, separator); };
-    const auto words = static_cast<std::size_t>(std::ranges::count_if(FTexts, isWord));
-    if (words == 0 || 2 * words >= FTexts.size()) {
-      return "the column " + column + " has more than 150 different texts";
+  /// What the column holds.
+  [[nodiscard]] TCSVImport::TTexts report(int column, TDecPSep separator) const {
+    TCSVImport::TTexts report{.Column = column, .Line = FWordLine, .Word = FWord};
+    for (const TText& text : FTexts) {
+      (numberIn(text.text, separator) ? report.Numbers : report.Words) += text.cells;
+      report.IsCut = report.IsCut || text.text.size() > TNominalIDStr::max_size();
     }
-    const TText& word = *std::ranges::find_if(FTexts, isWord);
-    return "line " + std::to_string(word.line) + ": \"" + word.text + "\" in the column " + column +
-           " is not a number";
+    report.Words = std::max(report.Words, 1);  // the first may come after those looked at
+    return report;
   }
 
  private:
   struct TText {
     std::string text;
-    std::size_t line;
+    int cells;
   };
+  [[nodiscard]] static std::size_t at(int number) { return static_cast<std::size_t>(number - 1); }
   [[nodiscard]] TNominalIDStr uniqueId(std::string_view text) const {
-    TNominalIDStr id(text);
+    TNominalIDStr id(cutTo(text, TNominalIDStr::max_size()));
     for (int k = 2; std::ranges::count(FType.IDs, id) > 0; ++k) {
       const std::string tail = std::string(1, '~').append(std::to_string(k));
-      std::string shorter(text.substr(0, TNominalIDStr::max_size() - tail.size()));
+      std::string shorter(cutTo(text, TNominalIDStr::max_size() - tail.size()));
       id = TNominalIDStr(shorter.append(tail));
     }
     return id;
@@ -103,6 +117,8 @@ class TCategories {
   std::vector<TText> FTexts;
   std::unordered_map<std::string, int> FNumbers;
   int FLast = 0;
+  std::string FWord;
+  std::int64_t FWordLine;
 };
 
 /// What a column has turned out to be so far.
@@ -138,6 +154,11 @@ class TCsvReader {
     readRows();
     readLateTexts();
     for (std::size_t c = 0; c < FColumns.size(); ++c) {
+      if (FColumns[c].categories) {
+        FImport.Texts.push_back(
+            FColumns[c].categories->report(static_cast<int>(c) + 1, FImport.DecSep));
+        FImport.Texts.back().IsSkipped = FColumns[c].kind == TCsvKind::skipped;
+      }
       if (FColumns[c].kind == TCsvKind::skipped) {
         FContents.FVType[c].MScaleType = stUnknown;
         std::ranges::fill(FContents.Values[c], 0.0);
@@ -157,14 +178,16 @@ class TCsvReader {
       std::string_view cell;
       while (text.nextCell(cell)) names.emplace_back(cell);
       failIfBroken(text);
-      if (!text.nextRecord()) fail(-2, "there are no rows");
+      if (!text.nextRecord()) failInLine(-2, text, "there are no rows after the header line");
     }
     return names;
   }
 
   static void failIfBroken(const DelimitedText& text) {
     if (text.isBroken()) {
-      failInLine(-4, text, "a quotation mark is not closed, or there is more after a closing one");
+      failInLine(-4, text,
+                 text.isOpen() ? "a quotation mark is never closed"
+                               : "there is more after a closing quotation mark");
     }
   }
 
@@ -177,7 +200,7 @@ class TCsvReader {
     std::size_t unnamed = 0;
     if (FImport.IncludeColHeaders) {
       if (FImport.IncludeRowHeaders && names.size() + 1 == width) unnamed = 1;
-      if (names.size() + unnamed != width) failWidth(first, width, names.size());
+      if (names.size() + unnamed != width) failWidth(first, width, names.size(), true);
     }
     FFirst = FImport.IncludeRowHeaders ? 1 : 0;
     FHasAttributes =
@@ -202,7 +225,7 @@ class TCsvReader {
     std::size_t rows = 0;
     do {
       const std::size_t width = readRow(text, rows);
-      if (width != FWidth) failWidth(text, width, FWidth);
+      if (width != FWidth) failWidth(text, width, FWidth, names.size() == FWidth);
       FImport.RowLines.push_back(static_cast<std::int64_t>(text.line()));
       if (++rows > static_cast<std::size_t>(std::numeric_limits<int>::max())) {
         fail(-3, "there are too many rows");
@@ -267,30 +290,36 @@ class TCsvReader {
       }
     }
     value = 0;  // there may be what is no number from nextNumber
-    if (!text.isQuoted() && isMissing(cell)) {
+    if (cell.empty() || (!text.isQuoted() && IsMissingWord(cell))) {
       state = kEmpty;
       return;
     }
     if (column.kind == TCsvKind::numbers) {
       column.kind = column.hasNumbers ? TCsvKind::late : TCsvKind::texts;
-      column.categories = std::make_unique<TCategories>();
+      column.categories = std::make_unique<TCategories>(cell, text.line());
     }
-    if (column.kind == TCsvKind::texts) addText(column, value, cell, text);
+    if (column.kind == TCsvKind::texts) addText(column, value, cell);
   }
 
-  void addText(TCsvColumn& column, double& value, std::string_view cell,
-               const DelimitedText& text) {
-    const int number = column.categories->numberOf(cell, text.line());
+  void addText(TCsvColumn& column, double& value, std::string_view cell) {
+    const int number = column.categories->numberOf(cell);
     value = number;
     if (number > 0) return;
+    if (!FImport.SkipLongTexts) failTooMany(column);
+    column.kind = TCsvKind::skipped;
+  }
+
+  [[noreturn]] void failTooMany(const TCsvColumn& column) const {
     const auto c = static_cast<std::size_t>(&column - FColumns.data());
     const TDTNameStr& name = FContents.FColName[c];
     const bool isNamed = FImport.IncludeColHeaders && !name.empty();
-    std::string why = column.categories->whyTooMany(
-        isNamed ? std::string(name) : std::to_string(c + FFirst + 1), FImport.DecSep);
-    if (!FImport.SkipLongTexts) fail(-5, std::move(why));
-    column.kind = TCsvKind::skipped;
-    FImport.Skipped.push_back({static_cast<int>(c) + 1, std::move(why)});
+    const std::string which = isNamed ? std::string(name) : std::to_string(c + FFirst + 1);
+    const auto texts = column.categories->report(0, FImport.DecSep);
+    if (texts.Words > texts.Numbers) {
+      fail(-5, "the column " + which + " has more than 150 different texts");
+    }
+    fail(-5, "line " + std::to_string(texts.Line) + ": \"" + texts.Word + "\" in the column " +
+                 which + " is not a number");
   }
 
   /// Goes over the text again for the columns that begin with numbers and go on with texts.
@@ -337,10 +366,14 @@ std::string takeComment(std::string_view& text) {
 
 }  // namespace
 
+bool IsMissingWord(std::string_view cell) {
+  return cell == "NA" || cell == "###" || EqualIgnoringCase(cell, "NAN");
+}
+
 int ReadCSV(std::string_view text, TCSVImport& import, TTableContents& contents) {
   import.Message.clear();
   import.RowLines.clear();
-  import.Skipped.clear();
+  import.Texts.clear();
   if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
   std::string comment = takeComment(text);
   try {

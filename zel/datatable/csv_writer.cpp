@@ -59,7 +59,12 @@ class TCsvWriter {
     if ((FTable.State(c, r) & kEmpty) != 0) {
       FText.append("NA") += FHow.Delimiter;
     } else if (FTable.IsCategorical(c)) {
-      addText(CategoryText(FTable.Arrays.FVType[c], x));
+      const TNominalIDStr text = CategoryText(FTable.Arrays.FVType[c], x);
+      if (IsMissingWord(text)) {
+        FText.append("\"").append(text.view()).append("\"") += FHow.Delimiter;
+      } else {
+        addText(text);
+      }
     } else {
       const std::size_t start = FText.size();
       appendNumber(FText, x, FHow.Precision);

@@ -75,7 +75,8 @@ bool DelimitedText::takeQuoted(std::string_view& cell) {
   FRest.remove_prefix(1);
   for (;;) {
     const std::size_t mark = FRest.find('"');
-    if (mark == std::string_view::npos) break;
+    FIsOpen = mark == std::string_view::npos;
+    if (FIsOpen) break;
     const std::string_view part = FRest.substr(0, mark);
     FCell += part;
     FLine += static_cast<std::size_t>(std::ranges::count(part, '\n'));

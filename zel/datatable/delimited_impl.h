@@ -28,6 +28,8 @@ class DelimitedText {
   [[nodiscard]] bool isQuoted() const { return FIsQuoted; }
   /// A quotation mark is never closed, or more than blanks follows a closing one.
   [[nodiscard]] bool isBroken() const { return FIsBroken; }
+  /// What has broken it is a quotation mark that is never closed.
+  [[nodiscard]] bool isOpen() const { return FIsOpen; }
   /// The line that the record, or what is broken, starts in, from 1.
   [[nodiscard]] std::size_t line() const { return FRecordLine; }
 
@@ -46,6 +48,7 @@ class DelimitedText {
   bool FHasMore = false;  ///< cells of the record are left
   bool FIsQuoted = false;
   bool FIsBroken = false;
+  bool FIsOpen = false;
 };
 
 /// Of comma, semicolon and tab the one that the first line of a text has most of outside quotation

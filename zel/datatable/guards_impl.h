@@ -36,9 +36,6 @@ class TDataTable::TDetached {
 
 namespace detail {
 
-/// Place in storage of an index that counts from 1.
-inline std::size_t at(int index) { return static_cast<std::size_t>(index - 1); }
-
 /// While it lives, an event has no handler.
 class TSuspended {
  public:

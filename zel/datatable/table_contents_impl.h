@@ -9,6 +9,9 @@
 
 namespace zel::detail {
 
+/// Place in storage of an index that counts from 1.
+inline std::size_t at(int index) { return static_cast<std::size_t>(index - 1); }
+
 /// All that a table holds. A reader that does not know the number of rows in advance reserves
 /// nothing: it adds one row after the other.
 struct TTableContents : TTableArrays {

@@ -49,15 +49,19 @@ struct TCSVImport {
   /// unknown scale.
   bool SkipLongTexts = false;
 
-  /// A column that was skipped.
-  struct TSkipped {
-    int Column = 0;  ///< from 1
-    std::string
-        Why;  ///< its texts; where most cells are numbers the first that is none, with the line
+  /// A column with other texts than numbers.
+  struct TTexts {
+    int Column = 0;          ///< from 1
+    int Numbers = 0;         ///< cells that are numbers; of a skipped column those looked at
+    int Words = 0;           ///< cells that are none, empty ones apart
+    std::int64_t Line = 0;   ///< of the first of them
+    std::string Word{};      ///< its whole text
+    bool IsCut = false;      ///< a text is longer than an identifier
+    bool IsSkipped = false;  ///< by SkipLongTexts
   };
   std::string Message{};                 ///< what is wrong, with the line or the column
   std::vector<std::int64_t> RowLines{};  ///< the line of the file in which each row starts, from 1
-  std::vector<TSkipped> Skipped{};
+  std::vector<TTexts> Texts{};           ///< in ascending order of the columns
 };
 
 /// Tags of the XML form of a table.
@@ -79,6 +83,13 @@ enum TDTxmlTags : std::uint8_t {
   xmlInvalid
 };
 
+/// Names of the tags, by TDTxmlTags, as the readers of tags take them. The last stands for every
+/// other tag.
+inline constexpr std::array<std::string_view, 15> DTxmlTagNames = {
+    "datatable", "/datatable", "comment",   "size", "colnames",
+    "rownames",  "colattrib",  "rowattrib", "col",  "row",
+    "datacells", "cell",       "vardef",    "idf",  "invalid"};
+
 namespace detail {
 
 constexpr bool IsCategoricalScale(TMScaleType scale) {
@@ -97,6 +108,8 @@ struct TTableArrays {
 };
 
 struct TTableContents;
+class TXmlTable;
+class XmlReader;
 
 }  // namespace detail
 

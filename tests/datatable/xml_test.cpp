@@ -1,0 +1,201 @@
+// Tables as XML: exact round trips, what others write, and what is damaged.
+#include <bit>
+#include <limits>
+#include <random>
+#include <sstream>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "tests/base/temp_dir.h"
+#include "tests/datatable/same_tables.h"
+#include "tests/datatable/table_model.h"
+#include "zel/base/numbertext.h"
+#include "zel/base/xmltags.h"
+#include "zel/datatable/Zel_datatable.h"
+
+namespace zel {
+namespace {
+
+using zel_test::readBytes;
+using zel_test::TempDir;
+
+/// The same, down to the signs of zeros and the slots of identifiers.
+void expectIdentical(TDataTable& A, TDataTable& B) {
+  ASSERT_EQ(A.NumericData->NrOfColumns(), B.NumericData->NrOfColumns());
+  ASSERT_EQ(A.NumericData->NrOfRows(), B.NumericData->NrOfRows());
+  EXPECT_EQ(A.CRCofNamesAndAttributes(), B.CRCofNamesAndAttributes());
+  EXPECT_EQ(A.CRCofCellStates(), B.CRCofCellStates());
+  for (int c = 1; c <= A.NrOfColumns(); ++c) {
+    for (int r = 1; r <= A.NrOfRows(); ++r) {
+      const double a = A.NumericData->GetVal(c, r), b = B.NumericData->GetVal(c, r);
+      EXPECT_TRUE(std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b) ||
+                  (a != a && b != b));
+    }
+    const TMScaleType scale = A.GetMScaleType(c);
+    for (TDataTable* T : {&A, &B}) T->SetMScaleType(c, stNominal);
+    for (int k = 1; k <= 150; ++k) EXPECT_EQ(A.GetNominalID(c, k), B.GetNominalID(c, k));
+    for (TDataTable* T : {&A, &B}) T->SetMScaleType(c, scale);
+  }
+}
+
+/// Reads as a caller does who scans for tags himself.
+struct TScanningTable : TDataTable {
+  int scan(std::string_view text) {
+    std::string attr, content;
+    int result = 0;
+    for (std::size_t pos = 0; result == 0;) {
+      const int tag = ReadNextTagInString(text, pos, DTxmlTagNames, 15, attr, content);
+      result = ProcessXmlTag(static_cast<TDTxmlTags>(tag), attr, content);
+    }
+    return result;
+  }
+};
+
+TEST(TableXml, RoundTripsExactly) {
+  using Limits = std::numeric_limits<double>;
+  const double values[] = {0.0,
+                           -0.0,
+                           0.1,
+                           2.5,
+                           Limits::denorm_min(),
+                           -Limits::max(),
+                           Limits::infinity(),
+                           -Limits::infinity(),
+                           Limits::quiet_NaN()};
+  std::mt19937_64 random(3);
+  const auto text = [&](std::size_t most) {
+    std::string s = random() % 2 ? "" : "% <&]]>\xC3\xA4\xF0\x9F\x98\x80\\ ";
+    for (auto k = random() % 9; k > 0; --k) s += static_cast<char>(random() % (k % 2 ? 256 : 128));
+    return s.substr(0, random() % (most + 1));
+  };
+  for (int trial = 0; trial < 80; ++trial) {
+    TDataTable T, Read;
+    T.Resize(static_cast<int>(random() % 5) + 1, static_cast<int>(random() % 6) + 1);
+    T.SetFComment(text(90));
+    for (int r = 1; r <= T.NrOfRows(); ++r) {
+      if (r % 2) T.SetRowName(r, text(50)), T.SetRowAttrib(r, static_cast<int>(random()));
+      for (int c = 1; c <= T.NrOfColumns(); ++c) {
+        T.SetElem(
+            c, r,
+            random() % 2 ? values[random() % std::size(values)] : std::bit_cast<double>(random()));
+        T.SetCellState(c, r, random() % 2 ? static_cast<std::uint8_t>(random()) : 0);
+      }
+    }
+    for (int c = 1; c <= T.NrOfColumns(); ++c) {
+      if (c % 2) T.SetColName(c, text(50)), T.SetColAttrib(c, static_cast<int>(random()));
+      T.SetMScaleType(c, stOrdinal);
+      for (auto k = random() % 9; k > 0; --k)
+        T.SetNominalID(c, 1 + static_cast<int>(random() % 150), text(10));
+      T.SetMScaleType(c, static_cast<TMScaleType>(random() % 5));
+    }
+    const std::string id = "a" + text(90);
+    const TempDir folder;
+    ASSERT_TRUE(T.SaveAsXMLFile(folder.file("x"), -1, id));
+    const std::string whole = readBytes(folder.file("x"));
+    TDataTable Small, FromFile, Scanned;
+    TScanningTable Scanning;
+    ASSERT_TRUE(FromFile.LoadFromXMLFile(folder.file("x"), id));
+    EXPECT_EQ(Scanning.scan("<?x?>" + whole), 1);
+    std::stringstream stream;
+    stream << "<m><n/><k>";
+    Small.WriteToXMLStream(stream, false, 2, id.substr(1));
+    T.WriteToOpenXMLFile(stream, false, -1, id);
+    T.WriteToXMLStream(stream, false, 0, "decimals");
+    stream << "</k></m>";
+    std::size_t pos = 3;
+    const std::string text = stream.str();
+    ASSERT_TRUE(Read.ReadFromXMLString(text, pos, id));
+    EXPECT_EQ(text.substr(pos, 15), "\n<datatable id=");
+    expectIdentical(Read, FromFile);
+    expectIdentical(Read, Scanning);
+    ASSERT_TRUE(Read.ReadFromXMLStream(stream, ""));
+    EXPECT_EQ(Read.NrOfColumns() * Read.NrOfRows(), 1);
+    ASSERT_TRUE(Read.ReadFromOpenXMLFile(stream, ""));
+    EXPECT_FALSE(FromFile.ReadFromXMLStream(stream, id));
+    expectIdentical(T, Read);
+    pos = 0;
+    ASSERT_TRUE(FromFile.ReadFromXMLString(text, pos, "decimals"));
+    for (int r = 1; r <= T.NrOfRows(); ++r) {
+      EXPECT_EQ(strff(FromFile(1, r), 0, 0), strff(T.NumericData->GetVal(1, r), 0, 0));
+    }
+    for (std::size_t size = 0; trial < 5 && size + 1 < whole.size(); ++size) {
+      pos = 0;
+      ASSERT_FALSE(FromFile.ReadFromXMLString(whole.substr(0, size), pos, "")) << size;
+      EXPECT_EQ(pos, 0U);
+    }
+  }
+}
+
+TEST(TableXml, ReadsWhatOthersWrite) {
+  std::istringstream in(readBytes(ZEL_FUZZ_CORPUS "/table_xml/by_hand.xml"));
+  TDataTable T, Copied;
+  std::string events, expected, message;
+  test::recordEvents(T, events);
+  ASSERT_TRUE(T.ReadFromXMLStream(in, "two & three", message)) << message;
+  EXPECT_EQ(T.Comment(), "a<b>\xC3\xA4");
+  EXPECT_EQ(T.GetColName(1), "C-1");
+  EXPECT_EQ(T.GetColName(2), std::string_view("\0%", 2));
+  EXPECT_EQ(T.GetColAttrib(1), -7);
+  EXPECT_EQ(T.GetMScaleType(1), stNominal);
+  EXPECT_EQ(T.GetNominalID(1, 150), "z");
+  EXPECT_EQ(T.NumericData->GetVal(1, 2), 1.5);
+  EXPECT_EQ(T.GetCellState(1, 2), 66);
+  EXPECT_EQ(T(2, 1), -std::numeric_limits<double>::infinity());
+  EXPECT_NE(T(2, 2), T(2, 2));
+  test::recordEvents(Copied, expected);
+  Copied.CopyContentsFrom(&T);
+  EXPECT_EQ(events, expected);
+  EXPECT_FALSE(T.ReadFromXMLStream(in, "5", message));
+  EXPECT_EQ(message, "there is no table with this identifier");
+}
+
+TEST(TableXml, DamageLeavesTheTable) {
+  TDataTable T;
+  T.SetElem(1, 1, 7);
+  T.OnChange = T.OnChangeSetup = [](TObject*) { FAIL() << "nothing has changed"; };
+  const std::string cells = "<datacells><cell ix='1' iy='1'>1</cell></datacells>";
+  const std::string size = "<size columns='1' rows='1'/>";
+  const std::pair<std::string, const char*> cases[] = {
+      {cells, "</datatable>: there is no size"},
+      {"<size columns='2000000000' rows='2000000000'/>" + cells,
+       "</datatable>: it has 1 cells, not 4000000000000000000"},
+      {"<size columns='0' rows='1'/>",
+       "<size columns='0' rows='1'>: columns is missing or not an integer in its range"},
+      {"<size columns='2' rows='1'/>" + cells + cells,
+       "</datatable>: the cell in column 1 and row 1 is there twice or outside the table"},
+      {size + "<rowattrib><row iy='2'>1</row></rowattrib>" + cells,
+       "</datatable>: there is no column or row 2"},
+      {size + "<colnames><col ix='1' coding='percent'>%4</col></colnames>",
+       "<col ix='1' coding='percent'>: the coding of the text is not known, or it is not coded so"},
+      {"<datacells><cell ix='1' iy='1'>1e999</cell>",
+       "<cell ix='1' iy='1'>: the value is not a number"},
+      {"<vardef ix='1' scale='x'>", "<vardef ix='1' scale='x'>: there is no such scale"},
+      {"<colnames><size/>", "<size> does not belong there"},
+      {"<datatable>", "<datatable> does not belong there"},
+      {"</x>", "</x> closes nothing"},
+      {"<cell ix='1' <", "<cell ix='1'> breaks off"},
+      {"<comment>", "<comment> is not closed"}};
+  std::string message;
+  for (const auto& [text, expected] : cases) {
+    std::istringstream in("<datatable>" + text + "</datatable>");
+    EXPECT_FALSE(T.ReadFromXMLStream(in, "", message)) << text;
+    EXPECT_EQ(message, expected);
+  }
+  EXPECT_FALSE(T.LoadFromXMLFile("/nowhere/x.xml", ""));
+  EXPECT_EQ(T(1, 1), 7);
+}
+
+TEST(TableXml, WritesAllOrNothing) {
+  TDataTable T;
+  EXPECT_FALSE(T.SaveAsXMLFile("/dev/full", -1, ""));
+  EXPECT_FALSE(T.SaveAsXMLFile("/nowhere/x.xml", -1, ""));
+  std::stringstream out;
+  T.WriteToXMLStream(out, true, 2, "\x01\"");
+  EXPECT_TRUE(out.str().starts_with(
+      "<?xml version=\"1.0\"?>\n<datatable id=\"%01&quot;\" coding=\"percent\">\n<size columns="));
+  EXPECT_NE(out.str().find("<cell ix=\"1\" iy=\"1\">0.00</cell>\n"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace zel

@@ -1,0 +1,190 @@
+// zel convert: nothing gets lost unless it is told; zel crosstab: counts against a slow count.
+#include "tools/convert.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <random>
+#include <string>
+#include <utility>
+
+#include "tests/datatable/same_tables.h"
+#include "tests/tools/json_fields.h"
+#include "tests/tools/run_zel.h"
+#include "tools/table_file.h"
+
+namespace {
+
+using zel_test::expectFailure;
+using zel_test::JsonFields;
+using zel_test::readBytes;
+using zel_test::runZel;
+using zel_test::TempDir;
+using zel_test::writeBytes;
+
+/// Converts in the folder and gives the note.
+std::string converted(const TempDir& folder, const std::string& from, const std::string& to) {
+  tool::ConvertOptions options;
+  options.file = folder.file(from);
+  options.out = folder.file(to);
+  return tool::convert(options).note;
+}
+
+TEST(Convert, RoundTripsKeepAll) {
+  std::mt19937 random(7);
+  const std::string_view texts[] = {"plain",       "",   "two\nlines", "\"q\"", "a;b,c\td",
+                                    "\xc3\xa4<&>", "NA", "7",          "# "};
+  const auto text = [&] { return texts[random() % std::size(texts)]; };
+  for (int trial = 0; trial < 40; ++trial) {
+    zel::TDataTable table;
+    table.Resize(static_cast<int>(random() % 4) + 1, static_cast<int>(random() % 5) + 1);
+    table.SetFComment("a comment");
+    for (int c = 1; c <= table.NrOfColumns(); ++c) {
+      table.SetColName(c, text());
+      table.SetColAttrib(c, static_cast<int>(random()));
+      table.AddNominalID(c, "x");
+      table.AddNominalID(c, text());
+      table.SetMScaleType(c, static_cast<zel::TMScaleType>(random() % 5));
+      for (int r = 1; r <= table.NrOfRows(); ++r) {
+        table.SetElem(
+            c, r,
+            random() % 2 ? static_cast<double>(random() % 3) : 1.0 / static_cast<double>(random()));
+        table.SetCellState(c, r, random() % 3 ? 0 : static_cast<std::uint8_t>(random()));
+        table.SetRowName(r, text());
+        table.SetRowAttrib(r, static_cast<int>(random()));
+      }
+    }
+    const TempDir folder;
+    ASSERT_TRUE(table.SaveAsXMLFile(folder.file("a.xml"), -1, "id"));
+    EXPECT_EQ("", converted(folder, "a.xml", "b.asc"));
+    EXPECT_EQ("", converted(folder, "b.asc", "c.xml"));
+    zel::test::expectSame(table, *tool::readTable(folder.file("c.xml")).data);
+  }
+}
+
+TEST(Convert, CsvTellsWhatItLoses) {
+  const TempDir folder;
+  for (const char* file : {"iris", "airquality", "longley"}) {
+    const std::string source = std::string(ZEL_TEST_DATA "/") + file + ".csv";
+    const auto run = runZel(folder, "convert '" + source + "' x.xml");
+    EXPECT_EQ("", run.errors);
+    EXPECT_EQ("", converted(folder, "x.xml", "x.csv"));
+    EXPECT_EQ(readBytes(source), readBytes(folder.file("x.csv")));
+  }
+  // What the form has room for: a comment, row names and attributes, categories like other words.
+  zel::TDataTable table;
+  table.Resize(2, 2);
+  table.SetFComment("a comment");
+  for (int r = 1; r <= 2; ++r) {
+    table.SetRowName(r, r == 1 ? "first" : "second");
+    table.SetRowAttrib(r, r);
+    table.SetElemNominal(2, r, "");
+  }
+  table.SetMScaleType(2, zel::stNominal);
+  table.SetElemNominal(2, 1, "NA");
+  table.SetElemNominal(2, 2, "b");
+  const auto lost = [&] {
+    EXPECT_TRUE(table.SaveAsXMLFile(folder.file("x.xml"), -1, ""));
+    std::string note = converted(folder, "x.xml", "x.csv");
+    for (const char* name : {"x.csv", "x.xml"}) {
+      if (note.find(name) != std::string::npos)
+        note.replace(note.find(folder.file(name)), folder.file(name).size(), name);
+    }
+    return note;
+  };
+  EXPECT_EQ("", lost());
+  EXPECT_EQ("# a comment\n\"\",(attribute),C-1,C-2\nfirst,1,0,\"NA\"\nsecond,2,0,b\n",
+            readBytes(folder.file("x.csv")));
+  table.SetColAttrib(1, 3);
+  table.SetCellState(1, 1, 64);
+  table.SetMScaleType(1, zel::stRatio);
+  EXPECT_EQ(
+      "x.csv cannot hold attributes of columns, scales of measurement and cell states of x.xml, "
+      "which are lost",
+      lost());
+  writeBytes(folder.file("cut.csv"), "n,k\na,long enough a\nb,long enough b\nc,x\n");
+  EXPECT_EQ(
+      "the heading \"n\" of the row names is lost; texts of more than 10 bytes are cut in \"k\"",
+      converted(folder, "cut.csv", "cut.xml"));
+}
+
+TEST(Convert, Options) {
+  const TempDir folder;
+  writeBytes(folder.file("x.csv"), "a;b\n1,25;t\n-3,5;\n");
+  EXPECT_EQ("", runZel(folder, "convert x.csv y.csv --decimal-comma").errors);
+  EXPECT_EQ("a,b\n1.25,t\n-3.5,NA\n", readBytes(folder.file("y.csv")));
+  EXPECT_EQ("", runZel(folder, "convert - z.csv --out-decimal-comma --precision 1 <y.csv").errors);
+  EXPECT_EQ("a;b\n1,2;t\n-3,5;NA\n", readBytes(folder.file("z.csv")));
+  EXPECT_EQ("", runZel(folder, "convert y.csv y.csv.xml --id some").errors);
+  EXPECT_NE(std::string::npos, readBytes(folder.file("y.csv.xml")).find("\"some\""));
+  std::string many = "id,n\n1,x\n";
+  for (int i = 0; i < 151; ++i) many += "1,t" + std::to_string(i) + '\n';
+  writeBytes(folder.file("many.csv"), many);
+  const std::pair<const char*, const char*> refusals[] = {
+      {"y.csv y.csv", "the file y.csv would replace the data file"},
+      {"y.csv y.dat", "the file y.dat must have a name that ends in .csv, .asc, .txt or .xml"},
+      {"y.csv none/y.xml", "the file none/y.xml was not written: No such file or directory"},
+      {"y.csv y.xml --out-decimal-comma", "--out-decimal-comma: only a CSV file may have one"},
+      {"many.csv y.xml",
+       "many.csv, column \"n\": it has more than 150 different texts, which no column of a table "
+       "can hold"}};
+  for (const auto& [arguments, sentence] : refusals) {
+    expectFailure(runZel(folder, std::string("convert ") + arguments), sentence);
+  }
+}
+
+TEST(Crosstab, CountsAsCounted) {
+  const TempDir folder;
+  EXPECT_EQ(R"(m.csv: cyl (lines) by gear (columns), 32 rows
+
+        3   4  5  all
+  4     1   8  2   11
+  6     2   4  1    7
+  8    12   0  2   14
+  all  15  12  5   32
+
+  Percent of the row
+
+          3     4     5    all
+  4     9.1  72.7  18.2  100.0
+  6    28.6  57.1  14.3  100.0
+  8    85.7   0.0  14.3  100.0
+  all  46.9  37.5  15.6  100.0
+)",
+            runZel(folder, "crosstab m.csv cyl gear --percent row",
+                   "ln -s '" ZEL_TEST_DATA "/mtcars.csv' m.csv;")
+                .output);
+  std::mt19937 random(3);
+  std::string rows = "a,b\n";
+  std::map<std::pair<int, char>, int> counts;
+  int missing = 0;
+  for (int i = 0; i < 500; ++i) {
+    const int a = static_cast<int>(random() % 7) - 3;
+    const char b = "pqrs "[random() % 5];
+    rows.append(std::to_string(a)).append(",").append(1, b).append("\n");
+    b == ' ' ? ++missing : ++counts[{a, b}];
+  }
+  writeBytes(folder.file("x.csv"), rows);
+  const JsonFields json(runZel(folder, "crosstab x.csv 1 b --percent total --json").output);
+  EXPECT_EQ(std::to_string(missing), json.text("missing"));
+  for (int i = 0; i < 7; ++i) {
+    EXPECT_EQ(std::to_string(i - 3), json.text("a/categories/" + std::to_string(i)));
+    for (int j = 0; j < 4; ++j) {
+      const char b = json.text("b/categories/" + std::to_string(j))[0];
+      const std::string cell = '/' + std::to_string(i) + '/' + std::to_string(j);
+      EXPECT_EQ((counts[{i - 3, b}]), json.number("counts" + cell));
+      EXPECT_DOUBLE_EQ((100.0 * counts[{i - 3, b}] / (500 - missing)),
+                       json.number("percent" + cell));
+    }
+  }
+  std::string many = "x,y\n";
+  for (int i = 0; i < 151; ++i) many += std::to_string(i) + ",1\n";
+  writeBytes(folder.file("many.csv"), many);
+  expectFailure(runZel(folder, "crosstab many.csv y x"),
+                "many.csv, column \"x\": it has more than 150 different values, too many for "
+                "categories");
+  expectFailure(runZel(folder, "crosstab many.csv y z"),
+                "B: many.csv has no column \"z\", but these: 1 \"x\", 2 \"y\"");
+}
+
+}  // namespace
