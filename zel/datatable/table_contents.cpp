@@ -1,6 +1,5 @@
 #include "zel/datatable/table_contents_impl.h"
 
-#include <algorithm>
 #include <charconv>
 #include <iterator>
 
@@ -53,18 +52,6 @@ TTableContents::TTableContents(std::size_t columns, std::size_t rows) : Values(c
   FRowName.resize(rows);
   NameColumns(*this, 0);
   NameRows(*this, 0);
-}
-
-void TTableContents::AddRow() {
-  const std::size_t rows = Rows() + 1;
-  if (rows > Values.Length(1)) {
-    const std::size_t room = std::max<std::size_t>(16, 2 * rows);
-    Values.SetLength(Columns(), room);
-    FCState.SetLength(Columns(), room);
-  }
-  FRowAtt.resize(rows);
-  FRowName.resize(rows);
-  NameRows(*this, rows - 1);
 }
 
 void TTableContents::FitRows() {

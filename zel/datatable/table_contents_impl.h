@@ -12,8 +12,7 @@ namespace zel::detail {
 /// Place in storage of an index that counts from 1.
 inline std::size_t at(int index) { return static_cast<std::size_t>(index - 1); }
 
-/// All that a table holds. A reader that does not know the number of rows in advance reserves
-/// nothing: it adds one row after the other.
+/// All that a table holds.
 struct TTableContents : TTableArrays {
   TDouble2DArray Values;  // [column][row], like FCState
 
@@ -24,9 +23,8 @@ struct TTableContents : TTableArrays {
 
   [[nodiscard]] std::size_t Columns() const { return FColName.size(); }
   [[nodiscard]] std::size_t Rows() const { return FRowName.size(); }
-  /// Adds a row of zeros with its default name, in amortised constant time per cell. Values and
-  /// FCState may be longer than Rows() until FitRows is called.
-  void AddRow();
+  /// Gives Values and FCState, which a reader may have made longer, the number of rows that have a
+  /// name.
   void FitRows();
 };
 
