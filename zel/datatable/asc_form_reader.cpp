@@ -244,8 +244,11 @@ class TASCReader {
         });
         break;
       case alCategories: {
-        auto& ids = FContents.FVType[c].IDs;
-        readEntries(ids.data(), ids.size(), [&] { return TNominalIDStr(takeText()); });
+        TIdentifiers& ids = FContents.FVType[c].IDs;
+        forEachEntry(ids.size(), [&](std::size_t first, std::size_t last) {
+          const TNominalIDStr id(takeText());
+          for (; first < last; ++first) ids.Set(first, id);
+        });
         break;
       }
       case alRowNames:

@@ -47,16 +47,16 @@ struct TTableView {
 
 /// Identifier of the category that a value stands for; the decimal text of the number if there is
 /// none.
-[[nodiscard]] TNominalIDStr CategoryText(const TVTypeSpec& type, double value);
+[[nodiscard]] TNominalIDStr CategoryText(const TColumnType& type, double value);
 
 /// Number of categories that a variable can have.
 inline constexpr int kSlots = static_cast<int>(std::tuple_size_v<decltype(TVTypeSpec::IDs)>);
 
 [[nodiscard]] constexpr bool IsCategory(int k) { return k >= 1 && k <= kSlots; }
 /// Number of the first category with an identifier, which is not empty; 0 if there is none.
-[[nodiscard]] int FindCategory(const TVTypeSpec& type, const TNominalIDStr& id, bool ignoreCase);
+[[nodiscard]] int FindCategory(const TColumnType& type, const TNominalIDStr& id, bool ignoreCase);
 /// Number of the first category without identifier; 0 if there is none.
-[[nodiscard]] int FreeCategory(const TVTypeSpec& type);
+[[nodiscard]] int FreeCategory(const TColumnType& type);
 
 /// Default name: C-7.
 [[nodiscard]] TDTNameStr NumberedName(char initial, std::size_t number);
