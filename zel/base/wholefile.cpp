@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cerrno>
@@ -251,8 +252,14 @@ std::optional<std::string> ReadWholeFile(std::string_view FileName, std::error_c
     Error = systemError(errno);
     return std::nullopt;
   }
-  // The announced size is not trusted: some files have none, others grow meanwhile.
+  // The announced size saves copies but is not trusted: some files have none, others grow meanwhile
+  // or have holes.
+  constexpr off_t kMostReserved = off_t{1} << 28;
   std::string content;
+  struct stat status {};
+  if (::fstat(file.number, &status) == 0 && S_ISREG(status.st_mode)) {
+    content.reserve(static_cast<std::size_t>(std::min(status.st_size, kMostReserved)));
+  }
   std::array<char, 1 << 16> block;
   ssize_t n = 0;
   do {

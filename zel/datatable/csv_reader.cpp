@@ -136,9 +136,10 @@ struct TCsvColumn {
   std::unique_ptr<TCategories> categories;
 };
 
-/// Number of records that a text may hold at most.
+/// Number of records that a text may hold at most; where each is a line, their number.
 std::size_t mostRecords(std::string_view text) {
-  auto lines = static_cast<std::size_t>(std::ranges::count(text, '\n')) + 1;
+  const bool isCutOff = !text.empty() && text.back() != '\n' && text.back() != '\r';
+  auto lines = static_cast<std::size_t>(std::ranges::count(text, '\n')) + (isCutOff ? 1 : 0);
   for (std::size_t k = text.find('\r'); k != std::string_view::npos; k = text.find('\r', k + 1)) {
     lines += k + 1 < text.size() && text[k + 1] == '\n' ? 0 : 1;
   }
@@ -213,7 +214,7 @@ class TCsvReader {
       FContents.FColName[c] = TDTNameStr(names[c + FFirst - unnamed]);
     }
     // A cell takes a byte at least, be it its delimiter.
-    const std::size_t room = std::min(mostRecords(FText), FText.size() / width + 1);
+    const std::size_t room = std::min(1 + mostRecords(first.rest()), FText.size() / width + 1);
     FContents.Values.SetLength(FColumns.size(), room);
     FContents.FCState.SetLength(FColumns.size(), room);
   }

@@ -30,6 +30,8 @@ class DelimitedText {
   [[nodiscard]] bool isBroken() const { return FIsBroken; }
   /// What has broken it is a quotation mark that is never closed.
   [[nodiscard]] bool isOpen() const { return FIsOpen; }
+  /// What has not been taken yet.
+  [[nodiscard]] std::string_view rest() const { return FRest; }
   /// The line that the record, or what is broken, starts in, from 1.
   [[nodiscard]] std::size_t line() const { return FRecordLine; }
 
