@@ -198,32 +198,54 @@ void addRows(std::size_t n) {
   constexpr int columns = 20;
   const auto table = std::make_shared<std::unique_ptr<TDataTable>>();
   const auto plain = std::make_shared<std::unique_ptr<PlainColumns>>();
-  const int middle = static_cast<int>(n / 2);
+  const int rows = static_cast<int>(n);
+  const int grown = rows + rows / 10;
+  // Both get room to grow.
   const auto prepare = [=] {
     if (!*table) *table = newTable(n, columns);
     if (!*plain) *plain = std::make_unique<PlainColumns>(columns, n);
-    return (*table)->NrOfRows() == static_cast<int>(n);
+    for (const int size : {grown, rows}) {
+      (*table)->Resize(columns, size);
+      (*plain)->resize(static_cast<std::size_t>(size));
+    }
+    return true;
   };
-  compete("insert and remove a row, 20 cols", n, prepare,
-          {{"Zel",
-            [=] {
-              (*table)->InsertRow(middle + 1);
-              (*table)->RemoveRow(middle);
-            }},
-           {"vectors", [=] {
-              (*plain)->insertRow(static_cast<std::size_t>(middle));
-              (*plain)->removeRow(static_cast<std::size_t>(middle - 1));
-            }}});
-  const auto grown = static_cast<int>(n + n / 10);
-  compete("resize rows, 20 columns", n, prepare,
+  for (const auto& [kernel, row] : {std::pair("insert, remove first row, 20 cols", 1),
+                                    std::pair("insert, remove mid row, 20 cols", rows / 2)}) {
+    const int ix = row;
+    compete(kernel, n, prepare,
+            {{"Zel",
+              [=] {
+                (*table)->InsertRow(ix);
+                (*table)->RemoveRow(ix);
+              }},
+             {"vectors", [=] {
+                (*plain)->insertRow(static_cast<std::size_t>(ix - 1));
+                (*plain)->removeRow(static_cast<std::size_t>(ix - 1));
+              }}});
+  }
+  compete("resize rows to and fro, 20 cols", n, prepare,
           {{"Zel",
             [=] {
               (*table)->Resize(columns, grown);
-              (*table)->Resize(columns, static_cast<int>(n));
+              (*table)->Resize(columns, rows);
             }},
            {"vectors", [=] {
               (*plain)->resize(static_cast<std::size_t>(grown));
               (*plain)->resize(n);
+            }}});
+  compete("make and grow rows, 20 cols", n, prepare,
+          {{"Zel",
+            [=] {
+              TDataTable fresh;
+              fresh.Resize(columns, rows);
+              fresh.Resize(columns, grown);
+              keep(fresh.GetElem(1, 1));
+            }},
+           {"vectors", [=] {
+              PlainColumns fresh(columns, n);
+              fresh.resize(static_cast<std::size_t>(grown));
+              keep(fresh.values[0][0]);
             }}});
 }
 

@@ -1,8 +1,9 @@
-# What R does with a table: answers one command a line with one number a line.
+# What R does with a table: answers each line "read FILE" with the sum of the first column.
 input <- file("stdin", "r")
 repeat {
-  words <- strsplit(readLines(input, 1), " ")[[1]]
-  if (words[1] == "read") table <- read.csv(words[2]) else break
+  line <- readLines(input, 1)
+  if (length(line) == 0) break
+  table <- read.csv(sub("read ", "", line))
   cat(format(sum(table[[1]]), digits = 17), "\n", sep = "")
   flush(stdout())
 }

@@ -2,12 +2,15 @@
 
 #include <algorithm>
 
+#include "zel/base/ascii_impl.h"
+
 namespace zel {
+
+using detail::isBlank;
+
 namespace {
 
 using Traits = std::istream::traits_type;
-
-bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
 
 }  // namespace
 

@@ -609,8 +609,8 @@ class ZEL_API TDataTable : public TComponent, private detail::TTableArrays {
   [[nodiscard]] double* Values(int c) {
     return NumericData->data() + static_cast<std::size_t>(c - 1) * Rows();
   }
-  [[nodiscard]] TVTypeSpec& Type(int c) { return FVType[static_cast<std::size_t>(c - 1)]; }
-  [[nodiscard]] const TVTypeSpec& Type(int c) const {
+  [[nodiscard]] detail::TColumnType& Type(int c) { return FVType[static_cast<std::size_t>(c - 1)]; }
+  [[nodiscard]] const detail::TColumnType& Type(int c) const {
     return FVType[static_cast<std::size_t>(c - 1)];
   }
   [[nodiscard]] bool IsCategorical(int c) const {

@@ -23,7 +23,8 @@ constexpr int kTooManyCategories = -10;
 /// Gives the values of a column the numbers that their categories have in another one, which gets
 /// those that it lacks. What is no category or has no identifier stays as it is.
 /// @return false if there would be too many categories
-bool translateCategories(const TVTypeSpec& from, std::span<double> values, TVTypeSpec& to) {
+bool translateCategories(const detail::TColumnType& from, std::span<double> values,
+                         detail::TColumnType& to) {
   std::array<int, detail::kSlots> numbers{};  // 0: not met yet
   for (double& value : values) {
     const int k = RoundToInt<int>(value);
@@ -34,7 +35,7 @@ bool translateCategories(const TVTypeSpec& from, std::span<double> values, TVTyp
       if (number == 0) {
         number = detail::FreeCategory(to);
         if (number == 0) return false;
-        to.IDs[at(number)] = from.IDs[at(k)];
+        to.IDs.Set(at(number), from.IDs[at(k)]);
       }
     }
     value = number;
@@ -121,8 +122,8 @@ int TDataTable::ImportASC(const TClipboard& ClipBd) {
 bool TDataTable::MergeCategories(detail::TTableContents& contents, int PosX) const {
   for (std::size_t c = 0; c < contents.Columns(); ++c) {
     const int place = PosX + static_cast<int>(c);
-    TVTypeSpec& type = contents.FVType[c];
-    TVTypeSpec merged = HasColumn(place) ? Type(place) : TVTypeSpec();
+    detail::TColumnType& type = contents.FVType[c];
+    detail::TColumnType merged = HasColumn(place) ? Type(place) : detail::TColumnType();
     const bool areCategories = detail::IsCategoricalScale(type.MScaleType) &&
                                detail::IsCategoricalScale(merged.MScaleType);
     if (areCategories && !translateCategories(type, contents.Values[c], merged)) return false;
@@ -146,7 +147,8 @@ int TDataTable::PasteASC(std::string_view text, int PosX, int PosY, bool Replace
   if (newColumns > kMost || newRows > kMost) return kBadPlace;
 
   // Whatever may fail comes before anything of the table changes.
-  if (!ReplaceIDs && !MergeCategories(read, PosX)) return kTooManyCategories;
+  const bool fits = ReplaceIDs || Guarded([&] { return MergeCategories(read, PosX); });
+  if (!fits) return kTooManyCategories;
   const int oldCols = FNrOfCols;
   const int oldRows = FNrOfRows;
   ResizeTo(static_cast<std::int64_t>(newColumns), static_cast<std::int64_t>(newRows));

@@ -60,9 +60,9 @@ std::string TDataTable::CRCofNamesAndAttributes() const {
     registers.feed(FRowAtt);
     std::vector<int> scales(Columns());
     std::transform(FVType.begin(), FVType.end(), scales.begin(),
-                   [](const TVTypeSpec& type) { return type.MScaleType; });
+                   [](const detail::TColumnType& type) { return type.MScaleType; });
     registers.feed(scales);
-    for (const TVTypeSpec& type : FVType) {
+    for (const detail::TColumnType& type : FVType) {
       for (const TNominalIDStr& id : type.IDs) registers.feed(id);
     }
     return registers.text();

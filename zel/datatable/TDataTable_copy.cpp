@@ -1,6 +1,6 @@
 #include <algorithm>
-#include <charconv>
 #include <cstring>
+#include <string>
 #include <type_traits>
 #include <utility>
 
@@ -17,6 +17,17 @@ namespace {
 template <class... Event>
 auto copiesOf(const std::tuple<Event&...>& events) {
   return std::tuple<std::remove_const_t<Event>...>(events);
+}
+
+/// A nominal variable whose categories are 1:name, 2:name and so on.
+detail::TColumnType numberedNames(const TDynArray<TDTNameStr, 1>& names) {
+  detail::TColumnType type;
+  type.MScaleType = stNominal;
+  for (std::size_t i = 0; i < std::min(names.size(), type.IDs.size()); ++i) {
+    const std::string id = std::to_string(i + 1).append(":").append(std::string_view(names[i]));
+    type.IDs.Set(i, TNominalIDStr(id));
+  }
+  return type;
 }
 
 }  // namespace
@@ -134,19 +145,21 @@ void TDataTable::Serialize(bool ColHeadsAsVar, bool IncludeColRowNumbers) {
   {
     const detail::TSuspended change(OnChange);
     TMScaleType highest = stUnknown;
-    for (const TVTypeSpec& type : FVType) highest = std::max(highest, type.MScaleType);
+    for (const detail::TColumnType& type : FVType) highest = std::max(highest, type.MScaleType);
     const std::size_t rows = Rows();
     TDouble2DArray oldValues;
     TDynArray<std::uint8_t, 2> oldStates;
     TDynArray<TDTNameStr, 1> oldColName;
     TDynArray<TDTNameStr, 1> oldRowName;
     TDynArray<int, 1> oldRowAtt;
+    detail::TColumnType heads;
     Guarded([&] {
       CopyDataToArray(oldValues);
       oldStates = FCState;
       oldColName = FColName;
       oldRowName = FRowName;
       oldRowAtt = FRowAtt;
+      if (ColHeadsAsVar) heads = numberedNames(FColName);
     });
     for (int c = 1; c <= oldCols; ++c) {
       const auto values = oldValues[at(c)];
@@ -157,18 +170,7 @@ void TDataTable::Serialize(bool ColHeadsAsVar, bool IncludeColRowNumbers) {
     ResizeTo(m, std::int64_t{oldCols} * oldRows);
 
     if (ColHeadsAsVar) {
-      TVTypeSpec& type = Type(1);
-      type = TVTypeSpec();
-      type.MScaleType = stNominal;
-      const std::size_t identifiers = std::min(type.IDs.size(), at(oldCols + 1));
-      for (std::size_t i = 0; i < identifiers; ++i) {
-        char text[4 + TDTNameStr::max_size()];
-        char* end = std::to_chars(std::begin(text), std::end(text), i + 1).ptr;
-        *end++ = ':';
-        const std::string_view name = oldColName[i];
-        end = std::copy(name.begin(), name.end(), end);
-        type.IDs[i] = TNominalIDStr(std::string_view(text, static_cast<std::size_t>(end - text)));
-      }
+      Type(1) = std::move(heads);
       FColName[0] = TDTNameStr("(column)");
     }
     if (IncludeColRowNumbers) {

@@ -27,7 +27,7 @@ int TDataTable::AddNominalID(int Col, std::string_view MScaleID) {
   if (const int known = OrdinalOfNominalID(Col, MScaleID, true)) return known;
   const int free = detail::FreeCategory(Type(Col));
   if (free == 0) return 0;
-  Type(Col).IDs[at(free)] = TNominalIDStr(MScaleID);
+  Guarded([&] { Type(Col).IDs.Set(at(free), TNominalIDStr(MScaleID)); });
   Type(Col).MScaleType = stNominal;
   ChangedSetup();
   return free;
@@ -36,7 +36,7 @@ int TDataTable::AddNominalID(int Col, std::string_view MScaleID) {
 void TDataTable::SetNominalID(int ColIx, int OrdVal, std::string_view MScaleID) {
   if (!HasColumn(ColIx) || !IsCategory(OrdVal)) return;
   if (MScaleID.empty() || IsCategorical(ColIx)) {
-    Type(ColIx).IDs[at(OrdVal)] = TNominalIDStr(MScaleID);
+    Guarded([&] { Type(ColIx).IDs.Set(at(OrdVal), TNominalIDStr(MScaleID)); });
   }
   ChangedSetup();
 }
@@ -55,7 +55,7 @@ int TDataTable::CountNominalIDs(int Col) const {
 
 void TDataTable::ClearNominalIDs(int Col) {
   if (!HasColumn(Col)) return;
-  Type(Col).IDs.fill(TNominalIDStr());
+  Type(Col).IDs.Clear();
   ChangedSetup();
 }
 
@@ -72,7 +72,7 @@ void TDataTable::SetElemNominal(int ACol, int ARow, std::string_view Value) {
     if (k == 0) {
       Raise<EZELDataTableError>("\": number of available nominal values exceeded");
     }
-    Type(ACol).IDs[at(k)] = TNominalIDStr(Value);
+    Guarded([&] { Type(ACol).IDs.Set(at(k), TNominalIDStr(Value)); });
   }
   SetElem(ACol, ARow, k);
 }

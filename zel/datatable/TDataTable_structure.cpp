@@ -145,7 +145,7 @@ void TDataTable::InsertColumn(int ix) {
   const std::size_t columns = Columns();
   openGap(FColAtt.data(), columns, at(ix), 0);
   openGap(FColName.data(), columns, at(ix), TDTNameStr());
-  openGap(FVType.data(), columns, at(ix), TVTypeSpec());
+  openGap(FVType.data(), columns, at(ix), detail::TColumnType());
   const std::size_t moved = (columns - 1 - at(ix)) * Rows();
   std::move_backward(Values(ix), Values(ix) + moved, Values(ix) + moved + Rows());
   std::fill_n(Values(ix), Rows(), 0.0);
@@ -306,7 +306,7 @@ void TDataTable::Clear() {
   detail::NameRows(*this, 0);
   std::fill(FColAtt.begin(), FColAtt.end(), 0);
   std::fill(FRowAtt.begin(), FRowAtt.end(), 0);
-  std::fill(FVType.begin(), FVType.end(), TVTypeSpec());
+  std::fill(FVType.begin(), FVType.end(), detail::TColumnType());
   std::fill(FCState.begin(), FCState.end(), std::uint8_t{0});
   std::fill_n(NumericData->data(), Columns() * Rows(), 0.0);
   ChangedNames();
@@ -356,7 +356,7 @@ void TDataTable::AssignAnotherDataMatrix(TMatrix* NewDMat) {
       FOwned.reset();
     }
     AttachMatrix();
-    for (TVTypeSpec& type : FVType) type.MScaleType = stInterval;
+    for (detail::TColumnType& type : FVType) type.MScaleType = stInterval;
     if (FNrOfCols != oldCols || FNrOfRows != oldRows) FireResize(oldCols, oldRows);
     FireResize(oldCols, oldRows);
   }

@@ -11,6 +11,7 @@
 #include "zel/base/Zel_stringl.h"
 #include "zel/base/ascheader.h"
 #include "zel/base/ascheader_impl.h"
+#include "zel/base/ascii_impl.h"
 #include "zel/base/numbertext.h"
 #include "zel/base/numbertext_impl.h"
 #include "zel/datatable/asc_form_impl.h"
@@ -82,7 +83,7 @@ class TASCReader {
   }
 
   TDTNameStr readName(std::string_view whose, std::size_t number) {
-    FRest.remove_prefix(std::min(FRest.find_first_not_of(" \t\r\n"), FRest.size()));
+    skipBlanks();
     const std::string_view start = FRest;
     if (!ReadQuotedName(FRest, '"', FName)) {
       std::string reason = "the name of ";
@@ -119,7 +120,22 @@ class TASCReader {
     std::uint8_t state = 0;
   };
 
+  void skipBlanks() {
+    std::size_t n = 0;
+    while (n < FRest.size() && isBlank(FRest[n])) ++n;
+    FRest.remove_prefix(n);
+  }
+
   TCell readCell(std::size_t c, std::size_t r) {
+    skipBlanks();
+    // Most words are numbers, whose end need not be searched for.
+    double number = 0;
+    const std::size_t length = scanNumber(FRest, std::chars_format::general, number);
+    const bool isWhole = length == FRest.size() || isBlank(FRest[length]);
+    if (length > 0 && isWhole && std::isfinite(number)) {
+      FRest.remove_prefix(length);
+      return {number, 0};
+    }
     const std::string_view word = ReadNextWord(FRest);
     const auto x = numberOf(word);
     if (word == "###" || (x && std::isnan(*x))) return {0, kEmptyState};
@@ -228,8 +244,11 @@ class TASCReader {
         });
         break;
       case alCategories: {
-        auto& ids = FContents.FVType[c].IDs;
-        readEntries(ids.data(), ids.size(), [&] { return TNominalIDStr(takeText()); });
+        TIdentifiers& ids = FContents.FVType[c].IDs;
+        forEachEntry(ids.size(), [&](std::size_t first, std::size_t last) {
+          const TNominalIDStr id(takeText());
+          for (; first < last; ++first) ids.Set(first, id);
+        });
         break;
       }
       case alRowNames:

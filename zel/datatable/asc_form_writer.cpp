@@ -87,8 +87,9 @@ class TASCWriter {
     FHasAttributes = std::ranges::any_of(FArrays.FRowAtt, [](int a) { return a != 0; });
     FHasRowNames = hasOtherNames(FArrays.FRowName, 'R');
     const bool hasColNames = hasOtherNames(FArrays.FColName, 'C');
-    const bool isNominal = std::ranges::any_of(
-        FArrays.FVType, [](const TVTypeSpec& type) { return IsCategoricalScale(type.MScaleType); });
+    const bool isNominal = std::ranges::any_of(FArrays.FVType, [](const TColumnType& type) {
+      return IsCategoricalScale(type.MScaleType);
+    });
     std::string flags;
     for (const bool flag : {FHasAttributes, hasColNames, FHasRowNames, isNominal}) {
       if (!flags.empty()) flags += ' ';

@@ -76,7 +76,7 @@ class TCategories {
       int& number = FNumbers[std::string(text)];
       if (number == 0) {
         if (FTexts.size() == FType.IDs.size()) return 0;
-        FType.IDs[FTexts.size()] = uniqueId(text);
+        FType.IDs.Set(FTexts.size(), uniqueId(text));
         FTexts.push_back({std::string(text), 0});
         number = static_cast<int>(FTexts.size());
       }
@@ -85,7 +85,7 @@ class TCategories {
     ++FTexts[at(FLast)].cells;
     return FLast;
   }
-  [[nodiscard]] const TVTypeSpec& type() const { return FType; }
+  [[nodiscard]] const TColumnType& type() const { return FType; }
   /// What the column holds.
   [[nodiscard]] TCSVImport::TTexts report(int column, TDecPSep separator) const {
     TCSVImport::TTexts report{.Column = column, .Line = FWordLine, .Word = FWord};
@@ -113,7 +113,7 @@ class TCategories {
     return id;
   }
 
-  TVTypeSpec FType{stNominal, {}};
+  TColumnType FType{stNominal, {}};
   std::vector<TText> FTexts;
   std::unordered_map<std::string, int> FNumbers;
   int FLast = 0;

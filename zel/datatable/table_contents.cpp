@@ -1,6 +1,5 @@
 #include "zel/datatable/table_contents_impl.h"
 
-#include <algorithm>
 #include <charconv>
 #include <iterator>
 
@@ -9,14 +8,14 @@
 
 namespace zel::detail {
 
-int FindCategory(const TVTypeSpec& type, const TNominalIDStr& id, bool ignoreCase) {
+int FindCategory(const TColumnType& type, const TNominalIDStr& id, bool ignoreCase) {
   const auto found = std::ranges::find_if(type.IDs, [&](const TNominalIDStr& known) {
     return ignoreCase ? EqualIgnoringCase(known, id) : known == id;
   });
   return found == type.IDs.end() ? 0 : static_cast<int>(found - type.IDs.begin()) + 1;
 }
 
-int FreeCategory(const TVTypeSpec& type) { return FindCategory(type, {}, false); }
+int FreeCategory(const TColumnType& type) { return FindCategory(type, {}, false); }
 
 TDTNameStr NumberedName(char initial, std::size_t number) {
   char text[24] = {initial, '-'};
@@ -24,7 +23,7 @@ TDTNameStr NumberedName(char initial, std::size_t number) {
   return TDTNameStr(std::string_view(text, static_cast<std::size_t>(end - text)));
 }
 
-TNominalIDStr CategoryText(const TVTypeSpec& type, double value) {
+TNominalIDStr CategoryText(const TColumnType& type, double value) {
   const int k = RoundToInt<int>(value);
   if (IsCategory(k)) return type.IDs[static_cast<std::size_t>(k - 1)];
   char text[16];
@@ -53,18 +52,6 @@ TTableContents::TTableContents(std::size_t columns, std::size_t rows) : Values(c
   FRowName.resize(rows);
   NameColumns(*this, 0);
   NameRows(*this, 0);
-}
-
-void TTableContents::AddRow() {
-  const std::size_t rows = Rows() + 1;
-  if (rows > Values.Length(1)) {
-    const std::size_t room = std::max<std::size_t>(16, 2 * rows);
-    Values.SetLength(Columns(), room);
-    FCState.SetLength(Columns(), room);
-  }
-  FRowAtt.resize(rows);
-  FRowName.resize(rows);
-  NameRows(*this, rows - 1);
 }
 
 void TTableContents::FitRows() {

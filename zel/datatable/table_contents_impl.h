@@ -12,8 +12,7 @@ namespace zel::detail {
 /// Place in storage of an index that counts from 1.
 inline std::size_t at(int index) { return static_cast<std::size_t>(index - 1); }
 
-/// All that a table holds. A reader that does not know the number of rows in advance reserves
-/// nothing: it adds one row after the other.
+/// All that a table holds.
 struct TTableContents : TTableArrays {
   TDouble2DArray Values;  // [column][row], like FCState
 
@@ -24,9 +23,8 @@ struct TTableContents : TTableArrays {
 
   [[nodiscard]] std::size_t Columns() const { return FColName.size(); }
   [[nodiscard]] std::size_t Rows() const { return FRowName.size(); }
-  /// Adds a row of zeros with its default name, in amortised constant time per cell. Values and
-  /// FCState may be longer than Rows() until FitRows is called.
-  void AddRow();
+  /// Gives Values and FCState, which a reader may have made longer, the number of rows that have a
+  /// name.
   void FitRows();
 };
 
@@ -49,16 +47,16 @@ struct TTableView {
 
 /// Identifier of the category that a value stands for; the decimal text of the number if there is
 /// none.
-[[nodiscard]] TNominalIDStr CategoryText(const TVTypeSpec& type, double value);
+[[nodiscard]] TNominalIDStr CategoryText(const TColumnType& type, double value);
 
 /// Number of categories that a variable can have.
 inline constexpr int kSlots = static_cast<int>(std::tuple_size_v<decltype(TVTypeSpec::IDs)>);
 
 [[nodiscard]] constexpr bool IsCategory(int k) { return k >= 1 && k <= kSlots; }
 /// Number of the first category with an identifier, which is not empty; 0 if there is none.
-[[nodiscard]] int FindCategory(const TVTypeSpec& type, const TNominalIDStr& id, bool ignoreCase);
+[[nodiscard]] int FindCategory(const TColumnType& type, const TNominalIDStr& id, bool ignoreCase);
 /// Number of the first category without identifier; 0 if there is none.
-[[nodiscard]] int FreeCategory(const TVTypeSpec& type);
+[[nodiscard]] int FreeCategory(const TColumnType& type);
 
 /// Default name: C-7.
 [[nodiscard]] TDTNameStr NumberedName(char initial, std::size_t number);

@@ -3,10 +3,13 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 #include "zel/base/array.h"
@@ -96,12 +99,46 @@ constexpr bool IsCategoricalScale(TMScaleType scale) {
   return scale == stNominal || scale == stOrdinal;
 }
 
+/// The identifiers of a column. Copies share them until one is changed, and a column without any
+/// holds nothing: a file may have a million columns.
+class TIdentifiers {
+ public:
+  using TSlots = decltype(TVTypeSpec::IDs);
+
+  [[nodiscard]] static constexpr std::size_t size() { return std::tuple_size_v<TSlots>; }
+  [[nodiscard]] const TNominalIDStr& operator[](std::size_t k) const { return All()[k]; }
+  [[nodiscard]] TSlots::const_iterator begin() const { return All().begin(); }
+  [[nodiscard]] TSlots::const_iterator end() const { return All().end(); }
+  /// @throws std::bad_alloc  nothing has changed then
+  void Set(std::size_t k, const TNominalIDStr& id) {
+    if (All()[k] == id) return;
+    if (FSlots.use_count() != 1) FSlots = std::make_shared<TSlots>(All());
+    (*FSlots)[k] = id;
+  }
+  void Clear() { FSlots.reset(); }
+  [[nodiscard]] bool operator==(const TIdentifiers& other) const { return All() == other.All(); }
+
+ private:
+  [[nodiscard]] const TSlots& All() const {
+    static constexpr TSlots none{};
+    return FSlots ? *FSlots : none;
+  }
+  std::shared_ptr<TSlots> FSlots;
+};
+
+/// What a TVTypeSpec tells, as a table keeps it.
+struct TColumnType {
+  TMScaleType MScaleType = stInterval;
+  TIdentifiers IDs;
+  bool operator==(const TColumnType&) const = default;
+};
+
 /// What a table holds beside its values.
 struct TTableArrays {
   std::string FComment;
   TDynArray<int, 1> FRowAtt;
   TDynArray<int, 1> FColAtt;
-  TDynArray<TVTypeSpec, 1> FVType;
+  TDynArray<TColumnType, 1> FVType;
   TDynArray<std::uint8_t, 2> FCState;  // [column][row]
   TDynArray<TDTNameStr, 1> FColName;
   TDynArray<TDTNameStr, 1> FRowName;

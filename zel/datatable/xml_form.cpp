@@ -262,7 +262,7 @@ TTableContents TXmlTable::contents() const {
     contents.FVType[at(column)].MScaleType = scale;
   }
   for (const auto& [column, slot, text] : FIdentifiers) {
-    contents.FVType[at(column)].IDs[at(slot)] = text;
+    contents.FVType[at(column)].IDs.Set(at(slot), text);
   }
   for (const TCell& cell : FCells) {
     contents.Values.data()[placeOf(cell)] = cell.value;
@@ -387,7 +387,7 @@ void writeAttributes(TXmlWriter& xml, TDTxmlTags container, bool isRow,
       });
 }
 
-void writeVariable(TXmlWriter& xml, std::size_t number, const TVTypeSpec& type) {
+void writeVariable(TXmlWriter& xml, std::size_t number, const TColumnType& type) {
   xml.open(xmlVarType);
   xml.attribute("ix", number);
   xml << " scale=\"" << MScaleTypeNames[type.MScaleType] << "\">";
