@@ -85,8 +85,8 @@ void addFigures(JsonWriter& json, const Description& d, const DescribeOptions& o
   json.add("geometric_mean", s.geometricMean.value);
   const auto addExtreme = [&](const std::string& key, const Figure& figure, int row) {
     json.add(key, figure.value);
-    s.n > 0 ? json.add(key + "_row", row) : json.addNull(key + "_row");
-    if (d.variable.table->hasRowNames && s.n > 0) {
+    row > 0 ? json.add(key + "_row", row) : json.addNull(key + "_row");
+    if (d.variable.table->hasRowNames && row > 0) {
       json.add(key + "_row_name", d.variable.table->rowName(row));
     }
   };

@@ -162,7 +162,8 @@ void drawGroups(const std::string& fileName, const std::string& title, const Gro
       gnuplotVariable("legendHeight", shortest(1 - 0.47 / height)) + kStyle;
   for (std::size_t i = 0; i < variables.size(); ++i) {
     const double left = 0.2 + layout.panelWidth * static_cast<double>(i % layout.across);
-    const double top = kHeadHeight + layout.panelHeight * static_cast<double>(i / layout.across);
+    const std::size_t row = i / layout.across;
+    const double top = kHeadHeight + layout.panelHeight * static_cast<double>(row);
     script += screen("l", (left + 0.5) / kWidth) +
               screen("r", (left + layout.panelWidth - 0.2) / kWidth) +
               screen("t", 1 - (top + 0.42) / height) +

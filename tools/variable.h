@@ -21,9 +21,9 @@ struct Variable {
   int missing = 0;
 
   /// Row of a value.
-  /// @param position  1-based among the values present
+  /// @param position  1-based among the values present; 0, which is no place, gives 0
   [[nodiscard]] int rowOf(int position) const {
-    return rows[static_cast<std::size_t>(position - 1)];
+    return position > 0 ? rows[static_cast<std::size_t>(position - 1)] : 0;
   }
 };
 
