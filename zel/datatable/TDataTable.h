@@ -717,6 +717,16 @@ class ZEL_API TDataTable : public TComponent, private detail::TTableArrays {
   void RefuseCategorical(const char* message) const;
   /// Puts row order[k] (from 0, of the rectangle) to place k.
   void ReorderRows(const TCellRange& range, int keyColumn, std::span<const std::uint64_t> order);
+  /// The same for columns.
+  void ReorderColumns(const TCellRange& range, int keyRow, std::span<const std::uint64_t> order);
+  /// Without a handler for exchanges: sorts by the keys of the indices, and moves all once.
+  /// @param keyLine  column or row whose values are the keys, which then move, too; 0: other keys
+  /// @return false, with nothing done, if there is a handler or no memory
+  template <class Key>
+  bool SortAtOnce(const TCellRange& range, bool isRows, int keyLine, bool ascending, Key key);
+  /// SortRows, SortCols.
+  void SortByValues(int keyLine, bool isRows, bool ascending, const TCellRange& range,
+                    bool includeHeaders);
   /// Comb sort of the rows or columns of a rectangle, with all that belongs to them, by the key of
   /// an index. Fires OnChange.
   /// @return false, with nothing done, for a single row or column

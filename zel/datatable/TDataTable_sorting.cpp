@@ -44,7 +44,7 @@ void TDataTable::ReorderRows(const TCellRange& range, int keyColumn,
     reorder(Values(c) + first, order, values);
     reorder(States(c) + first, order, states);
   }
-  if (keyColumn < range.LowCol || keyColumn > range.HighCol) {
+  if (keyColumn > 0 && (keyColumn < range.LowCol || keyColumn > range.HighCol)) {
     reorder(Values(keyColumn) + first, order, values);
   }
   if (FSortIncludeHd) {
@@ -53,45 +53,93 @@ void TDataTable::ReorderRows(const TCellRange& range, int keyColumn,
   }
 }
 
+void TDataTable::ReorderColumns(const TCellRange& range, int keyRow,
+                                std::span<const std::uint64_t> order) {
+  const std::size_t first = at(range.LowCol);
+  const std::size_t row = at(range.LowRow);
+  const std::size_t rows = static_cast<std::size_t>(range.HighRow) - row;
+  std::vector<double> values(rows);
+  std::vector<double> keys(order.size());
+  std::vector<std::uint8_t> states(rows);
+  std::vector<std::uint8_t> isDone(order.size());
+  std::vector<int> attributes(FSortIncludeHd ? order.size() : 0);
+  std::vector<TDTNameStr> names(FSortIncludeHd ? order.size() : 0);
+  std::vector<detail::TColumnType> types(FSortIncludeHd ? order.size() : 0);
+  // From here on nothing fails. Each cycle of columns moves through one that is set aside.
+  const auto valuesOf = [&](std::size_t k) { return Values(range.LowCol + static_cast<int>(k)); };
+  const auto statesOf = [&](std::size_t k) { return States(range.LowCol + static_cast<int>(k)); };
+  if (keyRow > 0 && (keyRow < range.LowRow || keyRow > range.HighRow)) {
+    for (std::size_t k = 0; k < order.size(); ++k) keys[k] = valuesOf(order[k])[at(keyRow)];
+    for (std::size_t k = 0; k < order.size(); ++k) valuesOf(k)[at(keyRow)] = keys[k];
+  }
+  for (std::size_t start = 0; start < order.size(); ++start) {
+    if (isDone[start] != 0 || order[start] == start) continue;
+    std::copy_n(valuesOf(start) + row, rows, values.begin());
+    std::copy_n(statesOf(start) + row, rows, states.begin());
+    std::size_t k = start;
+    for (; order[k] != start; k = order[k]) {
+      isDone[k] = 1;
+      std::copy_n(valuesOf(order[k]) + row, rows, valuesOf(k) + row);
+      std::copy_n(statesOf(order[k]) + row, rows, statesOf(k) + row);
+    }
+    isDone[k] = 1;
+    std::copy_n(values.begin(), rows, valuesOf(k) + row);
+    std::copy_n(states.begin(), rows, statesOf(k) + row);
+  }
+  if (FSortIncludeHd) {
+    reorder(FColAtt.data() + first, order, attributes);
+    reorder(FColName.data() + first, order, names);
+    reorder(FVType.data() + first, order, types);
+  }
+}
+
+template <class Key>
+bool TDataTable::SortAtOnce(const TCellRange& range, bool isRows, int keyLine, bool ascending,
+                            Key key) {
+  if (OnSortExchange) return false;
+  const int low = isRows ? range.LowRow : range.LowCol;
+  const int high = isRows ? range.HighRow : range.HighCol;
+  try {
+    std::vector<std::decay_t<decltype(key(low))>> keys;
+    for (int k = low; k <= high; ++k) keys.push_back(key(k));
+    std::vector<std::uint64_t> order(keys.size());
+    kernels::combOrderFast(std::span(keys), std::span(order), keys.size() - 1, ascending);
+    isRows ? ReorderRows(range, keyLine, order) : ReorderColumns(range, keyLine, order);
+    return true;
+  } catch (const std::bad_alloc&) {
+    return false;  // one exchange after the other takes no memory
+  }
+}
+
 void TDataTable::SortRows(int SortColIx, bool Ascending, int LowCol, int LowRow, int HighCol,
                           int HighRow, bool IncludeHeaders) {
-  const TCellRange range = ValidRange(LowCol, LowRow, HighCol, HighRow);
-  FSortIncludeHd = IncludeHeaders;
-  if (range.LowRow == range.HighRow || !HasColumn(SortColIx)) return;
-  FitMatrix();
-  bool isSorted = false;
-  if (!OnSortExchange) {
-    try {
-      const double* const column = Values(SortColIx);
-      std::vector<double> keys(column + at(range.LowRow), column + range.HighRow);
-      std::vector<std::uint64_t> order(keys.size());
-      kernels::combOrderFast(std::span(keys), std::span(order), keys.size() - 1, Ascending);
-      ReorderRows(range, SortColIx, order);
-      isSorted = true;
-    } catch (const std::bad_alloc&) {
-      // One exchange after the other takes no memory.
-    }
-  }
-  if (isSorted) {
-    ChangedData();
-  } else {
-    NumericData->SortRows(SortColIx, Ascending, range.LowCol, range.LowRow, range.HighCol,
-                          range.HighRow);
-  }
-  if (!IncludeHeaders) return;
-  ChangedNames();
-  ChangedAttrib();
+  SortByValues(SortColIx, true, Ascending, ValidRange(LowCol, LowRow, HighCol, HighRow),
+               IncludeHeaders);
 }
 
 void TDataTable::SortCols(int SortRowIx, bool Ascending, int LowCol, int LowRow, int HighCol,
                           int HighRow, bool IncludeHeaders) {
-  const TCellRange range = ValidRange(LowCol, LowRow, HighCol, HighRow);
-  FSortIncludeHd = IncludeHeaders;
-  if (range.LowCol == range.HighCol || !HasRow(SortRowIx)) return;
+  SortByValues(SortRowIx, false, Ascending, ValidRange(LowCol, LowRow, HighCol, HighRow),
+               IncludeHeaders);
+}
+
+void TDataTable::SortByValues(int keyLine, bool isRows, bool ascending, const TCellRange& range,
+                              bool includeHeaders) {
+  FSortIncludeHd = includeHeaders;
+  const bool isSingle = isRows ? range.LowRow == range.HighRow : range.LowCol == range.HighCol;
+  if (isSingle || !(isRows ? HasColumn(keyLine) : HasRow(keyLine))) return;
   FitMatrix();
-  NumericData->SortCols(SortRowIx, Ascending, range.LowCol, range.LowRow, range.HighCol,
-                        range.HighRow);
-  if (!IncludeHeaders) return;
+  const auto key = [&](int k) { return isRows ? Values(keyLine)[at(k)] : Values(k)[at(keyLine)]; };
+  if (SortAtOnce(range, isRows, keyLine, ascending, key)) {
+    ChangedData();
+  } else if (isRows) {
+    NumericData->SortRows(keyLine, ascending, range.LowCol, range.LowRow, range.HighCol,
+                          range.HighRow);
+  } else {
+    NumericData->SortCols(keyLine, ascending, range.LowCol, range.LowRow, range.HighCol,
+                          range.HighRow);
+  }
+  if (!includeHeaders) return;
   ChangedNames();
   ChangedAttrib();
 }
@@ -114,6 +162,10 @@ bool TDataTable::SortLines(const TCellRange& range, bool isRows, bool ascending,
   if (low == high) return false;
   FitMatrix();
   const TKept kept(FSortIncludeHd, true);
+  if (SortAtOnce(range, isRows, 0, ascending, key)) {
+    ChangedData();
+    return true;
+  }
   const auto step = [&](std::size_t i, std::size_t j) {
     const int a = low + static_cast<int>(i);
     const int b = low + static_cast<int>(j);
