@@ -1,8 +1,12 @@
-// Delimited text: the records and cells of any bytes end, and what is written is read again.
+// Delimited text: the records and cells of any bytes end, and what is written is read again, as
+// cells and as a table.
+#include <algorithm>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "fuzz/target.h"
+#include "zel/datatable/csv_form_impl.h"
 #include "zel/datatable/delimited_impl.h"
 
 namespace zel_fuzz {
@@ -33,6 +37,36 @@ Records recordsOf(std::string_view text, char delimiter, bool& isBroken) {
   return records;
 }
 
+/// The table that a text holds, and that again which is written of it.
+void checkTable(std::string_view text, bool hasHeads, zel::TDecPSep separator) {
+  zel::TCSVImport import;
+  import.IncludeColHeaders = import.IncludeRowHeaders = hasHeads;
+  import.DecSep = separator;
+  import.SkipLongTexts = hasHeads;
+  zel::detail::TTableContents table(1, 0);
+  if (zel::detail::ReadCSV(text, import, table) != 0) {
+    require(!import.Message.empty(), "a failure has a message");
+    return;
+  }
+  require(import.RowLines.size() == table.Rows() && std::ranges::is_sorted(import.RowLines),
+          "each row has its line");
+  require(table.Values.size() <= text.size() + 1, "a cell takes a byte at least");
+  zel::detail::TCSVExport how;
+  how.Delimiter = zel::detail::DelimiterOf(zel::cdDetect, text);
+  how.DecSep = separator;
+  std::ostringstream written;
+  WriteCSV(written, {table, table.Values.data()}, how);
+  import.Delimiter = how.Delimiter == ','   ? zel::cdComma
+                     : how.Delimiter == ';' ? zel::cdSemicolon
+                                            : zel::cdTab;
+  import.IncludeColHeaders = import.IncludeRowHeaders = true;
+  zel::detail::TTableContents again(1, 0);
+  require(zel::detail::ReadCSV(written.str(), import, again) == 0, "what is written is read");
+  require(again.FRowName == table.FRowName && again.FRowAtt == table.FRowAtt &&
+              again.FColName == table.FColName && again.FCState == table.FCState,
+          "heads and empty cells come back");
+}
+
 }  // namespace
 
 int FuzzDelimited(const std::uint8_t* data, std::size_t size) {
@@ -50,6 +84,8 @@ int FuzzDelimited(const std::uint8_t* data, std::size_t size) {
   }
   require(recordsOf(written, delimiter, isBroken) == records && !isBroken,
           "what is written is read again");
+  checkTable(text, true, zel::dpsPoint);
+  checkTable(text, false, zel::dpsComma);
   return 0;
 }
 

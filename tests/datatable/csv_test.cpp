@@ -158,9 +158,17 @@ TEST(TableCsv, ReportsWhatItSkips) {
 
 TEST(TableCsv, RoundTrips) {
   std::mt19937_64 random(5);
-  const std::string_view names[] = {
-      "",           " a ", "x,y",      "\"", "1;2\t3",
-      "two\nlines", "#",   "\xC3\xA4", "NA", "12345678901234567890123456789012345678901234567890"};
+  const std::string_view names[] = {"",
+                                    " a ",
+                                    "x,y",
+                                    "\"",
+                                    "1;2\t3",
+                                    "two\nlines",
+                                    "#",
+                                    "(attribute)",
+                                    "\xC3\xA4",
+                                    "NA",
+                                    "12345678901234567890123456789012345678901234567890"};
   for (int trial = 0; trial < 60; ++trial) {
     TDataTable T;
     const int columns = static_cast<int>(random() % 5) + 1;
@@ -191,9 +199,11 @@ TEST(TableCsv, RoundTrips) {
     }
     const auto delimiter = static_cast<TCSVDelimiters>(trial % 3);
     const TDecPSep separator = trial % 2 == 0 ? dpsPoint : dpsComma;
+    const bool hasAttributes = trial % 4 != 3;
+    if (!hasAttributes) T.SetRowAttributes(0);
     const TempDir folder;
     const std::string file = folder.file("x.csv");
-    ASSERT_TRUE(T.ExportAsCSV(file, -1, delimiter, true, true, true, true, separator));
+    ASSERT_TRUE(T.ExportAsCSV(file, -1, delimiter, true, true, hasAttributes, true, separator));
     TDataTable Read;
     std::string message;
     ASSERT_EQ(Read.ImportFromCSV(file, delimiter, true, true, separator, message), 0)

@@ -337,6 +337,16 @@ TEST_F(DataTable, ThrowingHandlersLeaveHandlersAndTableWhole) {
   EXPECT_EQ(events, "DSNAC");
 }
 
+TEST(DataTableMemory, IsThatOfCellsNamesAndAttributes) {
+  static std::size_t bytes = 0;
+  TDataTable table;
+  detail::AllocationAllowed = [](std::size_t n) { return (bytes += n, true); };
+  table.Resize(10, 100000);
+  detail::AllocationAllowed = nullptr;
+  const double heads = 100010.0 * (sizeof(TDTNameStr) + sizeof(int));
+  EXPECT_LE(static_cast<double>(bytes), 1.1 * (9.0 * 10 * 100000 + heads));
+}
+
 TEST(DataTableMemory, FailedAllocationsChangeNothing) {
   std::unique_ptr<TDataTable> table;
   TableModel model;

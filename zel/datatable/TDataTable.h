@@ -459,8 +459,9 @@ class ZEL_API TDataTable : public TComponent, private detail::TTableArrays {
   /// numbers; in quotation marks the words are texts. A column in which anything else occurs is
   /// nominal: its texts, cut to the UTF-8 characters that 10 bytes hold, are the categories in the
   /// order in which they turn up; texts that would be the same when cut end in ~2, ~3 and so on. A
-  /// first line that begins with "# " is the comment, a column named "(attribute)" the row
-  /// attributes. All else is as in a new table. Fires what CopyContentsFrom fires.
+  /// first line that begins with "# " is the comment; a first column of data headed (attribute),
+  /// not in quotation marks, holds the row attributes. All else is as in a new table. Fires what
+  /// CopyContentsFrom fires.
   /// @param IncludeColHeaders  the first line holds the names of the columns; with row names it may
   ///   lack the first cell
   /// @param IncludeRowHeaders  the first column holds the names of the rows

@@ -129,6 +129,12 @@ enum class TCsvKind : std::uint8_t {
   skipped  ///< of too many texts
 };
 
+struct THeading {
+  std::string text;
+  bool isQuoted;
+  [[nodiscard]] bool isAttributes() const { return !isQuoted && text == kAttributes; }
+};
+
 /// A column of the text while it is read.
 struct TCsvColumn {
   TCsvKind kind = TCsvKind::numbers;
@@ -172,12 +178,12 @@ class TCsvReader {
 
  private:
   /// Goes to the first row.
-  std::vector<std::string> readHeader(DelimitedText& text) const {
-    std::vector<std::string> names;
+  std::vector<THeading> readHeader(DelimitedText& text) const {
+    std::vector<THeading> names;
     if (!text.nextRecord()) fail(-2, "there is nothing but blanks");
     if (FImport.IncludeColHeaders) {
       std::string_view cell;
-      while (text.nextCell(cell)) names.emplace_back(cell);
+      while (text.nextCell(cell)) names.push_back({std::string(cell), text.isQuoted()});
       failIfBroken(text);
       if (!text.nextRecord()) failInLine(-2, text, "there are no rows after the header line");
     }
@@ -193,7 +199,7 @@ class TCsvReader {
   }
 
   /// Takes header and first row together.
-  void makeColumns(DelimitedText first, const std::vector<std::string>& names) {
+  void makeColumns(DelimitedText first, const std::vector<THeading>& names) {
     std::size_t width = 0;
     for (std::string_view ignored; first.nextCell(ignored);) ++width;
     failIfBroken(first);
@@ -205,13 +211,13 @@ class TCsvReader {
     }
     FFirst = FImport.IncludeRowHeaders ? 1 : 0;
     FHasAttributes =
-        FImport.IncludeColHeaders && width > FFirst && names[FFirst - unnamed] == kAttributes;
+        FImport.IncludeColHeaders && width > FFirst && names[FFirst - unnamed].isAttributes();
     if (FHasAttributes) ++FFirst;
     if (FFirst >= width) fail(-2, "there are no columns of data");
     FColumns.resize(width - FFirst);
     FContents = TTableContents(FColumns.size(), 0);
     for (std::size_t c = 0; FImport.IncludeColHeaders && c < FColumns.size(); ++c) {
-      FContents.FColName[c] = TDTNameStr(names[c + FFirst - unnamed]);
+      FContents.FColName[c] = TDTNameStr(names[c + FFirst - unnamed].text);
     }
     // A cell takes a byte at least, be it its delimiter.
     const std::size_t room = std::min(1 + mostRecords(first.rest()), FText.size() / width + 1);
@@ -221,7 +227,7 @@ class TCsvReader {
 
   void readRows() {
     DelimitedText text(FText, FDelimiter);
-    const std::vector<std::string> names = readHeader(text);
+    const std::vector<THeading> names = readHeader(text);
     makeColumns(text, names);
     std::size_t rows = 0;
     do {

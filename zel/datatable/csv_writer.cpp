@@ -35,8 +35,8 @@ class TCsvWriter {
     }
     if (FHow.IncludeColHeaders) {
       if (FHow.IncludeRowHeaders) addText({});
-      if (FHow.IncludeRowAttributes) addText(kAttributes);
-      for (const TDTNameStr& name : arrays.FColName) addText(name);
+      if (FHow.IncludeRowAttributes) FText.append(kAttributes) += FHow.Delimiter;
+      for (const TDTNameStr& name : arrays.FColName) addText(name, name == kAttributes);
       endRow();
     }
     for (std::size_t r = 0; FOut && r < FTable.Rows(); ++r) {
@@ -49,8 +49,13 @@ class TCsvWriter {
   }
 
  private:
-  void addText(std::string_view text) {
-    appendCell(FText, text, FHow.Delimiter);
+  /// @param isWord  the text would mean something without quotation marks
+  void addText(std::string_view text, bool isWord = false) {
+    if (isWord) {
+      FText.append(1, '"').append(text) += '"';
+    } else {
+      appendCell(FText, text, FHow.Delimiter);
+    }
     FText += FHow.Delimiter;
   }
 
@@ -60,11 +65,7 @@ class TCsvWriter {
       FText.append("NA") += FHow.Delimiter;
     } else if (FTable.IsCategorical(c)) {
       const TNominalIDStr text = CategoryText(FTable.Arrays.FVType[c], x);
-      if (IsMissingWord(text)) {
-        FText.append("\"").append(text.view()).append("\"") += FHow.Delimiter;
-      } else {
-        addText(text);
-      }
+      addText(text, IsMissingWord(text));
     } else {
       const std::size_t start = FText.size();
       appendNumber(FText, x, FHow.Precision);
