@@ -6,7 +6,6 @@
 #include <limits>
 #include <optional>
 
-#include "zel/base/numbertext.h"
 #include "zel/base/numbertext_impl.h"
 #include "zel/base/stringhelpers.h"
 #include "zel/base/xmltags.h"
@@ -113,16 +112,6 @@ int numberIn(std::string_view attr, const char* name, int most = std::numeric_li
   std::string value;
   XmlAttribute(attr, name, value);
   return integerIn(value, 1, most, name);
-}
-
-/// The words for what is not finite count in any case of letters.
-std::optional<double> numberOf(std::string_view text) {
-  using Limits = std::numeric_limits<double>;
-  if (const auto x = ParseNumber(text)) return x;
-  if (EqualIgnoringCase(text, "NAN")) return Limits::quiet_NaN();
-  if (EqualIgnoringCase(text, "INF")) return Limits::infinity();
-  if (EqualIgnoringCase(text, "-INF")) return -Limits::infinity();
-  return std::nullopt;
 }
 
 double valueIn(std::string_view content) {
