@@ -1,7 +1,5 @@
 // Tables in the ASC form: exact round trips, files of the other containers, pasting, and what
 // cannot be read.
-#include <bit>
-#include <cmath>
 #include <limits>
 #include <random>
 #include <sstream>
@@ -10,7 +8,9 @@
 #include <gtest/gtest.h>
 
 #include "tests/base/temp_dir.h"
+#include "tests/datatable/random_table.h"
 #include "tests/datatable/same_tables.h"
+#include "tests/datatable/table_model.h"
 #include "zel/analysis/TCurveFit.h"
 #include "zel/datatable/Zel_datatable.h"
 #include "zel/vector/TVector.h"
@@ -19,63 +19,13 @@ namespace zel {
 namespace {
 
 using test::expectIdentical;
+using test::makeRandom;
+using test::randomText;
+using test::recordEvents;
 using zel_test::readBytes;
 using zel_test::TempDir;
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
-
-using Random = std::mt19937_64;
-
-std::string randomText(Random& random, std::size_t most) {
-  constexpr std::string_view kOften = "\"\\ \t\r\n;=a0";
-  std::string text(random() % (most + 1), '\0');
-  for (char& c : text) {
-    c = random() % 2 ? kOften[random() % kOften.size()] : static_cast<char>(random() % 256);
-  }
-  return text;
-}
-
-void makeRandom(TDataTable& T, Random& random) {
-  using Limits = std::numeric_limits<double>;
-  const double values[] = {
-      -0.0, Limits::denorm_min(), -Limits::max(), kInfinity, -kInfinity, Limits::quiet_NaN(), 2.5};
-  const std::uint8_t states[] = {0, 0, 2, 64, 34, 255};
-  const char* comments[] = {"", "a \"comment\"; ", "Exported by ZEL TDataTable component: x"};
-  T.Resize(static_cast<int>(random() % 5) + 1, static_cast<int>(random() % 9) + 1);
-  T.SetFComment(comments[random() % 3]);
-  const bool isPlain = random() % 4 == 0;
-  for (int c = 1; c <= T.NrOfColumns(); ++c) {
-    if (random() % 2) T.SetColAttrib(c, static_cast<int>(random()));
-    if (!isPlain) T.SetColName(c, randomText(random, 50));
-    T.SetMScaleType(c, stOrdinal);
-    for (auto k = random() % 9; k > 0; --k) {
-      T.SetNominalID(c, static_cast<int>(random() % 150) + 1, randomText(random, 10));
-    }
-    T.SetMScaleType(c, static_cast<TMScaleType>(random() % 5));
-    for (int r = 1; r <= T.NrOfRows(); ++r) {
-      T.SetElem(c, r, random() % 2 ? std::bit_cast<double>(random()) : values[random() % 7]);
-      if (random() % 3 == 0) T.SetElem(c, r, 0);
-      T.SetCellState(c, r, states[random() % 6]);
-    }
-  }
-  for (int r = 1; r <= T.NrOfRows(); ++r) {
-    if (!isPlain) T.SetRowName(r, randomText(random, 50));
-    if (random() % 2) T.SetRowAttrib(r, static_cast<int>(random()));
-  }
-}
-
-/// The events of a table, as letters.
-void record(TDataTable& T, std::string& events) {
-  const auto note = [&events](char letter) {
-    return [&events, letter](TObject*) { events += letter; };
-  };
-  T.OnChange = note('d');
-  T.OnChangeSetup = note('s');
-  T.OnChangeNames = note('n');
-  T.OnChangeCellState = note('c');
-  T.OnChangeAttrib = note('a');
-  T.OnResize = [&events](TObject*, int, int, int, int) { events += 'r'; };
-}
 
 /// Rows and what stands behind them, as the writer writes them.
 std::string bodyOf(const TDataTable& T) {
@@ -86,7 +36,7 @@ std::string bodyOf(const TDataTable& T) {
 }
 
 TEST(TableAsc, RoundTripsAreExact) {
-  Random random(11);
+  std::mt19937_64 random(11);
   const TempDir folder;
   const std::string file = folder.file("x.asc");
   for (int trial = 0; trial < 200 && !HasFailure(); ++trial) {
@@ -99,8 +49,8 @@ TEST(TableAsc, RoundTripsAreExact) {
     const std::string bytes = readBytes(file);
     SCOPED_TRACE(bytes);
     std::string events, expected;
-    record(Read, events);
-    record(Copy, expected);
+    recordEvents(Read, events);
+    recordEvents(Copy, expected);
     ASSERT_EQ(Read.ImportASC(file, customRead), 0);
     Copy.CopyContentsFrom(&T);
     EXPECT_EQ(events, expected);
@@ -179,7 +129,7 @@ TEST(TableAsc, WhatCannotBeReadLeavesTheTable) {
   TDataTable T;
   T.SetElem(1, 1, 7);
   std::string events;
-  record(T, events);
+  recordEvents(T, events);
   const std::string head = "c\n1\n2\nFALSE FALSE FALSE\n";
   const std::string more = head + "1\n2\n;more\n";
   const std::pair<std::string, const char*> cases[] = {
@@ -233,10 +183,10 @@ TEST(TableAsc, PastesWithAndWithoutIdentifiers) {
   T.Resize(2, 3);
   T.AddNominalID(2, "RED");
   std::string events;
-  record(T, events);
+  recordEvents(T, events);
   TMemoryStream stream(clip.AsText);
   ASSERT_EQ(T.ReadFromASC(stream, 2, 2, false), 0);
-  EXPECT_EQ(events, "rdcs");
+  EXPECT_EQ(events, "Z(2,3)DCS");
   const std::string merged =
       ";more\t;what the rows do not "
       "tell\n;scales\t2=Nominal\n;categories\t2\t1=\"RED\"\t2=\"blue\"\n";
@@ -244,13 +194,13 @@ TEST(TableAsc, PastesWithAndWithoutIdentifiers) {
                            ";states\t3\t3=66\n;values\t3\t3=7\n;end\n");
   events.clear();
   ASSERT_EQ(T.ReadFromASC(clip, 1, 2, false), 0);
-  EXPECT_EQ(events, "dc");
+  EXPECT_EQ(events, "DC");
   EXPECT_EQ(bodyOf(T), "0\t0\t0\n4\t-1.5\t-1.5\n2\tNAN\tNAN\n" + merged +
                            ";states\t2\t3=66\n;states\t3\t3=66\n;values\t2\t3=7\n;values\t3\t3=7\n"
                            ";end\n");
   events.clear();
   ASSERT_EQ(T.ReadFromASC(clip, 2, 3, true), 0);
-  EXPECT_EQ(events, "rdcsna");
+  EXPECT_EQ(events, "Z(3,3)DCSNA");
   EXPECT_EQ(
       bodyOf(T),
       "\"C-1\"\t\"colour\"\t\"x\"\n0\t0\t0\t0\n0\t4\t-1.5\t-1.5\n0\t2\t4\t-1.5\n9\t0\t2\tNAN\n"

@@ -1,5 +1,4 @@
 // Tables as XML: exact round trips, what others write, and what is damaged.
-#include <bit>
 #include <limits>
 #include <random>
 #include <sstream>
@@ -8,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/base/temp_dir.h"
+#include "tests/datatable/random_table.h"
 #include "tests/datatable/same_tables.h"
 #include "tests/datatable/table_model.h"
 #include "zel/base/numbertext.h"
@@ -17,27 +17,9 @@
 namespace zel {
 namespace {
 
+using test::expectIdentical;
 using zel_test::readBytes;
 using zel_test::TempDir;
-
-/// The same, down to the signs of zeros and the slots of identifiers.
-void expectIdentical(TDataTable& A, TDataTable& B) {
-  ASSERT_EQ(A.NumericData->NrOfColumns(), B.NumericData->NrOfColumns());
-  ASSERT_EQ(A.NumericData->NrOfRows(), B.NumericData->NrOfRows());
-  EXPECT_EQ(A.CRCofNamesAndAttributes(), B.CRCofNamesAndAttributes());
-  EXPECT_EQ(A.CRCofCellStates(), B.CRCofCellStates());
-  for (int c = 1; c <= A.NrOfColumns(); ++c) {
-    for (int r = 1; r <= A.NrOfRows(); ++r) {
-      const double a = A.NumericData->GetVal(c, r), b = B.NumericData->GetVal(c, r);
-      EXPECT_TRUE(std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b) ||
-                  (a != a && b != b));
-    }
-    const TMScaleType scale = A.GetMScaleType(c);
-    for (TDataTable* T : {&A, &B}) T->SetMScaleType(c, stNominal);
-    for (int k = 1; k <= 150; ++k) EXPECT_EQ(A.GetNominalID(c, k), B.GetNominalID(c, k));
-    for (TDataTable* T : {&A, &B}) T->SetMScaleType(c, scale);
-  }
-}
 
 /// Reads as a caller does who scans for tags himself.
 struct TScanningTable : TDataTable {
@@ -53,43 +35,11 @@ struct TScanningTable : TDataTable {
 };
 
 TEST(TableXml, RoundTripsExactly) {
-  using Limits = std::numeric_limits<double>;
-  const double values[] = {0.0,
-                           -0.0,
-                           0.1,
-                           2.5,
-                           Limits::denorm_min(),
-                           -Limits::max(),
-                           Limits::infinity(),
-                           -Limits::infinity(),
-                           Limits::quiet_NaN()};
   std::mt19937_64 random(3);
-  const auto text = [&](std::size_t most) {
-    std::string s = random() % 2 ? "" : "% <&]]>\xC3\xA4\xF0\x9F\x98\x80\\ ";
-    for (auto k = random() % 9; k > 0; --k) s += static_cast<char>(random() % (k % 2 ? 256 : 128));
-    return s.substr(0, random() % (most + 1));
-  };
   for (int trial = 0; trial < 80; ++trial) {
     TDataTable T, Read;
-    T.Resize(static_cast<int>(random() % 5) + 1, static_cast<int>(random() % 6) + 1);
-    T.SetFComment(text(90));
-    for (int r = 1; r <= T.NrOfRows(); ++r) {
-      if (r % 2) T.SetRowName(r, text(50)), T.SetRowAttrib(r, static_cast<int>(random()));
-      for (int c = 1; c <= T.NrOfColumns(); ++c) {
-        T.SetElem(
-            c, r,
-            random() % 2 ? values[random() % std::size(values)] : std::bit_cast<double>(random()));
-        T.SetCellState(c, r, random() % 2 ? static_cast<std::uint8_t>(random()) : 0);
-      }
-    }
-    for (int c = 1; c <= T.NrOfColumns(); ++c) {
-      if (c % 2) T.SetColName(c, text(50)), T.SetColAttrib(c, static_cast<int>(random()));
-      T.SetMScaleType(c, stOrdinal);
-      for (auto k = random() % 9; k > 0; --k)
-        T.SetNominalID(c, 1 + static_cast<int>(random() % 150), text(10));
-      T.SetMScaleType(c, static_cast<TMScaleType>(random() % 5));
-    }
-    const std::string id = "a" + text(90);
+    test::makeRandom(T, random);
+    const std::string id = "a" + test::randomText(random, 90);
     const TempDir folder;
     ASSERT_TRUE(T.SaveAsXMLFile(folder.file("x"), -1, id));
     const std::string whole = readBytes(folder.file("x"));
