@@ -3,8 +3,11 @@
 #include <cmath>
 #include <functional>
 #include <limits>
+#include <numeric>
 #include <random>
+#include <span>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -12,6 +15,8 @@
 #include "tests/support/expect_message.h"
 #include "zel/base/progress.h"
 #include "zel/datatable/Zel_datatable.h"
+#include "zel/kernels/moments.h"
+#include "zel/kernels/order_statistics.h"
 #include "zel/vector/Zel_vector.h"
 
 namespace zel {
@@ -47,86 +52,58 @@ std::vector<double> selected(const TDataTable& T, int c1, int r1, int c2, int r2
   return x;
 }
 
-/// Interpolates at a place from 0 on.
-double at(const std::vector<double>& sorted, double place) {
-  if (sorted.empty()) return 0;
-  const double last = static_cast<double>(sorted.size()) - 1;
-  const double k = std::floor(std::clamp(place, 0.0, last));
-  const auto i = static_cast<std::size_t>(k);
-  return k == last ? sorted[i]
-                   : sorted[i] + (std::max(place, 0.0) - k) * (sorted[i + 1] - sorted[i]);
-}
-
+// What the kernels give for the cells that a plain loop selects.
 TEST(TableStatistics, TakeTheCellsThatTheyShould) {
   for (unsigned seed = 1; seed <= 40; ++seed) {
     TDataTable T;
     fill(T, static_cast<int>(seed % 7) + 1, static_cast<int>(seed * 5 % 23) + 1, seed);
-    const int n = T.NrOfColumns();
-    const int c1 = n / 3 + 1;
-    const int r2 = T.NrOfRows() - T.NrOfRows() / 4;
+    const int n = T.NrOfColumns(), rows = T.NrOfRows();
+    const int c1 = n / 3 + 1, r2 = rows - rows / 4;
     constexpr std::uint8_t kMask = 64 + 8 + 3;
-    const auto isMarked = [&](int c, std::uint8_t state) {
-      return isNumeric(T, c) && (state & (64 + 8)) != 0;
-    };
     for (const bool marked : {false, true}) {
       SCOPED_TRACE(std::to_string(seed) + (marked ? " marked" : ""));
-      auto x = marked ? selected(T, c1, 1, n, r2, isMarked)
-                      : selected(T, c1, 1, n, r2, [&](int c, auto) { return isNumeric(T, c); });
-      const auto size = static_cast<double>(x.size());
-      double sum = 0;
-      double squares = 0;
-      for (const double v : x) {
-        sum += v;
-        squares += v * v;
-      }
+      auto x = selected(T, c1, 1, n, r2, [&](int c, std::uint8_t state) {
+        return isNumeric(T, c) && (!marked || (state & (64 + 8)) != 0);
+      });
+      const std::span<const double> cells(x);
+      const int size = static_cast<int>(x.size());
       int count = -1;
       // Reversed bounds are exchanged.
       EXPECT_EQ(marked ? T.SumOfMarkedCells(n, r2, c1, 1, kMask, count)
                        : T.SumOfNumCells(n, r2, c1, 1, count),
-                sum);
+                std::accumulate(x.begin(), x.end(), 0.0));
       EXPECT_EQ(count, size);
       EXPECT_EQ(marked ? T.SumOfSquaredMarkedCells(c1, 1, n, r2, kMask, count)
                        : T.SumOfSquaredNumCells(c1, 1, n, r2, count),
-                squares);
-      double mean = -1;
-      double variance = -1;
+                std::inner_product(x.begin(), x.end(), x.begin(), 0.0));
+      double mean = -1, variance = -1, low = 0, high = 0, q1 = 0, q2 = 0, q3 = 0;
       EXPECT_EQ(marked ? T.MeanVarOfMarkedCells(c1, 1, n, r2, kMask, mean, variance)
                        : T.MeanVarOfNumCells(c1, 1, n, r2, mean, variance),
                 size);
-      EXPECT_DOUBLE_EQ(mean, x.empty() ? 0 : sum / size);
-      EXPECT_NEAR(variance, size < 3 ? 1 : (squares - sum * sum / size) / (size - 1), 1e-11);
-      std::ranges::sort(x);
-      double low = 0;
-      double high = 0;
+      const kernels::MeanVariance moments = kernels::meanVariance(cells);
+      EXPECT_EQ(mean, moments.mean);
+      EXPECT_EQ(variance, moments.variance);
       EXPECT_EQ(marked ? T.MinMaxOfMarkedCells(c1, 1, n, r2, kMask, low, high)
                        : T.MinMaxOfNumCells(c1, 1, n, r2, low, high),
                 size);
+      std::ranges::sort(x);
       EXPECT_EQ(low, x.empty() ? kMost : x.front());
       EXPECT_EQ(high, x.empty() ? -kMost : x.back());
-      double q1 = 0;
-      double q2 = 0;
-      double q3 = 0;
       EXPECT_TRUE(marked ? T.QuartilesOfMarkedCells(c1, 1, n, r2, q1, q2, q3, kMask, count)
                          : T.QuartilesOfNumCells(c1, 1, n, r2, q1, q2, q3, count));
-      EXPECT_EQ(q1, at(x, (size + 1) * 0.25 - 1));
-      EXPECT_EQ(q2, at(x, (size + 1) * 0.5 - 1));
-      EXPECT_EQ(q3, at(x, (size + 1) * 0.75 - 1));
-      for (const double prob : {-5.0, 0.0, 37.5, 50.0, 100.0, 200.0}) {
-        const double place = (size - 1) * std::clamp(prob, 0.0, 100.0) / 100;
-        EXPECT_EQ(marked ? T.PercentileOfMarkedCells(prob, c1, 1, n, r2, kMask, count)
-                         : T.PercentileOfNumCells(prob, c1, 1, n, r2, count),
-                  at(x, place));
-      }
+      const kernels::Quartiles quartiles = kernels::quartilesSorted(cells);
+      EXPECT_EQ(std::tie(q1, q2, q3), std::tie(quartiles.q1, quartiles.q2, quartiles.q3));
+      EXPECT_EQ(marked ? T.PercentileOfMarkedCells(37.5, c1, 1, n, r2, kMask, count)
+                       : T.PercentileOfNumCells(37.5, c1, 1, n, r2, count),
+                kernels::percentileSorted(cells, 37.5));
       EXPECT_EQ(count, size);
     }
-    const auto valid = selected(T, 1, 1, n, T.NrOfRows(), [](auto, auto) { return true; });
+    const auto valid = selected(T, 1, 1, n, rows, [](auto, auto) { return true; });
     EXPECT_EQ(T.CountValidCells(0, 0, 0, 0), valid.size());
-    int numeric = 0;
-    int empty = 0;
-    int imputed = 0;
-    double low = kMost;
+    int numeric = 0, empty = 0, imputed = 0;
+    double low = kMost, lowest = 0, highest = 0;
     for (int c = 1; c <= n; ++c) {
-      for (int r = 1; r <= T.NrOfRows(); ++r) {
+      for (int r = 1; r <= rows; ++r) {
         numeric += isNumeric(T, c) && T.GetIsNumber(c, r);
         empty += T.GetIsEmpty(c, r);
         imputed += T.GetIsImputed(c, r);
@@ -136,15 +113,11 @@ TEST(TableStatistics, TakeTheCellsThatTheyShould) {
     EXPECT_EQ(T.CountNumCells(0, 0, 0, 0), numeric);
     EXPECT_EQ(T.CountEmptyCells(0, 0, 0, 0), empty);
     EXPECT_EQ(T.CountImputedCells(0, 0, 0, 0), imputed);
-    double lowest = 0;
-    double highest = 0;
     EXPECT_EQ(T.MinMaxOfValidCells(0, 0, 0, 0, lowest, highest), valid.size());
     EXPECT_EQ(lowest, low) << "categories rounded";
     TVector V;
     EXPECT_EQ(T.CopyCellsToVector(0, 0, 0, 0, 0xFF, &V), valid.size());
-    if (!valid.empty()) {
-      EXPECT_TRUE(std::ranges::equal(V.Elements(), valid));
-    }
+    EXPECT_TRUE(valid.empty() || std::ranges::equal(V.Elements(), valid));
     const auto some = selected(T, 1, 1, n, 1, [](auto, auto state) { return (state & 36) != 0; });
     EXPECT_EQ(T.CopyCellsToVector(0, 1, 0, 1, 36, nullptr), some.size());
   }
@@ -175,28 +148,23 @@ TEST(TableStatistics, GeometricAndHarmonicMeans) {
 
 /// The definitions of the five modes, pair by pair.
 double covariance(const TDataTable& T, int c1, int c2, int r1, int r2, int mode) {
-  double sx = 0, sy = 0, sxx = 0, syy = 0, sxy = 0, sd = 0, m1 = 0, m2 = 0, sm = 0, unused = 0;
+  double m1 = 0, m2 = 0, unused = 0;
   T.MeanVarOfNumCells(c1, r1, c1, r2, m1, unused);
   T.MeanVarOfNumCells(c2, r1, c2, r2, m2, unused);
-  int n = 0;
+  std::vector<double> x, y;
   for (int r = r1; r <= r2; ++r) {
     if (!T.GetIsNumber(c1, r) || !T.GetIsNumber(c2, r)) continue;
-    const double x = T.NumericData->GetVal(c1, r);
-    const double y = T.NumericData->GetVal(c2, r);
-    ++n;
-    sx += x;
-    sy += y;
-    sxx += x * x;
-    syy += y * y;
-    sxy += x * y;
-    sd += (x - y) * (x - y);
-    sm += (x - m1) * (y - m2);
+    x.push_back(T.NumericData->GetVal(c1, r));
+    y.push_back(T.NumericData->GetVal(c2, r));
   }
-  if (n < 2) return 0;
-  const double product = std::sqrt(std::abs((sxx - sx * sx / n) * (syy - sy * sy / n)));
-  const double r = n < 3 || product < 1e-12 ? 0 : (sxy - sx * sy / n) / product;
-  const double results[] = {sxy / (n - 1), sm / (n - 1), r, r * r, sd / (n - 1)};
-  return results[mode];
+  double sum = 0;
+  for (std::size_t i = 0; i < x.size(); ++i) {
+    const double terms[] = {x[i] * y[i], (x[i] - m1) * (y[i] - m2), 0, 0, std::pow(x[i] - y[i], 2)};
+    sum += terms[mode];
+  }
+  const double r = kernels::pearsonCorrelation(std::span<const double>(x), y);
+  const double results[] = {0, 0, r, r * r, 0};
+  return x.size() < 2 ? 0 : results[mode] + sum / (static_cast<double>(x.size()) - 1);
 }
 
 TEST(TableStatistics, Covariances) {
@@ -239,8 +207,7 @@ TEST(TableStatistics, ColumnsAttributesScales) {
   T.Resize(3, 4);
   const TDoubleArray x{5, 3, 5, 3};
   T.CopyDataColumnFromArray(1, x);
-  double v1 = 0;
-  double v2 = 0;
+  double v1 = 0, v2 = 0;
   EXPECT_TRUE(T.CheckDichotomousColumn(1, v1, v2));
   EXPECT_EQ(v1, 3);
   EXPECT_EQ(v2, 5);
@@ -286,15 +253,10 @@ TEST(TableTransforms, StandardizeByColumnsAndRows) {
     M.Resize(6);
     S.Resize(6);
     M.Fill(-1);
-    if (isDivided) {
-      T.StandardizeNumCellColumns(&M, &S);
-    } else {
-      T.MeanCenterNumCellColumns(&M);
-    }
+    isDivided ? T.StandardizeNumCellColumns(&M, &S) : T.MeanCenterNumCellColumns(&M);
     EXPECT_EQ(events, 1);
     for (int c = 1; c <= 6; ++c) {
-      double mean = -1;
-      double variance = 1;
+      double mean = -1, variance = 1;
       if (isNumeric(Old, c)) Old.MeanVarOfNumCells(c, 0, c, 0, mean, variance);
       EXPECT_EQ(M.Elem(c), mean);
       for (int r = 1; r <= 25; ++r) {
@@ -311,14 +273,9 @@ TEST(TableTransforms, StandardizeByColumnsAndRows) {
                      "mean centering of rows is not possible with nominal or ordinal variables");
     EXPECT_EQ(events, 1);
     for (int c = 1; c <= 6; ++c) T.SetMScaleType(c, stRatio);
-    if (isDivided) {
-      T.StandardizeNumCellRows(&M, nullptr);
-    } else {
-      T.MeanCenterNumCellRows(&M);
-    }
+    isDivided ? T.StandardizeNumCellRows(&M, nullptr) : T.MeanCenterNumCellRows(&M);
     EXPECT_EQ(events, 2);
-    double mean = 0;
-    double variance = 0;
+    double mean = 0, variance = 0;
     if (T.MeanVarOfNumCells(0, 4, 0, 4, mean, variance) > 2) {
       EXPECT_NEAR(mean, 0, 1e-14);
       EXPECT_TRUE(!isDivided || std::abs(variance - 1) < 1e-13);
