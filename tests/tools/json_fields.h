@@ -2,9 +2,13 @@
 /// A strict little JSON reader for tests.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <cctype>
+#include <cmath>
 #include <cstdlib>
 #include <map>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -92,5 +96,21 @@ class JsonFields {
   std::string_view rest_;
   std::map<std::string, std::string> leaves_;
 };
+
+/// Compares with "path value path value ...": numbers to a relative tolerance, other words exactly.
+inline void expectFields(const JsonFields& json, const std::string& expected,
+                         double tolerance = 0) {
+  std::istringstream fields(expected);
+  for (std::string path, value; fields >> path >> value;) {
+    char* end = nullptr;
+    const double number = std::strtod(value.c_str(), &end);
+    if (*end != '\0' || json.text(path) == "null") {
+      EXPECT_EQ(value, json.text(path)) << path;
+    } else {
+      EXPECT_NEAR(number, json.number(path), tolerance * std::abs(number))
+          << path << ' ' << json.text(path);
+    }
+  }
+}
 
 }  // namespace zel_test

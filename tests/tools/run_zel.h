@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <cstdlib>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "tests/base/temp_dir.h"
 
@@ -39,6 +41,20 @@ inline void expectFailure(const ZelRun& run, const std::string& sentence) {
   EXPECT_EQ(2, run.status) << sentence;
   EXPECT_EQ("zel: " + sentence + '\n', run.errors);
   EXPECT_EQ("", run.output);
+}
+
+/// Words of arguments with the sentences that refuse them.
+using Refusals = std::vector<std::pair<std::string, const char*>>;
+
+inline void expectRefusals(const TempDir& folder, const std::string& command,
+                           const Refusals& refusals) {
+  for (const auto& [arguments, sentence] : refusals) {
+    expectFailure(runZel(folder, command + ' ' + arguments), sentence);
+  }
+}
+
+inline void expectWords(const std::string& text, const std::vector<std::string>& words) {
+  for (const std::string& word : words) EXPECT_NE(std::string::npos, text.find(word)) << word;
 }
 
 /// An ASC file of one column without names.

@@ -131,9 +131,7 @@ TEST(TableFile, BadAscIsLocated) {
       {head + twelve + "1,5\n",
        ", line 17: \"1,5\" is not a number: the decimal separator is a point"},
       {head + twelve + "1e999\n", ", line 17: \"1e999\" is too large for a double"},
-      {head + twelve + "0x1F", ", line 17: \"0x1F\" is not a number" + missing},
       {head + twelve + "13\t14\n", ", line 17: there is more than one value: \"14\" is left over"},
-      {head + twelve + "\x1b[2J\n", ", line 17: \"\\x1b[2J\" is not a number" + missing},
       {head + twelve + std::string("1\0", 2) + '\n',
        ", line 17: there is a zero byte, so this is a binary file, not a text file"},
       {head + twelve, ", line 16: the file ends here, after 12 of the 20 rows announced in line 3"},
@@ -174,12 +172,8 @@ TEST(TableFile, BadCsvIsLocated) {
   const std::string missing = " (a missing value is left empty or written NA, NAN or ###)";
   const std::vector<std::pair<std::string, std::string>> cases{
       {"\n \n", " holds nothing but blanks"},
-      {"a,b\n", ", line 1: there are no rows after the header line"},
       {"5.1,3\n4.9,2\n", ", line 1: the names of the columns should be here, not numbers"},
       {"a,b\n1,2\n\n3\n", ", line 4: the row has 1 cell, and the header line has 2"},
-      {"a,b\n1,2\n3,4,5\n", ", line 3: the row has 3 cells, and the header line has 2"},
-      {"a,b\n1,2\n3,\"4\"x\n", ", line 3: there is more after a closing quotation mark"},
-      {"a,b\n1,2\n3,\"4\n5,6\n", ", line 3: a quotation mark is never closed"},
       {"a,b\n1,\"" + std::string(2000000, '\n'), ", line 2: a quotation mark is never closed"},
       {"a,b\n1,2\n\"3\n3\",4\n5,x\n",
        ", line 3, column \"a\": \"3\\x0a3\" is not a number" + missing},
