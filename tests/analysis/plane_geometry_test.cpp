@@ -206,12 +206,11 @@ TEST(Polygons, LongOnesWithoutCrossings) {
     coast.push_back({r * std::cos(a), r * std::sin(a)});
     star.push_back({std::cos(a) * (i % 2 ? 1e-3 : 1), std::sin(a) * (i % 2 ? 1e-3 : 1)});
   }
-  int n = 9;
-  (void)PolygonArea(coast, n);
-  EXPECT_EQ(n, 0);
-  n = 9;
-  (void)PolygonArea(star, n);
-  EXPECT_EQ(n, 0);
+  for (const Polygon& p : {coast, star}) {
+    int n = 9;
+    (void)PolygonArea(p, n);
+    EXPECT_EQ(n, 0);
+  }
 }
 
 TEST(Polygons, InsideByTheEvenOddRule) {

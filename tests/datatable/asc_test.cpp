@@ -2,7 +2,6 @@
 // cannot be read.
 #include <limits>
 #include <random>
-#include <sstream>
 #include <string>
 
 #include <gtest/gtest.h>

@@ -14,7 +14,7 @@
 namespace zel {
 namespace {
 
-using test::expectSame;
+using test::expectIdentical;
 
 using zel_test::readBytes;
 using zel_test::TempDir;
@@ -101,9 +101,9 @@ TEST(TableCsv, WhatCannotBeReadLeavesTheTable) {
   for (const auto& [text, expected] : cases) EXPECT_EQ(import(T, text), expected);
   std::string message;
   EXPECT_EQ(T.ImportFromCSV("/nowhere/x.csv", cdComma, true, true), -1);
-  expectSame(T, Before);
-  many.resize(many.rfind("w150"));
   T.OnChange = T.OnChangeSetup = nullptr;
+  expectIdentical(T, Before);
+  many.resize(many.rfind("w150"));
   EXPECT_EQ(import(T, many), "");
   EXPECT_EQ(T.CountNominalIDs(1), 150);
 }
@@ -186,7 +186,7 @@ TEST(TableCsv, RoundTrips) {
     ASSERT_EQ(Read.ImportFromCSV(file, delimiter, true, true, separator, message), 0)
         << message << '\n'
         << readBytes(file);
-    expectSame(Read, T);
+    expectIdentical(Read, T);
     // Cut off anywhere, it is read or refused.
     const std::string bytes = readBytes(file);
     for (std::size_t size = 0; trial < 6 && size < bytes.size(); ++size) {

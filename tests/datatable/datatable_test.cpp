@@ -9,6 +9,7 @@
 #include "tests/datatable/table_model.h"
 #include "tests/matrix/matrices.h"
 #include "tests/support/expect_message.h"
+#include "zel/kernels/fingerprint.h"
 
 namespace zel::test {
 namespace {
@@ -231,13 +232,7 @@ std::string plainFingerprint(const std::vector<std::string>& items) {
       crc = CalcNextCRC32(static_cast<std::uint8_t>(item[p - 1]), crc);
     }
   }
-  std::string text;
-  for (const std::uint32_t crc : registers) {
-    char digits[9];
-    std::snprintf(digits, sizeof digits, "%08X", ~crc);
-    text += digits;
-  }
-  return text;
+  return kernels::fingerprintText(std::span<const std::uint32_t>(registers));
 }
 
 TEST_F(DataTable, Fingerprints) {

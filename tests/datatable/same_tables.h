@@ -10,20 +10,8 @@
 
 namespace zel::test {
 
-/// Sizes, names, attributes, scales, identifiers, states and values are the same.
-inline void expectSame(const TDataTable& A, const TDataTable& B) {
-  ASSERT_EQ(A.NrOfColumns(), B.NrOfColumns());
-  ASSERT_EQ(A.NrOfRows(), B.NrOfRows());
-  EXPECT_EQ(A.CRCofNamesAndAttributes(), B.CRCofNamesAndAttributes());
-  EXPECT_EQ(A.CRCofCellStates(), B.CRCofCellStates());
-  TDouble2DArray a, b;
-  A.CopyDataToArray(a);
-  B.CopyDataToArray(b);
-  EXPECT_EQ(a, b);
-}
-
-/// So are whole attributes of columns, the slots of identifiers and the bits of values, where one
-/// not-a-number is like another.
+/// Sizes, names, attributes, scales, slots of identifiers, states and the bits of values are the
+/// same, where one not-a-number is like another.
 inline void expectIdentical(TDataTable& A, TDataTable& B) {
   ASSERT_EQ(A.NumericData->NrOfColumns(), B.NumericData->NrOfColumns());
   ASSERT_EQ(A.NumericData->NrOfRows(), B.NumericData->NrOfRows());

@@ -43,11 +43,10 @@ TEST(Correlate, RealDataAsR) {
                       -0.42844010433053969, -0.36612593253643910, 1, 0.96286543140279601, 1});
   const ZelRun arrests = runZel(folder, "correlate '" ZEL_TEST_DATA "/USArrests.csv' --json");
   EXPECT_EQ("", arrests.errors);
-  const JsonFields json(arrests.output);
-  expectCorrelations(json, 4,
-                     {1, 0.80187331172494036, 0.069572621735993434, 0.56357883295771927, 1,
-                      0.25887170195299936, 0.66524122970040811, 1, 0.41134123562409930, 1});
-  expectFields(json, "rows 50 variables/0/name Murder variables/0/column 2 n/3/0 50");
+  expectFields(JsonFields(arrests.output),
+               "rows 50 variables/0/name Murder variables/0/column 2 n/3/0 50 correlation/2/3 "
+               "0.41134123562409930",
+               2e-15);
 }
 
 // R 4.2.2: cor(cbind(x, y, z), use = "pairwise.complete.obs"); one is constant where x is known,

@@ -4,7 +4,6 @@
 #include <cmath>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include "tests/tools/json_fields.h"
 #include "tests/tools/run_zel.h"

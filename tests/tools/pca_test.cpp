@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <utility>
 
 #include "tests/tools/json_fields.h"
 #include "tests/tools/run_zel.h"
