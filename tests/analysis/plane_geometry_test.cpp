@@ -84,18 +84,18 @@ TEST(StraightLine, OfTwo) {
 TEST(StraightLine, ClippedAtABox) {
   TSLine line;
   double x1 = 9, y1 = 9, x2 = 9, y2 = 9;
+  const auto expectClipped = [&](bool isInside, const Polygon& ends) {
+    EXPECT_EQ(line.ClipBox(0, 0, 1, 1, x1, y1, x2, y2), isInside);
+    EXPECT_EQ((Polygon{{x1, y1}, {x2, y2}}), ends);
+  };
   line.LineFromSlopeIcpt(1, 0);
-  EXPECT_TRUE(line.ClipBox(0, 0, 1, 1, x1, y1, x2, y2));
-  EXPECT_EQ((Polygon{{x1, y1}, {x2, y2}}), (Polygon{{0, 0}, {1, 1}}));
-  line.LineFromSlopeIcpt(-1, 2);
-  EXPECT_TRUE(line.ClipBox(0, 0, 1, 1, x1, y1, x2, y2)) << "a corner";
-  EXPECT_EQ((Polygon{{x1, y1}, {x2, y2}}), (Polygon{{1, 1}, {1, 1}}));
+  expectClipped(true, {{0, 0}, {1, 1}});
+  line.LineFromSlopeIcpt(-1, 2);  // a corner
+  expectClipped(true, {{1, 1}, {1, 1}});
   line.LineFrom2Points(0.5, 0, 0.5, 1);
-  EXPECT_TRUE(line.ClipBox(0, 0, 1, 1, x1, y1, x2, y2));
-  EXPECT_EQ((Polygon{{x1, y1}, {x2, y2}}), (Polygon{{0.5, 0}, {0.5, 1}}));
+  expectClipped(true, {{0.5, 0}, {0.5, 1}});
   line.LineFromSlopeIcpt(0, 5);
-  EXPECT_FALSE(line.ClipBox(0, 0, 1, 1, x1, y1, x2, y2));
-  EXPECT_EQ(y2, 1) << "unchanged";
+  expectClipped(false, {{0.5, 0}, {0.5, 1}});
   EXPECT_FALSE(line.SubstituteInf());
 }
 

@@ -7,9 +7,8 @@
 #include <gtest/gtest.h>
 
 #include "tests/base/temp_dir.h"
-#include "tests/datatable/random_table.h"
-#include "tests/datatable/same_tables.h"
 #include "tests/datatable/table_model.h"
+#include "tests/datatable/tables.h"
 #include "zel/analysis/TCurveFit.h"
 #include "zel/datatable/Zel_datatable.h"
 #include "zel/vector/TVector.h"

@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/base/temp_dir.h"
-#include "tests/datatable/same_tables.h"
+#include "tests/datatable/tables.h"
 #include "zel/datatable/Zel_datatable.h"
 
 namespace zel {

@@ -8,8 +8,7 @@
 #include <string>
 #include <utility>
 
-#include "tests/datatable/random_table.h"
-#include "tests/datatable/same_tables.h"
+#include "tests/datatable/tables.h"
 #include "tests/tools/json_fields.h"
 #include "tests/tools/run_zel.h"
 #include "tools/table_file.h"

@@ -9,31 +9,35 @@
 namespace zel_test {
 namespace {
 
-const std::string kSunspots = "describe '" ZEL_TEST_DATA "/sunspots.asc' --plot ";
+const std::string kDescribe = "describe '" ZEL_TEST_DATA "/sunspots.asc'";
+const std::string kSunspots = kDescribe + " --plot ";
 
-void expectPng(const std::string& bytes) {
-  ASSERT_GT(bytes.size(), 5000U);
-  EXPECT_EQ("\x89PNG\r\n\x1a\n", bytes.substr(0, 8));
-  EXPECT_EQ("IEND", bytes.substr(bytes.size() - 8, 4));
-}
-
-void expectSvg(const std::string& text, const std::string& label) {
-  EXPECT_TRUE(text.starts_with("<?xml"));
-  EXPECT_NE(std::string::npos, text.find("</svg>"));
-  EXPECT_NE(std::string::npos, text.find(label)) << label;
+/// The picture that a command draws, which must be whole; nothing else is left behind.
+std::string drawn(const TempDir& folder, const std::string& command, const std::string& name) {
+  const auto before = folder.count();
+  const ZelRun run = runZel(folder, command + " --plot " + name);
+  EXPECT_EQ(0, run.status) << command << run.errors;
+  EXPECT_EQ(before + 1, folder.count());
+  const std::string bytes = readBytes(folder.file(name));
+  if (name.ends_with(".png")) {
+    EXPECT_GT(bytes.size(), 5000U);
+    EXPECT_EQ("\x89PNG\r\n\x1a\n", bytes.substr(0, 8));
+    EXPECT_EQ("IEND", bytes.substr(bytes.size() - 8, 4));
+  } else {
+    EXPECT_TRUE(bytes.starts_with("<?xml"));
+    expectWords(bytes, {"</svg>"});
+  }
+  std::filesystem::remove(folder.file(name));
+  return bytes;
 }
 
 TEST(Picture, PngAndSvg) {
   const TempDir folder;
-  const ZelRun run = runZel(folder, kSunspots + "s.png");
-  EXPECT_EQ(0, run.status) << run.errors;
-  EXPECT_TRUE(run.output.ends_with("\n  Picture: s.png\n"));
-  const std::string png = readBytes(folder.file("s.png"));
-  expectPng(png);
-  EXPECT_EQ(std::string("\0\0\x06\x40\0\0\x04\xb0", 8), png.substr(16, 8));  // 1600 x 1200
-  EXPECT_EQ(0, runZel(folder, kSunspots + "S.SVG --json").status);
-  expectSvg(readBytes(folder.file("S.SVG")), "upper quartile 68.95");
-  EXPECT_EQ(2, folder.count());
+  EXPECT_TRUE(runZel(folder, kSunspots + "s.png").output.ends_with("\n  Picture: s.png\n"));
+  std::filesystem::remove(folder.file("s.png"));
+  EXPECT_EQ(std::string("\0\0\x06\x40\0\0\x04\xb0", 8),
+            drawn(folder, kDescribe, "s.png").substr(16, 8));  // 1600 x 1200
+  expectWords(drawn(folder, kDescribe + " --json", "S.SVG"), {"upper quartile 68.95"});
 }
 
 TEST(Picture, AwkwardData) {
@@ -44,14 +48,10 @@ TEST(Picture, AwkwardData) {
        {std::string("5\n"), std::string("NAN\n0.1\n0.1\n"), std::string("1e300\n-1e300\n"),
         std::string("1e-310\n3e-310\n"), std::string("1000000001\n1000000002\n"), many}) {
     writeBytes(folder.file("x.asc"), ascText(values));
-    const ZelRun run = runZel(folder, "describe x.asc --plot x.png");
-    EXPECT_EQ(0, run.status) << run.errors;
-    expectPng(readBytes(folder.file("x.png")));
-    std::filesystem::remove(folder.file("x.png"));
+    drawn(folder, "describe x.asc", "x.png");
   }
   // A line cannot show more than its stretches; the script must not grow with the data.
-  EXPECT_EQ(0, runZel(folder, "describe x.asc --plot x.svg").status);
-  EXPECT_LT(readBytes(folder.file("x.svg")).size(), 200000U);
+  EXPECT_LT(drawn(folder, "describe x.asc", "x.svg").size(), 200000U);
 }
 
 // Many variables, and some for which there is nothing to draw.
@@ -67,12 +67,7 @@ TEST(Picture, OfSeveralVariables) {
     writeBytes(folder.file("x.csv"),
                names + '\n' + rows[0] + '\n' + rows[1] + '\n' + rows[2] + '\n');
   };
-  const auto draw = [&](const std::string& command) {
-    const ZelRun run = runZel(folder, command + " x.csv --plot x.png");
-    EXPECT_EQ(0, run.status) << command << run.errors;
-    expectPng(readBytes(folder.file("x.png")));
-    std::filesystem::remove(folder.file("x.png"));
-  };
+  const auto draw = [&](const std::string& command) { drawn(folder, command + " x.csv", "x.png"); };
   const auto expectTooMany = [&](const std::string& command, const std::string& numbers) {
     expectFailure(
         runZel(folder, command + " x.csv --plot x.png"),
@@ -90,11 +85,8 @@ TEST(Picture, OfSeveralVariables) {
   grow(40, 97);
   expectTooMany("correlate", "100 variables, not 101");
 
-  EXPECT_EQ(0, runZel(folder, "correlate '" ZEL_TEST_DATA "/iris.csv' --plot i.svg").status);
-  const std::string map = readBytes(folder.file("i.svg"));
-  for (const char* text : {"iris.csv", "n = 150", "Petal.Length", "−0.43", "0.96"}) {
-    expectSvg(map, text);
-  }
+  expectWords(drawn(folder, "correlate '" ZEL_TEST_DATA "/iris.csv'", "i.svg"),
+              {"iris.csv", "n = 150", "Petal.Length", "−0.43", "0.96"});
 }
 
 // Categories with long names, without values, with values that cannot be drawn.
@@ -103,12 +95,8 @@ TEST(Picture, ByCategory) {
   writeBytes(folder.file("x.csv"),
              "k,x,big,none,one\n\"it's `touch a`, a long name\",1,1e308,,INF\nb,2,-1e308,,2\n"
              "b,3,1,,2\nc,4,,,\n,5,,,5\n");
-  const ZelRun run = runZel(folder, "describe x.csv --by k --plot x.svg");
-  EXPECT_EQ(0, run.status) << run.errors;
-  EXPECT_EQ(2, folder.count());
-  for (const char* text : {"x.csv", "By k. Boxes", "n = 2", "none: nothing to draw", "it's `tou"}) {
-    expectSvg(readBytes(folder.file("x.svg")), text);
-  }
+  expectWords(drawn(folder, "describe x.csv --by k", "x.svg"),
+              {"x.csv", "By k. Boxes", "n = 2", "none: nothing to draw", "it's `tou"});
   std::string many = "k,x\n";
   for (int i = 0; i < 82; ++i) many += std::to_string(i / 2) + ",1\n";
   writeBytes(folder.file("x.csv"), many);
@@ -124,12 +112,7 @@ TEST(Picture, TextsAreNoCommands) {
   writeBytes(folder.file("x.asc"),
              evil + "\n2\n2\nFALSE TRUE FALSE\n\"" + name + "\" \"" + name + "\"\n1 2\n2 3\n");
   for (const char* command : {"describe --column 1", "describe", "correlate"}) {
-    const ZelRun run = runZel(folder, std::string(command) + " x.asc --plot x.svg");
-    EXPECT_EQ(0, run.status) << run.errors;
-    EXPECT_EQ(2, folder.count());
-    const std::string picture = readBytes(folder.file("x.svg"));
-    expectSvg(picture, evil);
-    expectSvg(picture, name);
+    expectWords(drawn(folder, std::string(command) + " x.asc", "x.svg"), {evil, name});
   }
 }
 

@@ -142,8 +142,6 @@ TEST(TableFile, BadAscIsLocated) {
        ", line 5: there are more than 2 values: \"3\" is left over"},
       {"some\ngarbled \xff text\n1\n2\n",
        ", line 2: the number of columns should be here, not \"garbled \\xff text\"" + format},
-      {"c\n1\n99999999999\t;rows\nFALSE FALSE FALSE\n1\n",
-       ", line 3: the number of rows should be here, not \"99999999999\"" + format},
       {"c\n1\n", ", line 3: the number of rows should be here, but the file ends before it"},
       {"c\n1\n1\nFALSE FALSE MAYBE\n1\n",
        ", line 4: the flags (four words TRUE or FALSE) should be here, not \"FALSE FALSE MAYBE\"" +
