@@ -178,6 +178,7 @@ TEST(TableCsv, RoundTrips) {
     const TDecPSep separator = trial % 2 == 0 ? dpsPoint : dpsComma;
     const bool hasAttributes = trial % 4 != 3;
     if (!hasAttributes) T.SetRowAttributes(0);
+    if (trial % 8 == 3) T.SetColName(1, "(attribute)");  // is none
     const TempDir folder;
     const std::string file = folder.file("x.csv");
     ASSERT_TRUE(T.ExportAsCSV(file, -1, delimiter, true, true, hasAttributes, true, separator));

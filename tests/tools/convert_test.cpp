@@ -137,16 +137,18 @@ TEST(Crosstab, CountsAsCounted) {
     rows.append(std::to_string(a)).append(",").append(1, b).append("\n");
     b == ' ' ? ++missing : ++counts[{a, b}];
   }
-  writeBytes(folder.file("x.csv"), rows);
+  // A category that has no row with both.
+  ++missing;
+  writeBytes(folder.file("x.csv"), rows + "4,\n");
   const JsonFields json(runZel(folder, "crosstab x.csv 1 b --percent total --json").output);
   EXPECT_EQ(std::to_string(missing), json.text("missing"));
-  for (int i = 0; i < 7; ++i) {
+  for (int i = 0; i < 8; ++i) {
     EXPECT_EQ(std::to_string(i - 3), json.text("a/categories/" + std::to_string(i)));
     for (int j = 0; j < 4; ++j) {
       const char b = json.text("b/categories/" + std::to_string(j))[0];
       const std::string cell = '/' + std::to_string(i) + '/' + std::to_string(j);
       EXPECT_EQ((counts[{i - 3, b}]), json.number("counts" + cell));
-      EXPECT_DOUBLE_EQ((100.0 * counts[{i - 3, b}] / (500 - missing)),
+      EXPECT_DOUBLE_EQ((100.0 * counts[{i - 3, b}] / (501 - missing)),
                        json.number("percent" + cell));
     }
   }

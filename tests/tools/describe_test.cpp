@@ -191,6 +191,7 @@ TEST(Describe, SmallSamples) {
     SCOPED_TRACE(values);
     expectFields(describeValues(values), fields);
   }
+  expectFields(describeValues("0\n1\n2\n3\n", "--bins 4"), "histogram/counts/3 1");
   // The usual deviation, not the 1 that the vectors' MeanVar gives by convention.
   EXPECT_DOUBLE_EQ(std::sqrt(2.0), describeValues("2\n4\n").number("standard_deviation"));
 }

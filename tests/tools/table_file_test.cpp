@@ -69,6 +69,15 @@ TEST(TableFile, Asc) {
   EXPECT_EQ(Values{4}, variableOf(table, 1).values);
 }
 
+TEST(TableFile, Xml) {
+  const tool::Table table =
+      read("x",
+           "<datatable><size columns='1' rows='2'/><datacells><cell ix='1' iy='1'>NAN</cell>"
+           "<cell ix='1' iy='2'>5</cell></datacells></datatable>");
+  EXPECT_EQ(Rows{1}, table.columns[0].missingRows);
+  EXPECT_EQ(Values{5}, variableOf(table, 0).values);
+}
+
 // What the commands take from a CSV file beside the table that the library reads.
 TEST(TableFile, Csv) {
   const tool::Table table =
@@ -174,6 +183,7 @@ TEST(TableFile, BadCsvIsLocated) {
       {"a,b\n1,\"" + std::string(2000000, '\n'), ", line 2: a quotation mark is never closed"},
       {"a,b\n1,2\n\"3\n3\",4\n5,x\n",
        ", line 3, column \"a\": \"3\\x0a3\" is not a number" + missing},
+      {"a\n1,5\n2,7\n", ", line 2: the row has 2 cells, and the header line has 1"},
       {"a;b\n1;2\n3;4\n5;6,5\n",
        ", line 4, column \"b\": \"6,5\" is not a number: the decimal separator is a point"},
       {"a,b\n1,1e999\n2,3\n", ", line 2, column \"b\": \"1e999\" is too large for a double"},
