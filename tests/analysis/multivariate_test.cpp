@@ -30,18 +30,13 @@ TEST_F(Covariances, FollowTheirFormulas) {
   const TMatrix x{{1, 2, 5, 1}, {2, 1, 5, 2}, {4, 7, 5, 4}};
   TMatrix r;
   r.Resize(4, 4);
-  struct Case {
+  struct {
     int mode, c, r;
     double expected;
-  };
-  for (const Case& e : {Case{1, 1, 1, 7.0 / 3},
-                        {1, 1, 2, 13.0 / 3},
-                        {1, 2, 1, 13.0 / 3},
-                        {2, 1, 4, 1},
-                        {2, 1, 3, 0},
-                        {2, 3, 3, 1},
-                        {4, 1, 2, 5.5},
-                        {0, 1, 2, 16}}) {
+  } const elements[] = {{1, 1, 1, 7.0 / 3}, {1, 1, 2, 13.0 / 3}, {1, 2, 1, 13.0 / 3},
+                        {2, 1, 4, 1},       {2, 1, 3, 0},        {2, 3, 3, 1},
+                        {4, 1, 2, 5.5},     {0, 1, 2, 16}};
+  for (const auto& e : elements) {
     ASSERT_TRUE(CalcCovar(&x, &r, 0, 0, 0, 0, e.mode));
     EXPECT_EQ(r(e.c, e.r), e.expected) << e.mode << e.c << e.r;
   }
