@@ -2,19 +2,17 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
 #include <cmath>
 #include <limits>
 #include <numeric>
 #include <random>
-#include <span>
 #include <string>
 #include <vector>
 
 #include "tests/support/exact.h"
-#include "tests/support/hostile.h"
-#include "tests/support/simd_targets.h"
+#include "tests/support/same_bits.h"
 #include "zel/kernels/moments.h"
+#include "zel/kernels/split_sums.h"
 
 namespace zel::kernels {
 namespace {
@@ -44,18 +42,37 @@ void expectAccurate(DoubleDouble s, const BigInt& exact, const BigInt& magnitude
 
 BigInt magnitudeOf(const BigInt& x) { return x.isNegative() ? -x : x; }
 
+/// Sum, sum of squares, mean and variance against exact arithmetic, which find some data harder.
+void expectExact(const std::vector<double>& x, const std::string& name) {
+  SCOPED_TRACE(name + " n=" + std::to_string(x.size()));
+  const ExactPowerSums exact(x);
+  const double exactMean = x.empty() ? 0 : exact.mean();
+  BigInt magnitudes;
+  for (const double v : x) magnitudes = magnitudes + magnitudeOf(BigInt::scaled(v));
+  expectAccurate(sum(x), exact.s1, magnitudes, 1074);
+  expectAccurate(sumOfSquares(x), exact.s2, exact.s2, 2148);
+  EXPECT_LE(test::ulpsApart(mean(x), exactMean), name == "cancelling" ? 2 : 0);
+  const MeanVariance mv = meanVariance(x);
+  EXPECT_LE(test::ulpsApart(mv.mean, exactMean), name == "cancelling" ? 2 : 1);
+  EXPECT_LE(test::ulpsApart(mv.variance, x.size() < 3 ? 1 : exact.variance()), 2)
+      << mv.variance << " expected " << exact.variance();
+}
+
 TEST(Sums, MatchExactArithmeticOnHostileData) {
   for (const std::size_t n : test::kLengths) {
-    for (const auto& [name, x] : test::hostileData(n)) {
-      SCOPED_TRACE(name + " n=" + std::to_string(n));
-      const ExactPowerSums exact(x);
-      BigInt magnitudes;
-      for (const double v : x) magnitudes = magnitudes + magnitudeOf(BigInt::scaled(v));
-      expectAccurate(sum(x), exact.s1, magnitudes, 1074);
-      expectAccurate(sumOfSquares(x), exact.s2, exact.s2, 2148);
-      EXPECT_LE(test::ulpsApart(mean(x), n > 0 ? exact.mean() : 0), name == "cancelling" ? 2 : 0);
-    }
+    for (const auto& [name, x] : test::hostileData(n)) expectExact(x, name);
   }
+  std::mt19937_64 random(3);
+  std::normal_distribution<double> normal;
+  std::vector<double> x(20000);
+  for (const double offset : {1e6, 1e12, 5.0}) {
+    for (auto& v : x) v = offset + normal(random);
+    expectExact(x, "long with offset");
+  }
+  // The mean of centred data is pure rounding noise of the centring, and still has to be right.
+  const double centre = mean(x);
+  for (auto& v : x) v -= centre;
+  expectExact(x, "long and centred");
 }
 
 TEST(Sums, ProductsAndDifferencesEnterExactly) {
@@ -170,45 +187,22 @@ TEST(Means, KeepDigitsAndRange) {
   EXPECT_EQ(harmonicMean(V(many.begin(), many.end())), 1021.700297618584556);
 }
 
-/// Every result of the reductions, to be compared bit by bit.
-std::array<double, 13> allResults(const std::vector<double>& x, const std::vector<double>& y) {
-  const DoubleDouble a = sum(x), b = sumOfSquares(x), c = sumOfProducts(x, y),
-                     d = sumOfSquaredDifferences(x, y);
-  const auto [mean, variance] = meanVariance(x);
-  const auto [skewness, kurtosis] = shape(x, ShapeForm::population);
-  return {a.hi,
-          a.lo,
-          b.hi,
-          b.lo,
-          c.hi,
-          c.lo,
-          d.hi,
-          d.lo,
-          mean,
-          variance,
-          skewness,
-          kurtosis,
-          pearsonCorrelation(x, y)};
-}
-
 // Factors too large to be split, with products of ordinary size: without a fused multiply-add the
 // error terms need another way.
 TEST(Sums, HugeTimesTinyHasTheSameBitsOnEveryInstructionSet) {
   std::mt19937_64 random(5);
   std::vector<double> x(300), y(300);
+  BigInt exact;
   for (std::size_t i = 0; i < x.size(); ++i) {
     const int exponent = i % 3 == 0 ? 1010 : i % 3 == 1 ? -1010 : 0;
     x[i] = std::ldexp(1 + static_cast<double>(random() >> 12) * 0x1p-52, exponent);
     y[i] = std::ldexp(1 + static_cast<double>(random() >> 12) * 0x1p-52, -exponent);
-  }
-  BigInt exact;
-  for (std::size_t i = 0; i < x.size(); ++i)
     exact = exact + BigInt::scaled(x[i]) * BigInt::scaled(y[i]);
-  const DoubleDouble expected = sumOfProducts(x, y);
-  expectAccurate(expected, exact, exact, 2148);
-  test::forEachTarget([&] {
-    EXPECT_EQ(sumOfProducts(x, y).hi, expected.hi);
-    EXPECT_EQ(sumOfProducts(x, y).lo, expected.lo);
+  }
+  test::expectSameBits([&] {
+    const DoubleDouble s = sumOfProducts(x, y);
+    expectAccurate(s, exact, exact, 2148);
+    return std::vector{s.hi, s.lo};
   });
 }
 
@@ -219,14 +213,96 @@ TEST(Sums, HaveTheSameBitsOnEveryInstructionSet) {
       SCOPED_TRACE(data[i].name + " n=" + std::to_string(n));
       const auto& x = data[i].values;
       const auto& y = data[(i + 1) % data.size()].values;
-      const auto expected = allResults(x, y);
-      test::forEachTarget([&] {
-        const auto results = allResults(x, y);
-        for (std::size_t k = 0; k < results.size(); ++k) {
-          EXPECT_TRUE(test::sameValue(expected[k], results[k]))
-              << k << ": " << expected[k] << " " << results[k];
+      test::expectSameBits([&] {
+        const auto [mean, variance] = meanVariance(x);
+        const auto [skewness, kurtosis] = shape(x, ShapeForm::population);
+        std::vector results{mean, variance, skewness, kurtosis, pearsonCorrelation(x, y)};
+        for (const DoubleDouble s :
+             {sum(x), sumOfSquares(x), sumOfProducts(x, y), sumOfSquaredDifferences(x, y)}) {
+          results.insert(results.end(), {s.hi, s.lo});
         }
+        return results;
       });
+    }
+  }
+}
+
+/// |exact * 2^-scale - value| <= error.
+void expectWithinBound(const BoundedSum& s, const BigInt& exact, int scale) {
+  if (!std::isfinite(s.error)) return;
+  const BigInt value =
+      (BigInt::scaled(s.value.hi) + BigInt::scaled(s.value.lo)) * (BigInt(1) << (scale - 1074));
+  EXPECT_LE(std::abs(BigInt::quotient<double>(exact - value, 1, -scale)), s.error);
+}
+
+/// Data made for the checks of the units: what is too large for the first unit, or only in one
+/// lane, or cancels at once, or shrinks from run to run.
+std::vector<test::NamedData> unitBreakers(std::size_t n) {
+  auto all = test::hostileData(n);
+  const auto add = [&](const char* name, auto value) {
+    std::vector<double> x(n);
+    for (std::size_t i = 0; i < n; ++i) x[i] = value(i);
+    all.push_back({name, std::move(x)});
+  };
+  add("pair of outliers in one lane", [](std::size_t i) {
+    return i == 40 ? 1e30 : i == 56 ? -1e30 : 0.1;
+  });
+  add("one outlier in the last lane",
+      [n](std::size_t i) { return i == n - 1 - n % 16 ? 3e14 : 1.1; });
+  add("falls with every run",
+      [](std::size_t i) { return std::ldexp(1.7, -9 * static_cast<int>(i / 2048)); });
+  add("rises with every run",
+      [](std::size_t i) { return std::ldexp(-1.3, 9 * static_cast<int>(i / 2048)); });
+  add("at the limit of the check", [](std::size_t i) { return i < 16 ? 1.0 : 63.999; });
+  add("just past the limit", [](std::size_t i) {
+    return i < 16 ? 1.0 : i % 5 == 0 ? 64.5 : -64.5;
+  });
+  return all;
+}
+
+TEST(SplitSums, BoundsHoldOnHostileDataWithTheSameBitsOnEveryInstructionSet) {
+  for (const std::size_t n : {16u, 17u, 129u, 1450u, 2048u, 2051u, 7003u}) {
+    for (const auto& data : unitBreakers(n)) {
+      const auto& x = data.values;
+      SCOPED_TRACE(data.name + " n=" + std::to_string(n));
+      expectWithinBound(splitSum(x.data(), n), ExactPowerSums(x).s1, 1074);
+      for (const double centre : {0.0, x[n / 2]}) {
+        std::vector<double> d(n);
+        for (std::size_t i = 0; i < n; ++i) d[i] = x[i] - centre;
+        if (std::isinf(d[0] - d[n - 1])) continue;
+        const ExactPowerSums exact(d);
+        const SplitMoments m = splitMoments(x.data(), n, centre);
+        expectWithinBound(m.sum, exact.s1, 1074);
+        expectWithinBound(m.squares, exact.s2, 2148);
+      }
+      test::expectSameBits([&] {
+        const SplitMoments m = splitMoments(x.data(), n, x[n / 2]);
+        std::vector<double> results;
+        for (const BoundedSum& s : {splitSum(x.data(), n), m.sum, m.squares}) {
+          results.insert(results.end(), {s.value.hi, s.value.lo, s.error});
+        }
+        return results;
+      });
+    }
+  }
+}
+
+// If the bounds were useless, every caller would silently take the slow way.
+TEST(SplitSums, BoundsAreTightOnOrdinaryDataAndInfiniteOnUnsuitable) {
+  for (const auto& [name, x] : test::hostileData(5000)) {
+    if (name != "uniform" && name != "offset -40" && name != "outlier first" && name != "sorted")
+      continue;
+    const BoundedSum s = splitSum(x.data(), x.size());
+    EXPECT_LE(s.error, 0x1p-57 * std::abs(s.value.hi)) << name;
+    const SplitMoments m = splitMoments(x.data(), x.size(), 0);
+    EXPECT_LE(m.squares.error, 0x1p-58 * m.squares.value.hi) << name;
+  }
+  for (const double bad : {std::nan(""), kInf, 1e200}) {
+    for (const std::size_t at : {0u, 100u, 2999u}) {
+      std::vector<double> x(3000, 0.5);
+      x[at] = bad;
+      EXPECT_EQ(splitSum(x.data(), x.size()).error, kInf) << bad;
+      EXPECT_EQ(splitMoments(x.data(), x.size(), 0.25).squares.error, kInf) << bad;
     }
   }
 }
