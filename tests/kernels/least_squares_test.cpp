@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/support/simd_targets.h"
+#include "tests/support/same_bits.h"
 #include "zel/kernels/cross_products.h"
 #include "zel/kernels/row_qr.h"
 #include "zel/kernels/sums.h"
@@ -15,6 +15,8 @@ namespace zel::kernels {
 namespace {
 
 using Numbers = std::vector<double>;
+
+using test::expectSameBits;
 
 Numbers normals(std::size_t count, unsigned seed) {
   std::mt19937_64 random(seed);
@@ -29,17 +31,6 @@ struct Shape {
   std::size_t rows, columns;
 };
 constexpr Shape kShapes[] = {{1, 1}, {3, 7}, {16, 16}, {70, 33}, {3001, 20}, {40000, 3}};
-
-/// Calls `compute`, which returns numbers, for each instruction set.
-template <class Compute>
-void expectSameBits(Compute compute) {
-  Numbers expected;
-  test::forEachTarget([&] {
-    const Numbers result = compute();
-    if (expected.empty()) expected = result;
-    EXPECT_EQ(result, expected);
-  });
-}
 
 /// The residuals are orthogonal to the columns, x is the wanted one where there is one, and the
 /// error factors are those of the inverse of the crossed products.
