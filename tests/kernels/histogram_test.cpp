@@ -15,18 +15,15 @@ constexpr std::int32_t kIntMin = std::numeric_limits<std::int32_t>::min();
 constexpr std::int32_t kIntMax = std::numeric_limits<std::int32_t>::max();
 
 TEST(Binning, NumberOfBins) {
-  struct Case {
-    double first, last, width;
-    int bins;
-  };
-  const Case cases[] = {{0, 2, 1, 3},          {2, 0, 1, 3},     {0, 2.5, 1, 3},
-                        {0, 3.5, 1, 5},  // halves go to the even number
-                        {0, 2, 0, 0},          {0, 2, -1, 0},    {0, 2, kNan, 0},
-                        {0, 2, 1e-320, 0},     {-kInf, 2, 1, 0}, {-1e308, 1e308, 1e300, 0},
-                        {0, 1e300, 1, kIntMax}};  // beyond the doubles, and the integers
-  for (const auto& [first, last, width, bins] : cases) {
-    EXPECT_EQ(numberOfBins(first, last, width), bins) << first << " " << last << " " << width;
-  }
+  EXPECT_EQ(numberOfBins(0.0, 2.0, 1.0), 3);
+  EXPECT_EQ(numberOfBins(2.0, 0.0, 1.0), 3);
+  EXPECT_EQ(numberOfBins(0.0, 2.5, 1.0), 3) << "halves go to the even number";
+  EXPECT_EQ(numberOfBins(0.0, 3.5, 1.0), 5);
+  for (const double width : {0.0, -1.0, kNan, 1e-320})
+    EXPECT_EQ(numberOfBins(0.0, 2.0, width), 0) << width;
+  EXPECT_EQ(numberOfBins(-kInf, 2.0, 1.0), 0);
+  EXPECT_EQ(numberOfBins(-1e308, 1e308, 1e300), 0) << "the range leaves the doubles";
+  EXPECT_EQ(numberOfBins(0.0, 1e300, 1.0), kIntMax);
   EXPECT_EQ(numberOfBins(0, 999, 2), 500);
   EXPECT_EQ(numberOfBins(5, 0, 0), 0);
   EXPECT_EQ(numberOfBins(kIntMin, kIntMax, kIntMax), 3);

@@ -8,7 +8,6 @@
 
 #include "tests/support/same_bits.h"
 #include "zel/kernels/cross_products.h"
-#include "zel/kernels/row_qr.h"
 #include "zel/kernels/sums.h"
 
 namespace zel::kernels {
@@ -78,28 +77,6 @@ TEST(LeastSquares, RefusesWhatIsNotFinite) {
   b[0] = INFINITY;
   EXPECT_FALSE(svdLeastSquares({a.data(), 2, 2, 2}, b, x, {}, isNearSingular));
   EXPECT_EQ(x, (Numbers{7, 8}));
-}
-
-TEST(RowQr, KeepsAnOrthogonalFactor) {
-  for (const auto& [rows, columns] : kShapes) {
-    const Numbers original = normals(rows * columns, 3);
-    expectSameBits([&, m = rows, n = columns] {
-      Numbers a = original, factors(n * RowQr::blocks(m, n)), r(n * n);
-      const RowQr qr({a.data(), m, n, m}, factors, {r.data(), n, n, n});
-      // Q (R; 0) = (0; A), and Q^T undoes Q.
-      Numbers top = r, rest(m * n);
-      for (std::size_t c = 0; c < n; ++c) {
-        for (std::size_t k = c + 1; k < n; ++k) top[c * n + k] = 0;
-      }
-      const Numbers upper = top;
-      qr.apply({top.data(), n, n, n}, {rest.data(), m, n, m});
-      for (const double v : top) EXPECT_NEAR(v, 0, 1e-11);
-      for (std::size_t k = 0; k < rest.size(); ++k) EXPECT_NEAR(rest[k], original[k], 1e-11);
-      qr.applyTransposed({top.data(), n, n, n}, {rest.data(), m, n, m});
-      for (std::size_t k = 0; k < top.size(); ++k) EXPECT_NEAR(top[k], upper[k], 1e-11);
-      return r;
-    });
-  }
 }
 
 TEST(CrossProducts, AreSumsOverShortRuns) {

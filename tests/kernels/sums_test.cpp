@@ -20,6 +20,8 @@ namespace {
 using test::BigInt;
 using test::ExactPowerSums;
 
+using V = std::vector<double>;
+
 constexpr double kInf = std::numeric_limits<double>::infinity();
 constexpr double kMax = std::numeric_limits<double>::max();
 
@@ -75,21 +77,33 @@ TEST(Sums, MatchExactArithmeticOnHostileData) {
   expectExact(x, "long and centred");
 }
 
-TEST(Sums, ProductsAndDifferencesEnterExactly) {
-  const auto data = test::hostileData(141);
-  for (const auto& [nameX, x] : data) {
-    for (const auto& [nameY, y] : data) {
-      SCOPED_TRACE(nameX + " with " + nameY);
-      BigInt products, magnitudes, squares;
-      for (std::size_t i = 0; i < x.size(); ++i) {
-        const BigInt p = BigInt::scaled(x[i]) * BigInt::scaled(y[i]);
-        const BigInt d = BigInt::scaled(x[i]) - BigInt::scaled(y[i]);
-        products = products + p;
-        magnitudes = magnitudes + magnitudeOf(p);
-        squares = squares + d * d;
+/// Correlation in long double from exact sums.
+double exactCorrelation(const ExactPowerSums& x, const ExactPowerSums& y, const BigInt& products) {
+  if (x.spread().isZero() || y.spread().isZero()) return 0;
+  const BigInt top = BigInt(x.n) * products - x.s1 * y.s1;
+  const long double square = BigInt::quotient<long double>(top * top, x.spread() * y.spread());
+  return static_cast<double>(top.isNegative() ? -std::sqrt(square) : std::sqrt(square));
+}
+
+TEST(Sums, OfTwoArraysAndCorrelationsMatchExactArithmeticOnHostileData) {
+  for (const std::size_t n : {2u, 3u, 17u, 141u}) {
+    const auto data = test::hostileData(n);
+    for (const auto& [nameX, x] : data) {
+      for (const auto& [nameY, y] : data) {
+        SCOPED_TRACE(nameX + " with " + nameY + " n=" + std::to_string(n));
+        BigInt products, magnitudes, squares;
+        for (std::size_t i = 0; i < n; ++i) {
+          const BigInt p = BigInt::scaled(x[i]) * BigInt::scaled(y[i]);
+          const BigInt d = BigInt::scaled(x[i]) - BigInt::scaled(y[i]);
+          products = products + p;
+          magnitudes = magnitudes + magnitudeOf(p);
+          squares = squares + d * d;
+        }
+        expectAccurate(sumOfProducts(x, y), products, magnitudes, 2148);
+        expectAccurate(sumOfSquaredDifferences(x, y), squares, squares, 2148);
+        EXPECT_NEAR(pearsonCorrelation(x, y),
+                    exactCorrelation(ExactPowerSums(x), ExactPowerSums(y), products), 2e-16);
       }
-      expectAccurate(sumOfProducts(x, y), products, magnitudes, 2148);
-      expectAccurate(sumOfSquaredDifferences(x, y), squares, squares, 2148);
     }
   }
 }
@@ -116,21 +130,17 @@ TEST(Sums, IntermediatesMayLeaveTheDoubleRange) {
   std::vector<double> x(40, kMax);
   EXPECT_EQ(sum(x).hi, kInf);
   EXPECT_EQ(mean(x), kMax);
-  EXPECT_EQ(mean(std::vector<double>{kMax, 0, 0}), kMax / 3);
+  EXPECT_EQ(mean(V{kMax, 0, 0}), kMax / 3);
   for (int i = 0; i < 39; ++i) x.push_back(-kMax);
   EXPECT_EQ(sum(x).hi, kMax);
   x.push_back(-kMax);
   x.push_back(3e-310);
   EXPECT_EQ(sum(x).hi, 3e-310);
-  EXPECT_DOUBLE_EQ(euclideanNorm(std::vector<double>{3e200, -4e200}), 5e200);
-  EXPECT_DOUBLE_EQ(euclideanNorm(std::vector<double>{3e-200, 4e-200}), 5e-200);
-  EXPECT_DOUBLE_EQ(euclideanDistance(std::vector<double>{3e300, 0}, std::vector<double>{0, -4e300}),
-                   5e300);
+  EXPECT_DOUBLE_EQ(euclideanNorm(V{3e200, -4e200}), 5e200);
+  EXPECT_DOUBLE_EQ(euclideanNorm(V{3e-200, 4e-200}), 5e-200);
+  EXPECT_DOUBLE_EQ(euclideanDistance(V{3e300, 0}, V{0, -4e300}), 5e300);
   // The shorter of two spans decides.
-  EXPECT_EQ(
-      sumOfProducts(std::vector<double>{1e200, 1e200, 2, 7}, std::vector<double>{1e200, -1e200, 3})
-          .hi,
-      6);
+  EXPECT_EQ(sumOfProducts(V{1e200, 1e200, 2, 7}, V{1e200, -1e200, 3}).hi, 6);
 }
 
 TEST(Sums, IntegersAreExact) {
@@ -166,7 +176,6 @@ TEST(Sums, ShiftedCrossProducts) {
 }
 
 TEST(Means, KeepDigitsAndRange) {
-  using V = std::vector<double>;
   EXPECT_EQ(geometricMean(V{1, 2, 4}), 2);
   EXPECT_EQ(geometricMean(V{4, 0, 1}), 0);
   EXPECT_EQ(geometricMean(V{0, -1}), std::nullopt);
@@ -185,6 +194,92 @@ TEST(Means, KeepDigitsAndRange) {
   std::iota(many.begin(), many.end(), 1);
   EXPECT_EQ(geometricMean(std::span(many).first(100)), 37.99268934483429240);
   EXPECT_EQ(harmonicMean(V(many.begin(), many.end())), 1021.700297618584556);
+}
+
+TEST(MeanVariance, IntegersAndConstantData) {
+  EXPECT_EQ(meanVariance(std::vector<std::int32_t>{2147483647, -2147483647, 0}).variance,
+            2147483647.0 * 2147483647.0);
+  for (const double c : {0.1, 1e9 + 0.1, 1e-200, -1.7e308, 5e-324}) {
+    for (const std::size_t n : {3u, 1000u, 5000u}) {
+      const MeanVariance mv = meanVariance(V(n, c));
+      EXPECT_EQ(mv.mean, c);
+      EXPECT_EQ(mv.variance, 0) << c;
+    }
+  }
+}
+
+TEST(MeanVariance, RangeAndNonFiniteValues) {
+  EXPECT_EQ(meanVariance(V{1e200, -1e200, 0}).variance, kInf);
+  EXPECT_EQ(meanVariance(V{1.7e308, 1.7e308, 1.6e308}).mean,
+            (1.7e308 / 3 + 1.7e308 / 3) + 1.6e308 / 3);
+  std::vector<double> x(100, 1);
+  x[60] = kInf;
+  EXPECT_EQ(meanVariance(x).mean, kInf);
+  EXPECT_TRUE(std::isnan(meanVariance(x).variance));
+  x[3] = -kInf;
+  EXPECT_TRUE(std::isnan(meanVariance(x).mean));
+}
+
+/// The two formulas in long double from the exact central moments.
+Shape exactShape(const std::vector<double>& x) {
+  const ExactPowerSums s(x, 4);
+  const BigInt n(s.n);
+  // n^(k-1) times the k-th central sum, integers scaled by 2^(1074 k).
+  const BigInt m2 = n * s.s2 - s.s1 * s.s1;
+  const BigInt m3 = n * n * s.s3 - BigInt(3) * n * s.s1 * s.s2 + BigInt(2) * s.s1 * s.s1 * s.s1;
+  const BigInt m4 = n * n * n * s.s4 - BigInt(4) * n * n * s.s1 * s.s3 +
+                    BigInt(6) * n * s.s1 * s.s1 * s.s2 - BigInt(3) * s.s1 * s.s1 * s.s1 * s.s1;
+  if (m2.isZero()) return {0, 0};
+  // Ratios that do not depend on the unit: m3^2 / m2^3 and m4 / m2^2.
+  const long double count = static_cast<long double>(s.n);
+  const long double ratio3 = BigInt::quotient<long double>(m3 * m3, m2 * m2 * m2);
+  const long double ratio4 = BigInt::quotient<long double>(m4, m2 * m2);
+  const long double sign = m3.isNegative() ? -1 : 1;
+  const long double shrink = (count - 1) / count;
+  return {static_cast<double>(sign * std::sqrt(ratio3 * shrink * shrink * shrink)),
+          static_cast<double>(ratio4 * shrink * shrink - 3)};
+}
+
+TEST(Shape, MatchesExactCentralMomentsOnHostileData) {
+  for (const std::size_t n : {4u, 5u, 31u, 131u, 2049u}) {
+    for (const auto& [name, x] : test::hostileData(n)) {
+      SCOPED_TRACE(name + " n=" + std::to_string(n));
+      const Shape actual = shape(x, ShapeForm::population);
+      const Shape expected = exactShape(x);
+      EXPECT_NEAR(actual.skewness, expected.skewness, 1e-15 * (1 + std::abs(expected.skewness)));
+      EXPECT_NEAR(actual.kurtosis, expected.kurtosis, 1e-15 * (1 + std::abs(expected.kurtosis)));
+    }
+  }
+}
+
+TEST(Shape, OfASampleAndOfTooFewOrInfiniteValues) {
+  EXPECT_EQ(shape(V{1, 2, 3}, ShapeForm::population).kurtosis, 0);
+  // python3 -c "
+  // from mpmath import *; mp.dps=30; x=[mpf(v) for v in (1,2,3,10)]; n=mpf(4); m=fsum(x)/n
+  // sd=sqrt(fsum((v-m)**2 for v in x)/(n-1)); S=fsum((v-m)**3 for v in x)/n/sd**3; K=fsum((v-m)**4
+  // for v in x)/n/sd**4-3
+  // print(S*n*n/((n-1)*(n-2)),(K+3)*n*n*(n+1)/((n-1)*(n-2)*(n-3))-3*(n-1)**2/((n-2)*(n-3)))"
+  const std::vector<std::int32_t> x{1, 2, 3, 10};
+  const Shape sample = shape(x, ShapeForm::sample);
+  EXPECT_DOUBLE_EQ(sample.skewness, 1.7636326148038882307);
+  EXPECT_DOUBLE_EQ(sample.kurtosis, 3.228);
+  EXPECT_FALSE(std::isfinite(shape(V{1, 2, 3, 4, kInf}, ShapeForm::sample).kurtosis));
+}
+
+TEST(Correlation, Rules) {
+  const std::vector<double> x{1, 2, 3}, rising{1e9 + 2, 1e9 + 4, 1e9 + 6},
+      falling{3e200, 2e200, 1e200}, constant(3, 0.7);
+  EXPECT_EQ(pearsonCorrelation(x, rising), 1);
+  EXPECT_EQ(pearsonCorrelation(x, falling), -1);
+  EXPECT_EQ(pearsonCorrelation(x, constant), 0);
+  EXPECT_EQ(pearsonCorrelation(x, V{1, -2, 1}), 0);
+  EXPECT_EQ(pearsonCorrelation(x, V{1, 2}), 0);
+  EXPECT_EQ(pearsonCorrelation(V{1}, V{2}), 0);
+  EXPECT_TRUE(std::isnan(pearsonCorrelation(x, V{1, kInf, 2})));
+  const CentredProducts c = centredProducts(x, rising);
+  EXPECT_EQ(c.xx.hi, 2);
+  EXPECT_EQ(c.xy.hi, 4);
+  EXPECT_EQ(c.meanY.hi, 1e9 + 4);
 }
 
 // Factors too large to be split, with products of ordinary size: without a fused multiply-add the
