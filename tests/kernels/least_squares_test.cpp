@@ -82,7 +82,7 @@ TEST(LeastSquares, RefusesWhatIsNotFinite) {
 TEST(CrossProducts, AreSumsOverShortRuns) {
   for (const auto& [rows, columns] : kShapes) {
     Numbers a = normals(rows * columns, 4);
-    for (double& v : a) v = std::round(v * 1024) + 1e6;
+    for (double& v : a) v = std::round(v * 0x1p20) + 1e6;
     const ConstMatrix view{a.data(), rows, columns, rows};
     const Numbers centres(columns, 1e6), factors(columns, 0.5);
     expectSameBits([&, m = rows, n = columns] {
@@ -92,10 +92,10 @@ TEST(CrossProducts, AreSumsOverShortRuns) {
       Numbers lower;
       for (std::size_t i = first; i < n; ++i) {
         for (std::size_t j = 0; j <= i; ++j) {
-          double sum = 0;  // exact: integers
+          long double sum = 0;  // exact: integers, as in each run of rows but not in all together
           for (std::size_t r = 0; r < m; ++r) sum += (view(r, i) - 1e6) * (view(r, j) - 1e6);
           lower.push_back(result[j * (n - first) + i - first]);
-          EXPECT_EQ(lower.back(), sum / 4);
+          EXPECT_EQ(lower.back(), static_cast<double>(sum / 4));
         }
       }
       return lower;

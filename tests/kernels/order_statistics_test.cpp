@@ -65,7 +65,7 @@ TEST(OrderStatistics, PercentIsLimitedAndNeverLeavesTheValues) {
 
 TEST(OrderStatistics, RankRoundsTiesToEven) {
   for (const auto& [n, prob, rank] :
-       {std::tuple(4, 50, 2), {5, 50, 2}, {7, 50, 4}, {4, 100, 3}, {4, -1, 0}}) {
+       {std::tuple(4u, 50, 2u), {5u, 50, 2u}, {7u, 50, 4u}, {4u, 100, 3u}, {4u, -1, 0u}}) {
     EXPECT_EQ(percentileRank(n, prob), rank) << n << " " << prob;
   }
 }

@@ -199,9 +199,13 @@ TEST(MatrixProducts, SquareByRunsOfColumns) {
   for (const auto& [rows, columns] : kShapes) {
     SCOPED_TRACE(testing::Message() << rows << " x " << columns);
     Spaced a(rows, columns, normalCells(5));
-    Spaced expected(columns, columns, [&](int r, int c) {
-      return chain(a.view(), Factor::transposed, r, a.view(), Factor::plain, c, 0, 1) / 3;
-    });
+    Spaced expected(columns, columns, untouched);
+    for (std::size_t c = 0; c < columns; ++c) {
+      for (std::size_t r = 0; r < columns; ++r) {
+        expected(r, c) =
+            chain(a.view(), Factor::transposed, r, a.view(), Factor::plain, c, 0, 1) / 3;
+      }
+    }
     test::forEachTarget([&, n = columns] {
       Spaced result(n, n, untouched);
       std::size_t first = n;  // from the end, so that a call could spoil what is there

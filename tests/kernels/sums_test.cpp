@@ -384,9 +384,11 @@ TEST(SplitSums, BoundsHoldOnHostileDataWithTheSameBitsOnEveryInstructionSet) {
 
 // If the bounds were useless, every caller would silently take the slow way.
 TEST(SplitSums, BoundsAreTightOnOrdinaryDataAndInfiniteOnUnsuitable) {
-  for (const auto& [name, x] : test::hostileData(5000)) {
-    if (name != "uniform" && name != "offset -40" && name != "outlier first" && name != "sorted")
+  for (const auto& [name, x] : unitBreakers(5000)) {
+    if (name != "uniform" && name != "offset -40" && name != "outlier first" && name != "sorted" &&
+        name != "rises with every run") {
       continue;
+    }
     const BoundedSum s = splitSum(x.data(), x.size());
     EXPECT_LE(s.error, 0x1p-57 * std::abs(s.value.hi)) << name;
     const SplitMoments m = splitMoments(x.data(), x.size(), 0);
