@@ -67,15 +67,15 @@ TEST(Binning, IntegersDoNotOverflow) {
 }
 
 TEST(Elementwise, IntegersWrap) {
-  std::vector<int> x{kIntMax, 1, 65536};
+  std::vector<int> x{kIntMax, -1, -65539};
   const std::vector<int> y{1, 2, 3};
   add<int>(x, y);
-  EXPECT_EQ(x, (std::vector<int>{kIntMin, 3, 65539}));
+  EXPECT_EQ(x, (std::vector<int>{kIntMin, 1, -65536}));
   absolute<int>(x);
-  EXPECT_EQ(x[0], kIntMin);
+  EXPECT_EQ(x, (std::vector<int>{kIntMin, 1, 65536}));
   subtract<int>(x, y);
   scale<int>(x, 65536);
-  EXPECT_EQ(x, (std::vector<int>{-65536, 65536, 0}));
+  EXPECT_EQ(x, (std::vector<int>{-65536, -65536, -3 * 65536}));
 }
 
 }  // namespace

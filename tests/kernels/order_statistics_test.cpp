@@ -19,23 +19,25 @@ namespace {
 
 constexpr double kInf = std::numeric_limits<double>::infinity();
 
+bool same(double a, double b) { return a == b || (std::isnan(a) && std::isnan(b)); }
+
+void expectQuartiles(const Quartiles& q, const Quartiles& expected) {
+  EXPECT_TRUE(same(q.q1, expected.q1)) << q.q1;
+  EXPECT_TRUE(same(q.q2, expected.q2)) << q.q2;
+  EXPECT_TRUE(same(q.q3, expected.q3)) << q.q3;
+}
+
 TEST(OrderStatistics, FollowTheirRulesOnSmallData) {
   // R 4.2: quantile(x, p, type = 7) and quantile(x, c(.25, .5, .75), type = 6).
   const std::vector<double> x{2.5, 3.25, 4, 7.75, 8, 11, 17.5};
-  EXPECT_DOUBLE_EQ(percentileSorted(std::span(x), 10), 2.95);
-  EXPECT_DOUBLE_EQ(percentileSorted(std::span(x), 25), 3.625);
-  EXPECT_DOUBLE_EQ(percentileSorted(std::span(x), 62), 7.93);
-  EXPECT_DOUBLE_EQ(percentileSorted(std::span(x), 95), 15.55);
-  const auto quartiles = quartilesSorted(std::span(x));
-  EXPECT_EQ(quartiles.q1, 3.25);
-  EXPECT_EQ(quartiles.q2, 7.75);
-  EXPECT_EQ(quartiles.q3, 11);
-  for (const auto& [n, q1, q2, q3] :
-       {std::tuple(1, 1.0, 1.0, 1.0), {2, 1.0, 1.5, 2.0}, {4, 1.25, 2.5, 3.75}}) {
-    const int values[] = {1, 2, 3, 4};
-    const auto q = quartilesSorted(std::span(values).first(static_cast<std::size_t>(n)));
-    EXPECT_TRUE(q.q1 == q1 && q.q2 == q2 && q.q3 == q3) << n;
+  for (const auto& [prob, value] : {std::pair{10, 2.95}, {25, 3.625}, {62, 7.93}, {95, 15.55}}) {
+    EXPECT_DOUBLE_EQ(percentileSorted(std::span(x), prob), value);
   }
+  expectQuartiles(quartilesSorted(std::span(x)), {3.25, 7.75, 11});
+  const int few[] = {1, 2, 3, 4};
+  expectQuartiles(quartilesSorted(std::span(few, 1)), {1, 1, 1});
+  expectQuartiles(quartilesSorted(std::span(few, 2)), {1, 1.5, 2});
+  expectQuartiles(quartilesSorted(std::span(few, 4)), {1.25, 2.5, 3.75});
 }
 
 TEST(OrderStatistics, PercentIsLimitedAndNeverLeavesTheValues) {
@@ -62,11 +64,10 @@ TEST(OrderStatistics, PercentIsLimitedAndNeverLeavesTheValues) {
 }
 
 TEST(OrderStatistics, RankRoundsTiesToEven) {
-  EXPECT_EQ(percentileRank(4, 50), 2u);
-  EXPECT_EQ(percentileRank(5, 50), 2u);  // 2.5
-  EXPECT_EQ(percentileRank(7, 50), 4u);  // 3.5
-  EXPECT_EQ(percentileRank(4, 100), 3u);
-  EXPECT_EQ(percentileRank(4, -1), 0u);
+  for (const auto& [n, prob, rank] :
+       {std::tuple(4u, 50, 2u), {5u, 50, 2u}, {7u, 50, 4u}, {4u, 100, 3u}, {4u, -1, 0u}}) {
+    EXPECT_EQ(percentileRank(n, prob), rank) << n << " " << prob;
+  }
 }
 
 TEST(OrderStatistics, IntegersAndInfinitiesDoNotOverflow) {
@@ -87,7 +88,6 @@ TYPED_TEST_SUITE(BySelection, Keys);
 
 // Selection and sort are two ways to the same number, NaN included.
 TYPED_TEST(BySelection, EqualsBySort) {
-  const auto same = [](double a, double b) { return a == b || (std::isnan(a) && std::isnan(b)); };
   for (const std::size_t n : {1u, 2u, 5u, 999u, 5000u, 5001u, 20000u}) {
     for (const auto& [name, keys] : test::keyShapes<TypeParam>(n, 21)) {
       SCOPED_TRACE(name + ", n = " + std::to_string(n));
@@ -99,11 +99,8 @@ TYPED_TEST(BySelection, EqualsBySort) {
         ASSERT_EQ(passes > 0, n > 1);
       }
       auto work = keys;
-      const auto expected = quartilesBySort(std::span(work), NoHook{});
-      const auto quartiles = quartilesBySelection(std::span(keys));
-      ASSERT_TRUE(same(quartiles.q1, expected.q1));
-      ASSERT_TRUE(same(quartiles.q2, expected.q2));
-      ASSERT_TRUE(same(quartiles.q3, expected.q3));
+      expectQuartiles(quartilesBySelection(std::span(keys)),
+                      quartilesBySort(std::span(work), NoHook{}));
     }
   }
 }

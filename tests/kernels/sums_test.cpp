@@ -2,25 +2,25 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
 #include <cmath>
 #include <limits>
 #include <numeric>
 #include <random>
-#include <span>
 #include <string>
 #include <vector>
 
 #include "tests/support/exact.h"
-#include "tests/support/hostile.h"
-#include "tests/support/simd_targets.h"
+#include "tests/support/same_bits.h"
 #include "zel/kernels/moments.h"
+#include "zel/kernels/split_sums.h"
 
 namespace zel::kernels {
 namespace {
 
 using test::BigInt;
 using test::ExactPowerSums;
+
+using V = std::vector<double>;
 
 constexpr double kInf = std::numeric_limits<double>::infinity();
 constexpr double kMax = std::numeric_limits<double>::max();
@@ -44,35 +44,66 @@ void expectAccurate(DoubleDouble s, const BigInt& exact, const BigInt& magnitude
 
 BigInt magnitudeOf(const BigInt& x) { return x.isNegative() ? -x : x; }
 
-TEST(Sums, MatchExactArithmeticOnHostileData) {
-  for (const std::size_t n : test::kLengths) {
-    for (const auto& [name, x] : test::hostileData(n)) {
-      SCOPED_TRACE(name + " n=" + std::to_string(n));
-      const ExactPowerSums exact(x);
-      BigInt magnitudes;
-      for (const double v : x) magnitudes = magnitudes + magnitudeOf(BigInt::scaled(v));
-      expectAccurate(sum(x), exact.s1, magnitudes, 1074);
-      expectAccurate(sumOfSquares(x), exact.s2, exact.s2, 2148);
-      EXPECT_LE(test::ulpsApart(mean(x), n > 0 ? exact.mean() : 0), name == "cancelling" ? 2 : 0);
-    }
-  }
+/// Sum, sum of squares, mean and variance against exact arithmetic, which find some data harder.
+void expectExact(const std::vector<double>& x, const std::string& name) {
+  SCOPED_TRACE(name + " n=" + std::to_string(x.size()));
+  const ExactPowerSums exact(x);
+  const double exactMean = x.empty() ? 0 : exact.mean();
+  BigInt magnitudes;
+  for (const double v : x) magnitudes = magnitudes + magnitudeOf(BigInt::scaled(v));
+  expectAccurate(sum(x), exact.s1, magnitudes, 1074);
+  expectAccurate(sumOfSquares(x), exact.s2, exact.s2, 2148);
+  EXPECT_LE(test::ulpsApart(mean(x), exactMean), name == "cancelling" ? 2 : 0);
+  const MeanVariance mv = meanVariance(x);
+  EXPECT_LE(test::ulpsApart(mv.mean, exactMean), name == "cancelling" ? 2 : 1);
+  EXPECT_LE(test::ulpsApart(mv.variance, x.size() < 3 ? 1 : exact.variance()), 2)
+      << mv.variance << " expected " << exact.variance();
 }
 
-TEST(Sums, ProductsAndDifferencesEnterExactly) {
-  const auto data = test::hostileData(141);
-  for (const auto& [nameX, x] : data) {
-    for (const auto& [nameY, y] : data) {
-      SCOPED_TRACE(nameX + " with " + nameY);
-      BigInt products, magnitudes, squares;
-      for (std::size_t i = 0; i < x.size(); ++i) {
-        const BigInt p = BigInt::scaled(x[i]) * BigInt::scaled(y[i]);
-        const BigInt d = BigInt::scaled(x[i]) - BigInt::scaled(y[i]);
-        products = products + p;
-        magnitudes = magnitudes + magnitudeOf(p);
-        squares = squares + d * d;
+TEST(Sums, MatchExactArithmeticOnHostileData) {
+  for (const std::size_t n : test::kLengths) {
+    for (const auto& [name, x] : test::hostileData(n)) expectExact(x, name);
+  }
+  std::mt19937_64 random(3);
+  std::normal_distribution<double> normal;
+  std::vector<double> x(20000);
+  for (const double offset : {1e6, 1e12, 5.0}) {
+    for (auto& v : x) v = offset + normal(random);
+    expectExact(x, "long with offset");
+  }
+  // The mean of centred data is pure rounding noise of the centring, and still has to be right.
+  const double centre = mean(x);
+  for (auto& v : x) v -= centre;
+  expectExact(x, "long and centred");
+}
+
+/// Correlation in long double from exact sums.
+double exactCorrelation(const ExactPowerSums& x, const ExactPowerSums& y, const BigInt& products) {
+  if (x.spread().isZero() || y.spread().isZero()) return 0;
+  const BigInt top = BigInt(x.n) * products - x.s1 * y.s1;
+  const long double square = BigInt::quotient<long double>(top * top, x.spread() * y.spread());
+  return static_cast<double>(top.isNegative() ? -std::sqrt(square) : std::sqrt(square));
+}
+
+TEST(Sums, OfTwoArraysAndCorrelationsMatchExactArithmeticOnHostileData) {
+  for (const std::size_t n : {2u, 3u, 17u, 141u}) {
+    const auto data = test::hostileData(n);
+    for (const auto& [nameX, x] : data) {
+      for (const auto& [nameY, y] : data) {
+        SCOPED_TRACE(nameX + " with " + nameY + " n=" + std::to_string(n));
+        BigInt products, magnitudes, squares;
+        for (std::size_t i = 0; i < n; ++i) {
+          const BigInt p = BigInt::scaled(x[i]) * BigInt::scaled(y[i]);
+          const BigInt d = BigInt::scaled(x[i]) - BigInt::scaled(y[i]);
+          products = products + p;
+          magnitudes = magnitudes + magnitudeOf(p);
+          squares = squares + d * d;
+        }
+        expectAccurate(sumOfProducts(x, y), products, magnitudes, 2148);
+        expectAccurate(sumOfSquaredDifferences(x, y), squares, squares, 2148);
+        EXPECT_NEAR(pearsonCorrelation(x, y),
+                    exactCorrelation(ExactPowerSums(x), ExactPowerSums(y), products), 2e-16);
       }
-      expectAccurate(sumOfProducts(x, y), products, magnitudes, 2148);
-      expectAccurate(sumOfSquaredDifferences(x, y), squares, squares, 2148);
     }
   }
 }
@@ -99,21 +130,17 @@ TEST(Sums, IntermediatesMayLeaveTheDoubleRange) {
   std::vector<double> x(40, kMax);
   EXPECT_EQ(sum(x).hi, kInf);
   EXPECT_EQ(mean(x), kMax);
-  EXPECT_EQ(mean(std::vector<double>{kMax, 0, 0}), kMax / 3);
+  EXPECT_EQ(mean(V{kMax, 0, 0}), kMax / 3);
   for (int i = 0; i < 39; ++i) x.push_back(-kMax);
   EXPECT_EQ(sum(x).hi, kMax);
   x.push_back(-kMax);
   x.push_back(3e-310);
   EXPECT_EQ(sum(x).hi, 3e-310);
-  EXPECT_DOUBLE_EQ(euclideanNorm(std::vector<double>{3e200, -4e200}), 5e200);
-  EXPECT_DOUBLE_EQ(euclideanNorm(std::vector<double>{3e-200, 4e-200}), 5e-200);
-  EXPECT_DOUBLE_EQ(euclideanDistance(std::vector<double>{3e300, 0}, std::vector<double>{0, -4e300}),
-                   5e300);
+  EXPECT_DOUBLE_EQ(euclideanNorm(V{3e200, -4e200}), 5e200);
+  EXPECT_DOUBLE_EQ(euclideanNorm(V{3e-200, 4e-200}), 5e-200);
+  EXPECT_DOUBLE_EQ(euclideanDistance(V{3e300, 0}, V{0, -4e300}), 5e300);
   // The shorter of two spans decides.
-  EXPECT_EQ(
-      sumOfProducts(std::vector<double>{1e200, 1e200, 2, 7}, std::vector<double>{1e200, -1e200, 3})
-          .hi,
-      6);
+  EXPECT_EQ(sumOfProducts(V{1e200, 1e200, 2, 7}, V{1e200, -1e200, 3}).hi, 6);
 }
 
 TEST(Sums, IntegersAreExact) {
@@ -149,7 +176,6 @@ TEST(Sums, ShiftedCrossProducts) {
 }
 
 TEST(Means, KeepDigitsAndRange) {
-  using V = std::vector<double>;
   EXPECT_EQ(geometricMean(V{1, 2, 4}), 2);
   EXPECT_EQ(geometricMean(V{4, 0, 1}), 0);
   EXPECT_EQ(geometricMean(V{0, -1}), std::nullopt);
@@ -170,25 +196,90 @@ TEST(Means, KeepDigitsAndRange) {
   EXPECT_EQ(harmonicMean(V(many.begin(), many.end())), 1021.700297618584556);
 }
 
-/// Every result of the reductions, to be compared bit by bit.
-std::array<double, 13> allResults(const std::vector<double>& x, const std::vector<double>& y) {
-  const DoubleDouble a = sum(x), b = sumOfSquares(x), c = sumOfProducts(x, y),
-                     d = sumOfSquaredDifferences(x, y);
-  const auto [mean, variance] = meanVariance(x);
-  const auto [skewness, kurtosis] = shape(x, ShapeForm::population);
-  return {a.hi,
-          a.lo,
-          b.hi,
-          b.lo,
-          c.hi,
-          c.lo,
-          d.hi,
-          d.lo,
-          mean,
-          variance,
-          skewness,
-          kurtosis,
-          pearsonCorrelation(x, y)};
+TEST(MeanVariance, IntegersAndConstantData) {
+  EXPECT_EQ(meanVariance(std::vector<std::int32_t>{2147483647, -2147483647, 0}).variance,
+            2147483647.0 * 2147483647.0);
+  for (const double c : {0.1, 1e9 + 0.1, 1e-200, -1.7e308, 5e-324}) {
+    for (const std::size_t n : {3u, 1000u, 5000u}) {
+      const MeanVariance mv = meanVariance(V(n, c));
+      EXPECT_EQ(mv.mean, c);
+      EXPECT_EQ(mv.variance, 0) << c;
+    }
+  }
+}
+
+TEST(MeanVariance, RangeAndNonFiniteValues) {
+  EXPECT_EQ(meanVariance(V{1e200, -1e200, 0}).variance, kInf);
+  EXPECT_EQ(meanVariance(V{1.7e308, 1.7e308, 1.6e308}).mean,
+            (1.7e308 / 3 + 1.7e308 / 3) + 1.6e308 / 3);
+  std::vector<double> x(100, 1);
+  x[60] = kInf;
+  EXPECT_EQ(meanVariance(x).mean, kInf);
+  EXPECT_TRUE(std::isnan(meanVariance(x).variance));
+  x[3] = -kInf;
+  EXPECT_TRUE(std::isnan(meanVariance(x).mean));
+}
+
+/// The two formulas in long double from the exact central moments.
+Shape exactShape(const std::vector<double>& x) {
+  const ExactPowerSums s(x, 4);
+  const BigInt n(s.n);
+  // n^(k-1) times the k-th central sum, integers scaled by 2^(1074 k).
+  const BigInt m2 = n * s.s2 - s.s1 * s.s1;
+  const BigInt m3 = n * n * s.s3 - BigInt(3) * n * s.s1 * s.s2 + BigInt(2) * s.s1 * s.s1 * s.s1;
+  const BigInt m4 = n * n * n * s.s4 - BigInt(4) * n * n * s.s1 * s.s3 +
+                    BigInt(6) * n * s.s1 * s.s1 * s.s2 - BigInt(3) * s.s1 * s.s1 * s.s1 * s.s1;
+  if (m2.isZero()) return {0, 0};
+  // Ratios that do not depend on the unit: m3^2 / m2^3 and m4 / m2^2.
+  const long double count = static_cast<long double>(s.n);
+  const long double ratio3 = BigInt::quotient<long double>(m3 * m3, m2 * m2 * m2);
+  const long double ratio4 = BigInt::quotient<long double>(m4, m2 * m2);
+  const long double sign = m3.isNegative() ? -1 : 1;
+  const long double shrink = (count - 1) / count;
+  return {static_cast<double>(sign * std::sqrt(ratio3 * shrink * shrink * shrink)),
+          static_cast<double>(ratio4 * shrink * shrink - 3)};
+}
+
+TEST(Shape, MatchesExactCentralMomentsOnHostileData) {
+  for (const std::size_t n : {4u, 5u, 31u, 131u, 2049u}) {
+    for (const auto& [name, x] : test::hostileData(n)) {
+      SCOPED_TRACE(name + " n=" + std::to_string(n));
+      const Shape actual = shape(x, ShapeForm::population);
+      const Shape expected = exactShape(x);
+      EXPECT_NEAR(actual.skewness, expected.skewness, 1e-15 * (1 + std::abs(expected.skewness)));
+      EXPECT_NEAR(actual.kurtosis, expected.kurtosis, 1e-15 * (1 + std::abs(expected.kurtosis)));
+    }
+  }
+}
+
+TEST(Shape, OfASampleAndOfTooFewOrInfiniteValues) {
+  EXPECT_EQ(shape(V{1, 2, 3}, ShapeForm::population).kurtosis, 0);
+  // python3 -c "
+  // from mpmath import *; mp.dps=30; x=[mpf(v) for v in (1,2,3,10)]; n=mpf(4); m=fsum(x)/n
+  // sd=sqrt(fsum((v-m)**2 for v in x)/(n-1)); S=fsum((v-m)**3 for v in x)/n/sd**3; K=fsum((v-m)**4
+  // for v in x)/n/sd**4-3
+  // print(S*n*n/((n-1)*(n-2)),(K+3)*n*n*(n+1)/((n-1)*(n-2)*(n-3))-3*(n-1)**2/((n-2)*(n-3)))"
+  const std::vector<std::int32_t> x{1, 2, 3, 10};
+  const Shape sample = shape(x, ShapeForm::sample);
+  EXPECT_DOUBLE_EQ(sample.skewness, 1.7636326148038882307);
+  EXPECT_DOUBLE_EQ(sample.kurtosis, 3.228);
+  EXPECT_FALSE(std::isfinite(shape(V{1, 2, 3, 4, kInf}, ShapeForm::sample).kurtosis));
+}
+
+TEST(Correlation, Rules) {
+  const std::vector<double> x{1, 2, 3}, rising{1e9 + 2, 1e9 + 4, 1e9 + 6},
+      falling{3e200, 2e200, 1e200}, constant(3, 0.7);
+  EXPECT_EQ(pearsonCorrelation(x, rising), 1);
+  EXPECT_EQ(pearsonCorrelation(x, falling), -1);
+  EXPECT_EQ(pearsonCorrelation(x, constant), 0);
+  EXPECT_EQ(pearsonCorrelation(x, V{1, -2, 1}), 0);
+  EXPECT_EQ(pearsonCorrelation(x, V{1, 2}), 0);
+  EXPECT_EQ(pearsonCorrelation(V{1}, V{2}), 0);
+  EXPECT_TRUE(std::isnan(pearsonCorrelation(x, V{1, kInf, 2})));
+  const CentredProducts c = centredProducts(x, rising);
+  EXPECT_EQ(c.xx.hi, 2);
+  EXPECT_EQ(c.xy.hi, 4);
+  EXPECT_EQ(c.meanY.hi, 1e9 + 4);
 }
 
 // Factors too large to be split, with products of ordinary size: without a fused multiply-add the
@@ -196,19 +287,17 @@ std::array<double, 13> allResults(const std::vector<double>& x, const std::vecto
 TEST(Sums, HugeTimesTinyHasTheSameBitsOnEveryInstructionSet) {
   std::mt19937_64 random(5);
   std::vector<double> x(300), y(300);
+  BigInt exact;
   for (std::size_t i = 0; i < x.size(); ++i) {
     const int exponent = i % 3 == 0 ? 1010 : i % 3 == 1 ? -1010 : 0;
     x[i] = std::ldexp(1 + static_cast<double>(random() >> 12) * 0x1p-52, exponent);
     y[i] = std::ldexp(1 + static_cast<double>(random() >> 12) * 0x1p-52, -exponent);
-  }
-  BigInt exact;
-  for (std::size_t i = 0; i < x.size(); ++i)
     exact = exact + BigInt::scaled(x[i]) * BigInt::scaled(y[i]);
-  const DoubleDouble expected = sumOfProducts(x, y);
-  expectAccurate(expected, exact, exact, 2148);
-  test::forEachTarget([&] {
-    EXPECT_EQ(sumOfProducts(x, y).hi, expected.hi);
-    EXPECT_EQ(sumOfProducts(x, y).lo, expected.lo);
+  }
+  test::expectSameBits([&] {
+    const DoubleDouble s = sumOfProducts(x, y);
+    expectAccurate(s, exact, exact, 2148);
+    return std::vector{s.hi, s.lo};
   });
 }
 
@@ -219,14 +308,100 @@ TEST(Sums, HaveTheSameBitsOnEveryInstructionSet) {
       SCOPED_TRACE(data[i].name + " n=" + std::to_string(n));
       const auto& x = data[i].values;
       const auto& y = data[(i + 1) % data.size()].values;
-      const auto expected = allResults(x, y);
-      test::forEachTarget([&] {
-        const auto results = allResults(x, y);
-        for (std::size_t k = 0; k < results.size(); ++k) {
-          EXPECT_TRUE(test::sameValue(expected[k], results[k]))
-              << k << ": " << expected[k] << " " << results[k];
+      test::expectSameBits([&] {
+        const auto [mean, variance] = meanVariance(x);
+        const auto [skewness, kurtosis] = shape(x, ShapeForm::population);
+        std::vector results{mean, variance, skewness, kurtosis, pearsonCorrelation(x, y)};
+        for (const DoubleDouble s :
+             {sum(x), sumOfSquares(x), sumOfProducts(x, y), sumOfSquaredDifferences(x, y)}) {
+          results.insert(results.end(), {s.hi, s.lo});
         }
+        return results;
       });
+    }
+  }
+}
+
+/// |exact * 2^-scale - value| <= error.
+void expectWithinBound(const BoundedSum& s, const BigInt& exact, int scale) {
+  if (!std::isfinite(s.error)) return;
+  const BigInt value =
+      (BigInt::scaled(s.value.hi) + BigInt::scaled(s.value.lo)) * (BigInt(1) << (scale - 1074));
+  EXPECT_LE(std::abs(BigInt::quotient<double>(exact - value, 1, -scale)), s.error);
+}
+
+/// Data made for the checks of the units: what is too large for the first unit, or only in one
+/// lane, or cancels at once, or shrinks from run to run.
+std::vector<test::NamedData> unitBreakers(std::size_t n) {
+  auto all = test::hostileData(n);
+  const auto add = [&](const char* name, auto value) {
+    std::vector<double> x(n);
+    for (std::size_t i = 0; i < n; ++i) x[i] = value(i);
+    all.push_back({name, std::move(x)});
+  };
+  add("pair of outliers in one lane", [](std::size_t i) {
+    return i == 40 ? 1e30 : i == 56 ? -1e30 : 0.1;
+  });
+  add("one outlier in the last lane",
+      [n](std::size_t i) { return i == n - 1 - n % 16 ? 3e14 : 1.1; });
+  add("falls with every run",
+      [](std::size_t i) { return std::ldexp(1.7, -9 * static_cast<int>(i / 2048)); });
+  add("rises with every run",
+      [](std::size_t i) { return std::ldexp(-1.3, 9 * static_cast<int>(i / 2048)); });
+  add("at the limit of the check", [](std::size_t i) { return i < 16 ? 1.0 : 63.999; });
+  add("just past the limit", [](std::size_t i) {
+    return i < 16 ? 1.0 : i % 5 == 0 ? 64.5 : -64.5;
+  });
+  return all;
+}
+
+TEST(SplitSums, BoundsHoldOnHostileDataWithTheSameBitsOnEveryInstructionSet) {
+  for (const std::size_t n : {16u, 17u, 129u, 1450u, 2048u, 2051u, 7003u}) {
+    for (const auto& data : unitBreakers(n)) {
+      const auto& x = data.values;
+      SCOPED_TRACE(data.name + " n=" + std::to_string(n));
+      expectWithinBound(splitSum(x.data(), n), ExactPowerSums(x).s1, 1074);
+      for (const double centre : {0.0, x[n / 2]}) {
+        std::vector<double> d(n);
+        for (std::size_t i = 0; i < n; ++i) d[i] = x[i] - centre;
+        if (std::isinf(d[0] - d[n - 1])) continue;
+        const ExactPowerSums exact(d);
+        const SplitMoments m = splitMoments(x.data(), n, centre);
+        expectWithinBound(m.sum, exact.s1, 1074);
+        expectWithinBound(m.squares, exact.s2, 2148);
+      }
+      test::expectSameBits([&] {
+        const SplitMoments m = splitMoments(x.data(), n, x[n / 2]);
+        std::vector<double> results;
+        for (const BoundedSum& s : {splitSum(x.data(), n), m.sum, m.squares}) {
+          results.insert(results.end(), {s.value.hi, s.value.lo, s.error});
+        }
+        return results;
+      });
+    }
+  }
+}
+
+// If the bounds were useless, every caller would silently take the slow way.
+TEST(SplitSums, BoundsAreTightOnOrdinaryDataAndInfiniteOnUnsuitable) {
+  for (const auto& [name, x] : unitBreakers(5000)) {
+    const bool isOrdinary = name == "uniform" || name == "offset -40" || name == "offset 1e9" ||
+                            name == "outlier first" || name == "sorted" ||
+                            name == "rises with every run";
+    if (!isOrdinary) continue;
+    const BoundedSum s = splitSum(x.data(), x.size());
+    EXPECT_LE(s.error, 0x1p-57 * std::abs(s.value.hi)) << name;
+    for (const double centre : {0.0, x[2500]}) {
+      const SplitMoments m = splitMoments(x.data(), x.size(), centre);
+      EXPECT_LE(m.squares.error, 0x1p-58 * m.squares.value.hi) << name << " " << centre;
+    }
+  }
+  for (const double bad : {std::nan(""), kInf, 1e200}) {
+    for (const std::size_t at : {0u, 100u, 2999u}) {
+      std::vector<double> x(3000, 0.5);
+      x[at] = bad;
+      EXPECT_EQ(splitSum(x.data(), x.size()).error, kInf) << bad;
+      EXPECT_EQ(splitMoments(x.data(), x.size(), 0.25).squares.error, kInf) << bad;
     }
   }
 }
