@@ -10,6 +10,7 @@ namespace zel {
 namespace {
 
 using test::contents;
+using test::Events;
 using Values = std::vector<double>;
 
 TEST(Matrix, StartsWithOneCellAndLimitsItsPrecisions) {
@@ -27,12 +28,11 @@ TEST(Matrix, StartsWithOneCellAndLimitsItsPrecisions) {
 
 TEST(Matrix, ResizeKeepsCommonCellsAndNothingElse) {
   TMatrix m{{1, 2}, {3, 4}};
-  int events = 0;
-  m.OnChange = [&](TObject*) { ++events; };
+  Events events(m);
   EXPECT_TRUE(m.Resize(3, 3));
   EXPECT_EQ(contents(m), (Values{3, 3, 1, 3, 0, 2, 4, 0, 0, 0, 0}));
   EXPECT_TRUE(m.Resize(3, 3));
-  EXPECT_EQ(events, 1) << "no event for the size it has";
+  EXPECT_EQ(events.count, 1) << "no event for the size it has";
   m.SetNrOfRows(1);
   m.SetNrOfColumns(2);
   EXPECT_EQ(contents(m), (Values{2, 1, 1, 2}));
@@ -43,15 +43,14 @@ TEST(Matrix, ResizeKeepsCommonCellsAndNothingElse) {
   EXPECT_EQ(m.GetVal(1, 1), 0);
   m.Resize(2, 2);
   EXPECT_EQ(contents(m), (Values{2, 2, 0, 0, 0, 0})) << "cut cells do not come back";
-  EXPECT_EQ(events, 5);
+  EXPECT_EQ(events.count, 5);
   m.ResizeAndClear(2, 2);
-  EXPECT_EQ(events, 6);
+  EXPECT_EQ(events.count, 6);
 }
 
 TEST(Matrix, IndicesOutsideReadZeroAndWriteNothing) {
   TMatrix m{{1, 2}, {3, 4}};
-  int events = 0;
-  m.OnChange = [&](TObject*) { ++events; };
+  Events events(m);
   for (const int bad : {0, -1, 3, INT_MAX, INT_MIN}) {
     m.SetVal(bad, 1, 9);
     m.SetVal(1, bad, 9);
@@ -60,7 +59,7 @@ TEST(Matrix, IndicesOutsideReadZeroAndWriteNothing) {
     m.ExchangeColumns(1, bad);
     m.ExchangeRows(bad, 2);
   }
-  EXPECT_EQ(events, 0);
+  EXPECT_EQ(events.count, 0);
   EXPECT_EQ(contents(m), (Values{2, 2, 1, 3, 2, 4}));
   EXPECT_TRUE(m.Column(0).empty());
   EXPECT_EQ(m.Column(2)[1], 4);
@@ -73,10 +72,9 @@ TEST(Matrix, AssignTakesAllButTheProgressHandler) {
   TMatrix a{{1, 2, 3}};
   a.SetDataID("id");
   a.SetFPrecis(1, 3);
-  int events = 0;
+  Events events(a);
   a.OnPercentDone = [](TObject*, int) {};
   a.OnCalcDistance = [](TObject*, int, int, double& d) { d = 7; };
-  a.OnChange = [&](TObject*) { ++events; };
   TMatrix b;
   b.Assign(&a);
   EXPECT_EQ(contents(b), contents(a));
@@ -84,9 +82,9 @@ TEST(Matrix, AssignTakesAllButTheProgressHandler) {
   EXPECT_EQ(b.Precision(1), 3);
   EXPECT_EQ(b.DistanceOfObjects(dmUser, 1, 1), 7);
   EXPECT_FALSE(b.OnPercentDone);
-  EXPECT_EQ(events, 0);
+  EXPECT_EQ(events.count, 0);
   b.Changed();
-  EXPECT_EQ(events, 1);
+  EXPECT_EQ(events.count, 1);
   TMatrix empty;
   empty.Resize(0, 3);
   b.Assign(&empty);
@@ -100,8 +98,7 @@ TEST(Matrix, AssignTakesAllButTheProgressHandler) {
 TEST(Matrix, FillsReachTheirRectangleAndTellOnce) {
   TMatrix m;
   m.Resize(3, 3);
-  int events = 0;
-  m.OnChange = [&](TObject*) { ++events; };
+  Events events(m);
   m.Fill(2);
   m.Fill(2, 3, 9, 2, 5);
   m.FillDiag(1);
@@ -112,12 +109,12 @@ TEST(Matrix, FillsReachTheirRectangleAndTellOnce) {
   for (int r = 1; r <= 3; ++r) EXPECT_EQ(m(3, r), Random() * 2 - 1);
   m.FillRandomGauss(1, 1, 1, 1, 100, 0);
   EXPECT_EQ(m(1, 1), 100);
-  EXPECT_EQ(events, 5);
+  EXPECT_EQ(events.count, 5);
   m.Resize(0, 3);
   m.Fill(8);
   m.Fill(0, 0, 0, 0, 8);
   m.FillRandomGauss(0, 1);
-  EXPECT_EQ(events, 9);
+  EXPECT_EQ(events.count, 9);
   m.Resize(1, 3);
   EXPECT_EQ(contents(m), (Values{1, 3, 0, 0, 0}));
 }
@@ -213,36 +210,62 @@ TEST(Matrix, ArraysTakeARectangle) {
   EXPECT_EQ(i, (TInt2DArray{{2, -2}, {4, 0}, {INT_MAX, 0}}));
 }
 
-TEST(Matrix, FailedAllocationsNameTheMatrixAndChangeNothing) {
-  TMatrix m{{1, 2, 3}, {4, 5, 6}};
-  m.SetName("M1");
-  const auto before = contents(m);
-  int events = 0;
-  m.OnChange = [&](TObject*) { ++events; };
-  const auto unchanged = [&] {
-    EXPECT_EQ(contents(m), before);
-    EXPECT_EQ(events, 0);
-  };
-  const std::string message = "Component \"M1\": not enough memory on heap";
-  double q = 0;
+TEST(Matrix, FailedAllocationsNameItAndChangeNothing) {
+  TMatrix a, oblong, result, distances;
+  TVector means;
   TDouble2DArray array;
-  TVector means{0, 0};
-  test::expectFailuresHarmless([&] { static_cast<void>(m.Percentile(40, 1, 1, 2, 1)); }, message,
-                               unchanged);
-  test::expectFailuresHarmless([&] { m.Quartiles(0, 0, 0, 0, q, q, q); }, message, unchanged);
-  test::expectFailuresHarmless([&] { m.MeanVar(1, 1, 3, 1, q, q); }, message, unchanged);
-  test::expectFailuresHarmless([&] { m.MeanVec(dimRows, &means); }, message, unchanged);
-  test::expectFailuresHarmless(
-      [&] {
-        array = {};
-        m.CopyToArray(array, 0, 0, 0, 0);
-      },
-      message, unchanged);
-  EXPECT_THROW_MSG(m.Resize(INT_MAX, INT_MAX), EZELMatrixError, message);
-  unchanged();
-  test::expectFailuresHarmless([&] { m.Resize(40, 30); }, message, unchanged);
+  means.Resize(30);
+  a.SetName("A");
+  double q = 0;
+  Events events(a);
+  const auto prepare = [&] {
+    test::fillNormal(a, 30, 30);
+    test::fillNormal(oblong, 3, 5);
+    result.ResizeAndClear(1, 1);
+    distances.Resize(30, 30);
+    distances.Fill(3);
+    array = {};
+    events.count = 0;
+  };
+  const auto state = [&] {
+    return std::vector{contents(a), contents(oblong), contents(result), contents(distances)};
+  };
+  prepare();
+  const auto before = state();
+  const std::string nameless = "Component \"\": not enough memory on heap";
+  const std::string named = "Component \"A\": not enough memory on heap";
+  const auto expectHarmless = [&](const std::string& message, auto operation) {
+    test::expectFailuresHarmless(
+        operation, message,
+        [&] {
+          EXPECT_EQ(state(), before);
+          EXPECT_EQ(events.count, 0);
+        },
+        prepare);
+  };
+  expectHarmless(named, [&] { a.Resize(40, 35); });
+  expectHarmless(named, [&] { static_cast<void>(a.Percentile(40, 1, 1, 2, 1)); });
+  expectHarmless(named, [&] { a.Quartiles(0, 0, 0, 0, q, q, q); });
+  expectHarmless(named, [&] { a.MeanVar(1, 1, 3, 1, q, q); });
+  expectHarmless(named, [&] { a.MeanVec(dimRows, &means); });
+  expectHarmless(named, [&] { a.CopyToArray(array, 0, 0, 0, 0); });
+  expectHarmless(named, [&] { a.Multiply(&a, &result); });
+  expectHarmless(named, [&] { a.TransposeAndMultiply(&a, &result); });
+  expectHarmless(named, [&] { a.EMult(&a, &result); });
+  expectHarmless(named, [&] { a.Invert(); });
+  expectHarmless(named, [&] { static_cast<void>(a.Determinant()); });
+  expectHarmless(named, [&] { static_cast<void>(a.Norm(ntSpectral)); });
+  expectHarmless(named, [&] { a.CalcDistMat(dmManhattan, &distances); });
+  expectHarmless(nameless, [&] { oblong.Transpose(); });
+  a.SetName("");
+  a.OnChange = nullptr;  // which a product on the way fires
+  expectHarmless(nameless, [&] { a.CalcHatMatrix(&result); });
+  a.SetName("A");
+  prepare();
+  EXPECT_THROW_MSG(a.Resize(INT_MAX, INT_MAX), EZELMatrixError, named);
+  EXPECT_EQ(state(), before);
   const test::FailingStorage fail(0);
-  EXPECT_THROW_MSG(TMatrix(), EZELMatrixError, "Component \"\": not enough memory on heap");
+  EXPECT_THROW_MSG(TMatrix(), EZELMatrixError, nameless);
 }
 
 TEST(Matrix, ProgressGoesToItsHandler) {
