@@ -85,14 +85,6 @@ TEST(MatrixStatistics, EmptyMatricesGiveTheInitialResults) {
   EXPECT_EQ(m.Percentile(50, 0, 0, 0, 0), 0);
   EXPECT_EQ(m.Sum(1, 1, 2, 2), 0);
   EXPECT_EQ(m.CountValues(0, 0, 0, 0, -1, 1), 0);
-  TBool2DArray image(2, 2);
-  EXPECT_EQ(m.Dichotomize(0, image), 0);
-  EXPECT_TRUE(image.empty());
-  TIntVector histogram;
-  int counts[3] = {9, 9, 9};
-  EXPECT_TRUE(m.Histogram(0, 0, 0, 0, 0, 10, 1, &histogram, counts[0], counts[1], counts[2]));
-  EXPECT_EQ(histogram.NrOfElem(), 11);
-  EXPECT_EQ(counts[0] + counts[1] + counts[2], 0);
   TVector v{7, 7};
   m.EdgeVector(orVertical, eoMax, &v);
   EXPECT_EQ(contents(v), (Values{-uc_MaxDouble, -uc_MaxDouble, -uc_MaxDouble}));
