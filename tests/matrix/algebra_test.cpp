@@ -104,7 +104,7 @@ TYPED_TEST(MatrixProducts, RefuseWhatDoesNotFit) {
   using Vector = std::conditional_t<std::is_same_v<T, int>, TIntVector, TVector>;
   TypeParam a{{1, 2}, {3, 4}, {5, 6}};
   const TypeParam b{{1, 2, 3}, {4, 5, 6}, {7, 8, 9}}, flat{{1, 2, 3}};
-  const Vector three{1, 2, 3}, two{1, 2};
+  const Vector two{1, 2}, three{1, 2, 3}, four{1, 2, 3, 4};
   TypeParam result{{7}};
   Vector vector{7};
   Events events(a);
@@ -115,6 +115,7 @@ TYPED_TEST(MatrixProducts, RefuseWhatDoesNotFit) {
   EXPECT_FALSE(a.Multiply(static_cast<const TypeParam*>(nullptr), &result));
   EXPECT_FALSE(a.Multiply(&three, &vector));
   EXPECT_FALSE(a.TransposeAndMultiply(&two, &vector));
+  EXPECT_FALSE(a.TransposeAndMultiply(&four, &vector));
   EXPECT_EQ(contents(result), (std::vector<T>{1, 1, 7}));
   EXPECT_EQ(contents(vector), std::vector<T>{7});
   EXPECT_EQ(events.count, 0);
@@ -166,12 +167,15 @@ TEST_F(MatrixAlgebra, InverseStopsWhereItIsTold) {
 
 TEST_F(MatrixAlgebra, TriangularFactors) {
   TMatrix lower, upper;
+  Events lowerEvents(lower), upperEvents(upper);
   int sign = 0;
   const TMatrix a{{4, 2, 8}, {2, 3, 8}, {1, 1.5, 6}};
   EXPECT_TRUE(a.LUdecomposition(&lower, &upper, sign));
   EXPECT_EQ(contents(lower), (Values{3, 3, 1, 0.5, 0.25, 0, 1, 0.5, 0, 0, 1}));
   EXPECT_EQ(contents(upper), (Values{3, 3, 4, 0, 0, 2, 2, 0, 8, 4, 2}));
   EXPECT_EQ(sign, 1);
+  EXPECT_EQ(lowerEvents.count, 1 + 1 + 1) << "resize, clear, the end";
+  EXPECT_EQ(upperEvents.count, 1 + 9 + 1 + 1) << "a clone, the end";
   const TMatrix swapped{{0, 1}, {1, 0}};
   EXPECT_TRUE(swapped.LUdecomposition(&lower, &upper, sign));
   EXPECT_EQ(contents(lower), (Values{2, 2, 1, 0, 0, 1}));
@@ -247,8 +251,7 @@ TEST_F(MatrixAlgebra, Balancing) {
   EXPECT_TRUE(m.Balance());
   EXPECT_EQ(events.count, 0);
   for (int i = 1; i <= 3; ++i) {
-    double row = 0;
-    double column = 0;
+    double row = 0, column = 0;
     for (int j = 1; j <= 3; ++j) {
       if (j == i) continue;
       row += std::fabs(m(j, i));

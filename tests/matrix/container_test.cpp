@@ -123,55 +123,51 @@ TEST(Matrix, FillsReachTheirRectangleAndTellOnce) {
 TEST(Matrix, CopiesPutEachCellWhereItBelongs) {
   std::mt19937 random(5);
   const auto any = [&] { return static_cast<int>(random() % 12) - 3; };
+  const TVector v{1, 2, 3, 4, 5, 6};
+  const TInt2DArray array{{1, 2, 3}, {4, 5, 6}};
   for (int trial = 0; trial < 400; ++trial) {
     SCOPED_TRACE(trial);
-    TMatrix source;
-    TMatrix target;
+    TMatrix source, target, expected;
     test::fillNormal(source, trial % 5, trial % 7, 1);
     test::fillNormal(target, 4, 5, 2);
-    TMatrix expected;
     expected.Clone(&target);
-    int stored = 0;
-    const auto put = [&](int c, int r, double value) {
-      if (c < 1 || c > 4 || r < 1 || r > 5) return;
-      expected.SetVal(c, r, value);
-      ++stored;
-    };
-    int events = 0;
-    if (trial % 2 == 1) target.OnChange = [&](TObject*) { ++events; };
+    Events events(target);
+    if (trial % 2 == 0) target.OnChange = nullptr;
     int bounds[4] = {any(), any(), any(), any()};  // column low, row low, column high, row high
-    const int col = any();
-    const int row = any();
-    int last = 1;
-    if (trial % 3 == 0) {
+    if (trial % 7 == 0) bounds[0] = bounds[2] = 0;
+    const int col = any(), row = any();
+    const int kind = trial % 3;
+    int nCols = 2, nRows = 3;
+    if (kind == 0) {
       target.CopyFrom(&source, bounds[0], bounds[1], bounds[2], bounds[3], col, row);
       const int size[2] = {source.NrOfColumns(), source.NrOfRows()};
       for (int k = 0; k < 4; ++k) bounds[k] = std::max(1, std::min(bounds[k], size[k % 2]));
       if (bounds[0] > bounds[2]) std::swap(bounds[0], bounds[2]);
       if (bounds[1] > bounds[3]) std::swap(bounds[1], bounds[3]);
-      for (int c = bounds[0]; c <= std::min(bounds[2], size[0]); ++c) {
-        for (int r = bounds[1]; r <= std::min(bounds[3], size[1]); ++r) {
-          put(c - bounds[0] + col, r - bounds[1] + row, source(c, r));
-        }
-      }
-    } else if (trial % 3 == 1) {
-      const TVector v{1, 2, 3, 4, 5, 6};
-      target.CopyFromVec(trial % 4 < 2 ? dimColumns : dimRows, &v, bounds[0], bounds[1], col, row);
+      nCols = std::min(bounds[2], size[0]) - bounds[0] + 1;
+      nRows = std::min(bounds[3], size[1]) - bounds[1] + 1;
+    } else if (kind == 1) {
+      const bool across = trial % 4 < 2;
+      target.CopyFromVec(across ? dimColumns : dimRows, &v, bounds[0], bounds[1], col, row);
       v.MakeValidElemRange(bounds[0], bounds[1]);
-      for (int k = bounds[0]; k <= bounds[1]; ++k) {
-        const int step = k - bounds[0];
-        put(trial % 4 < 2 ? col + step : col, trial % 4 < 2 ? row : row + step, v(k));
-      }
+      nCols = across ? bounds[1] - bounds[0] + 1 : 1;
+      nRows = across ? 1 : bounds[1] - bounds[0] + 1;
     } else {
-      const TInt2DArray array{{1, 2, 3}, {4, 5, 6}};
       target.CopyFromArray(array, col, row);
-      for (int i = 0; i < 2; ++i) {
-        for (int j = 0; j < 3; ++j) put(col + i, row + j, array(i, j));
+    }
+    int stored = 0;
+    for (int i = 0; i < nCols; ++i) {
+      for (int j = 0; j < nRows; ++j) {
+        if (col + i < 1 || col + i > 4 || row + j < 1 || row + j > 5) continue;
+        expected.SetVal(col + i, row + j,
+                        kind == 0   ? source(bounds[0] + i, bounds[1] + j)
+                        : kind == 1 ? v(bounds[0] + i + j)
+                                    : array(i, j));
+        ++stored;
       }
-      last = 0;
     }
     EXPECT_EQ(contents(target), contents(expected));
-    EXPECT_EQ(events, trial % 2 == 1 ? stored + last : 0);
+    EXPECT_EQ(events.count, trial % 2 == 1 ? stored + (kind < 2 ? 1 : 0) : 0);
   }
 }
 

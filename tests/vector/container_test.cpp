@@ -257,7 +257,7 @@ TYPED_TEST(Vectors, CopiesDropWhatFallsOutside) {
     v.Resize(10);
     Events events(v);
     if (trial % 2 == 0) v.OnChange = nullptr;
-    int low = any(), high = any();
+    int low = trial % 5 == 0 ? 0 : any(), high = trial % 5 == 0 ? 0 : any();
     const int first = trial < 2 ? INT_MAX : trial < 4 ? INT_MIN : any();
     const bool fromArray = trial % 3 == 0;
     if (fromArray) {

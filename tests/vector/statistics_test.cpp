@@ -174,8 +174,10 @@ TEST(VectorStatisticsInt, HistogramOfAllIntegersAndIntoItself) {
   EXPECT_EQ(histo.NrOfElem(), 3);
   EXPECT_TRUE(v.Histogram(1, 6, 0, 5, 0, &histo, under, over, most)) << "a width of at least 1";
   EXPECT_EQ(histo.NrOfElem(), 6);
-  EXPECT_TRUE(v.Histogram(INT_MIN, INT_MAX, 1, 1, 1, &v, under, over, most)) << "into itself";
-  EXPECT_TRUE(under == INT_MAX && most == 0 && v.GetVal(1) == 0);
+  EXPECT_TRUE(v.Histogram(INT_MIN, INT_MAX, 1, 1, 1, &histo, under, over, most));
+  EXPECT_TRUE(under == INT_MAX && over == 4 && most == 0);
+  EXPECT_TRUE(v.Histogram(1, 6, 0, 5, 5, &v, under, over, most)) << "into itself";
+  EXPECT_EQ(test::contents(v), (std::vector<int>{2, 2}));
 }
 
 TEST(VectorStatisticsDouble, IntegrationByEachMethod) {
