@@ -225,9 +225,10 @@ TYPED_TEST(Vectors, SortReportsEveryExchange) {
 
 TYPED_TEST(Vectors, HandlersMayResizeThrowAndClearThemselves) {
   TypeParam v{5, 4, 3, 2, 1};
-  v.OnSortExchange = [&](TObject*, std::uint8_t, int, int, int, int) { v.Resize(2); };
+  int exchanges = 0;
+  v.OnSortExchange = [&](TObject*, std::uint8_t, int, int, int, int) { v.Resize(2 - exchanges++); };
   v.SortElems(true, 0, 0);
-  EXPECT_EQ(v.NrOfElem(), 2);
+  EXPECT_EQ(v.NrOfElem(), 2) << "a resize ends the sort";
 
   TypeParam w{3, 2, 1};
   w.OnSortExchange = [&](TObject*, std::uint8_t, int, int, int, int) {
