@@ -10,6 +10,7 @@ namespace zel {
 namespace {
 
 using test::contents;
+using test::Events;
 using Values = std::vector<double>;
 
 TEST(Matrix, StartsWithOneCellAndLimitsItsPrecisions) {
@@ -27,12 +28,11 @@ TEST(Matrix, StartsWithOneCellAndLimitsItsPrecisions) {
 
 TEST(Matrix, ResizeKeepsCommonCellsAndNothingElse) {
   TMatrix m{{1, 2}, {3, 4}};
-  int events = 0;
-  m.OnChange = [&](TObject*) { ++events; };
+  Events events(m);
   EXPECT_TRUE(m.Resize(3, 3));
   EXPECT_EQ(contents(m), (Values{3, 3, 1, 3, 0, 2, 4, 0, 0, 0, 0}));
   EXPECT_TRUE(m.Resize(3, 3));
-  EXPECT_EQ(events, 1) << "no event for the size it has";
+  EXPECT_EQ(events.count, 1) << "no event for the size it has";
   m.SetNrOfRows(1);
   m.SetNrOfColumns(2);
   EXPECT_EQ(contents(m), (Values{2, 1, 1, 2}));
@@ -43,15 +43,14 @@ TEST(Matrix, ResizeKeepsCommonCellsAndNothingElse) {
   EXPECT_EQ(m.GetVal(1, 1), 0);
   m.Resize(2, 2);
   EXPECT_EQ(contents(m), (Values{2, 2, 0, 0, 0, 0})) << "cut cells do not come back";
-  EXPECT_EQ(events, 5);
+  EXPECT_EQ(events.count, 5);
   m.ResizeAndClear(2, 2);
-  EXPECT_EQ(events, 6);
+  EXPECT_EQ(events.count, 6);
 }
 
 TEST(Matrix, IndicesOutsideReadZeroAndWriteNothing) {
   TMatrix m{{1, 2}, {3, 4}};
-  int events = 0;
-  m.OnChange = [&](TObject*) { ++events; };
+  Events events(m);
   for (const int bad : {0, -1, 3, INT_MAX, INT_MIN}) {
     m.SetVal(bad, 1, 9);
     m.SetVal(1, bad, 9);
@@ -60,7 +59,7 @@ TEST(Matrix, IndicesOutsideReadZeroAndWriteNothing) {
     m.ExchangeColumns(1, bad);
     m.ExchangeRows(bad, 2);
   }
-  EXPECT_EQ(events, 0);
+  EXPECT_EQ(events.count, 0);
   EXPECT_EQ(contents(m), (Values{2, 2, 1, 3, 2, 4}));
   EXPECT_TRUE(m.Column(0).empty());
   EXPECT_EQ(m.Column(2)[1], 4);
@@ -73,10 +72,9 @@ TEST(Matrix, AssignTakesAllButTheProgressHandler) {
   TMatrix a{{1, 2, 3}};
   a.SetDataID("id");
   a.SetFPrecis(1, 3);
-  int events = 0;
+  Events events(a);
   a.OnPercentDone = [](TObject*, int) {};
   a.OnCalcDistance = [](TObject*, int, int, double& d) { d = 7; };
-  a.OnChange = [&](TObject*) { ++events; };
   TMatrix b;
   b.Assign(&a);
   EXPECT_EQ(contents(b), contents(a));
@@ -84,9 +82,9 @@ TEST(Matrix, AssignTakesAllButTheProgressHandler) {
   EXPECT_EQ(b.Precision(1), 3);
   EXPECT_EQ(b.DistanceOfObjects(dmUser, 1, 1), 7);
   EXPECT_FALSE(b.OnPercentDone);
-  EXPECT_EQ(events, 0);
+  EXPECT_EQ(events.count, 0);
   b.Changed();
-  EXPECT_EQ(events, 1);
+  EXPECT_EQ(events.count, 1);
   TMatrix empty;
   empty.Resize(0, 3);
   b.Assign(&empty);
@@ -100,8 +98,7 @@ TEST(Matrix, AssignTakesAllButTheProgressHandler) {
 TEST(Matrix, FillsReachTheirRectangleAndTellOnce) {
   TMatrix m;
   m.Resize(3, 3);
-  int events = 0;
-  m.OnChange = [&](TObject*) { ++events; };
+  Events events(m);
   m.Fill(2);
   m.Fill(2, 3, 9, 2, 5);
   m.FillDiag(1);
@@ -112,12 +109,12 @@ TEST(Matrix, FillsReachTheirRectangleAndTellOnce) {
   for (int r = 1; r <= 3; ++r) EXPECT_EQ(m(3, r), Random() * 2 - 1);
   m.FillRandomGauss(1, 1, 1, 1, 100, 0);
   EXPECT_EQ(m(1, 1), 100);
-  EXPECT_EQ(events, 5);
+  EXPECT_EQ(events.count, 5);
   m.Resize(0, 3);
   m.Fill(8);
   m.Fill(0, 0, 0, 0, 8);
   m.FillRandomGauss(0, 1);
-  EXPECT_EQ(events, 9);
+  EXPECT_EQ(events.count, 9);
   m.Resize(1, 3);
   EXPECT_EQ(contents(m), (Values{1, 3, 0, 0, 0}));
 }
@@ -126,55 +123,51 @@ TEST(Matrix, FillsReachTheirRectangleAndTellOnce) {
 TEST(Matrix, CopiesPutEachCellWhereItBelongs) {
   std::mt19937 random(5);
   const auto any = [&] { return static_cast<int>(random() % 12) - 3; };
+  const TVector v{1, 2, 3, 4, 5, 6};
+  const TInt2DArray array{{1, 2, 3}, {4, 5, 6}};
   for (int trial = 0; trial < 400; ++trial) {
     SCOPED_TRACE(trial);
-    TMatrix source;
-    TMatrix target;
+    TMatrix source, target, expected;
     test::fillNormal(source, trial % 5, trial % 7, 1);
     test::fillNormal(target, 4, 5, 2);
-    TMatrix expected;
     expected.Clone(&target);
-    int stored = 0;
-    const auto put = [&](int c, int r, double value) {
-      if (c < 1 || c > 4 || r < 1 || r > 5) return;
-      expected.SetVal(c, r, value);
-      ++stored;
-    };
-    int events = 0;
-    if (trial % 2 == 1) target.OnChange = [&](TObject*) { ++events; };
+    Events events(target);
+    if (trial % 2 == 0) target.OnChange = nullptr;
     int bounds[4] = {any(), any(), any(), any()};  // column low, row low, column high, row high
-    const int col = any();
-    const int row = any();
-    int last = 1;
-    if (trial % 3 == 0) {
+    if (trial / 3 % 4 == 0) bounds[0] = bounds[2] = 0;
+    const int col = any(), row = any();
+    const int kind = trial % 3;
+    int nCols = 2, nRows = 3;
+    if (kind == 0) {
       target.CopyFrom(&source, bounds[0], bounds[1], bounds[2], bounds[3], col, row);
       const int size[2] = {source.NrOfColumns(), source.NrOfRows()};
       for (int k = 0; k < 4; ++k) bounds[k] = std::max(1, std::min(bounds[k], size[k % 2]));
       if (bounds[0] > bounds[2]) std::swap(bounds[0], bounds[2]);
       if (bounds[1] > bounds[3]) std::swap(bounds[1], bounds[3]);
-      for (int c = bounds[0]; c <= std::min(bounds[2], size[0]); ++c) {
-        for (int r = bounds[1]; r <= std::min(bounds[3], size[1]); ++r) {
-          put(c - bounds[0] + col, r - bounds[1] + row, source(c, r));
-        }
-      }
-    } else if (trial % 3 == 1) {
-      const TVector v{1, 2, 3, 4, 5, 6};
-      target.CopyFromVec(trial % 4 < 2 ? dimColumns : dimRows, &v, bounds[0], bounds[1], col, row);
+      nCols = std::min(bounds[2], size[0]) - bounds[0] + 1;
+      nRows = std::min(bounds[3], size[1]) - bounds[1] + 1;
+    } else if (kind == 1) {
+      const bool across = trial % 4 < 2;
+      target.CopyFromVec(across ? dimColumns : dimRows, &v, bounds[0], bounds[1], col, row);
       v.MakeValidElemRange(bounds[0], bounds[1]);
-      for (int k = bounds[0]; k <= bounds[1]; ++k) {
-        const int step = k - bounds[0];
-        put(trial % 4 < 2 ? col + step : col, trial % 4 < 2 ? row : row + step, v(k));
-      }
+      nCols = across ? bounds[1] - bounds[0] + 1 : 1;
+      nRows = across ? 1 : bounds[1] - bounds[0] + 1;
     } else {
-      const TInt2DArray array{{1, 2, 3}, {4, 5, 6}};
       target.CopyFromArray(array, col, row);
-      for (int i = 0; i < 2; ++i) {
-        for (int j = 0; j < 3; ++j) put(col + i, row + j, array(i, j));
+    }
+    int stored = 0;
+    for (int i = 0; i < nCols; ++i) {
+      for (int j = 0; j < nRows; ++j) {
+        if (col + i < 1 || col + i > 4 || row + j < 1 || row + j > 5) continue;
+        expected.SetVal(col + i, row + j,
+                        kind == 0   ? source(bounds[0] + i, bounds[1] + j)
+                        : kind == 1 ? v(bounds[0] + i + j)
+                                    : array(i, j));
+        ++stored;
       }
-      last = 0;
     }
     EXPECT_EQ(contents(target), contents(expected));
-    EXPECT_EQ(events, trial % 2 == 1 ? stored + last : 0);
+    EXPECT_EQ(events.count, trial % 2 == 1 ? stored + (kind < 2 ? 1 : 0) : 0);
   }
 }
 
@@ -213,36 +206,62 @@ TEST(Matrix, ArraysTakeARectangle) {
   EXPECT_EQ(i, (TInt2DArray{{2, -2}, {4, 0}, {INT_MAX, 0}}));
 }
 
-TEST(Matrix, FailedAllocationsNameTheMatrixAndChangeNothing) {
-  TMatrix m{{1, 2, 3}, {4, 5, 6}};
-  m.SetName("M1");
-  const auto before = contents(m);
-  int events = 0;
-  m.OnChange = [&](TObject*) { ++events; };
-  const auto unchanged = [&] {
-    EXPECT_EQ(contents(m), before);
-    EXPECT_EQ(events, 0);
-  };
-  const std::string message = "Component \"M1\": not enough memory on heap";
-  double q = 0;
+TEST(Matrix, FailedAllocationsNameItAndChangeNothing) {
+  TMatrix a, oblong, result, distances;
+  TVector means;
   TDouble2DArray array;
-  TVector means{0, 0};
-  test::expectFailuresHarmless([&] { static_cast<void>(m.Percentile(40, 1, 1, 2, 1)); }, message,
-                               unchanged);
-  test::expectFailuresHarmless([&] { m.Quartiles(0, 0, 0, 0, q, q, q); }, message, unchanged);
-  test::expectFailuresHarmless([&] { m.MeanVar(1, 1, 3, 1, q, q); }, message, unchanged);
-  test::expectFailuresHarmless([&] { m.MeanVec(dimRows, &means); }, message, unchanged);
-  test::expectFailuresHarmless(
-      [&] {
-        array = {};
-        m.CopyToArray(array, 0, 0, 0, 0);
-      },
-      message, unchanged);
-  EXPECT_THROW_MSG(m.Resize(INT_MAX, INT_MAX), EZELMatrixError, message);
-  unchanged();
-  test::expectFailuresHarmless([&] { m.Resize(40, 30); }, message, unchanged);
+  means.Resize(30);
+  a.SetName("A");
+  double q = 0;
+  Events events(a);
+  const auto prepare = [&] {
+    test::fillNormal(a, 30, 30);
+    test::fillNormal(oblong, 3, 5);
+    result.ResizeAndClear(1, 1);
+    distances.Resize(30, 30);
+    distances.Fill(3);
+    array = {};
+    events.count = 0;
+  };
+  const auto state = [&] {
+    return std::vector{contents(a), contents(oblong), contents(result), contents(distances)};
+  };
+  prepare();
+  const auto before = state();
+  const std::string nameless = "Component \"\": not enough memory on heap";
+  const std::string named = "Component \"A\": not enough memory on heap";
+  const auto expectHarmless = [&](const std::string& message, auto operation) {
+    test::expectFailuresHarmless(
+        operation, message,
+        [&] {
+          EXPECT_EQ(state(), before);
+          EXPECT_EQ(events.count, 0);
+        },
+        prepare);
+  };
+  expectHarmless(named, [&] { a.Resize(40, 35); });
+  expectHarmless(named, [&] { static_cast<void>(a.Percentile(40, 1, 1, 2, 1)); });
+  expectHarmless(named, [&] { a.Quartiles(0, 0, 0, 0, q, q, q); });
+  expectHarmless(named, [&] { a.MeanVar(1, 1, 3, 1, q, q); });
+  expectHarmless(named, [&] { a.MeanVec(dimRows, &means); });
+  expectHarmless(named, [&] { a.CopyToArray(array, 0, 0, 0, 0); });
+  expectHarmless(named, [&] { a.Multiply(&a, &result); });
+  expectHarmless(named, [&] { a.TransposeAndMultiply(&a, &result); });
+  expectHarmless(named, [&] { a.EMult(&a, &result); });
+  expectHarmless(named, [&] { a.Invert(); });
+  expectHarmless(named, [&] { static_cast<void>(a.Determinant()); });
+  expectHarmless(named, [&] { static_cast<void>(a.Norm(ntSpectral)); });
+  expectHarmless(named, [&] { a.CalcDistMat(dmManhattan, &distances); });
+  expectHarmless(nameless, [&] { oblong.Transpose(); });
+  a.SetName("");
+  a.OnChange = nullptr;  // which a product on the way fires
+  expectHarmless(nameless, [&] { a.CalcHatMatrix(&result); });
+  a.SetName("A");
+  prepare();
+  EXPECT_THROW_MSG(a.Resize(INT_MAX, INT_MAX), EZELMatrixError, named);
+  EXPECT_EQ(state(), before);
   const test::FailingStorage fail(0);
-  EXPECT_THROW_MSG(TMatrix(), EZELMatrixError, "Component \"\": not enough memory on heap");
+  EXPECT_THROW_MSG(TMatrix(), EZELMatrixError, nameless);
 }
 
 TEST(Matrix, ProgressGoesToItsHandler) {

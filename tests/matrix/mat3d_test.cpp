@@ -12,13 +12,14 @@ namespace {
 
 using Values = std::vector<double>;
 
-void fillNormal(TMat3D& m, int columns, int rows, int layers, unsigned seed = 1) {
-  std::mt19937_64 random(seed);
-  std::normal_distribution<double> normal;
+/// Small integers, positive and negative.
+void fillSmall(TMat3D& m, int columns, int rows, int layers) {
   m.Resize(columns, rows, layers);
+  SetRandSeed(1);
+  m.FillRandomGauss(0, 9);
   for (int c = 1; c <= columns; ++c) {
     for (int r = 1; r <= rows; ++r) {
-      for (int l = 1; l <= layers; ++l) m.SetVal(c, r, l, std::round(normal(random) * 9));
+      for (int l = 1; l <= layers; ++l) m.SetVal(c, r, l, std::round(m(c, r, l)));
     }
   }
 }
@@ -31,15 +32,14 @@ Values contents(const TMat3D& m) {
 
 TEST(Mat3D, SizesAndEvents) {
   TMat3D m;
-  int events = 0;
-  m.OnChange = [&](TObject*) { ++events; };
+  test::Events events(m);
   EXPECT_EQ(contents(m), (Values{1, 1, 1, 0}));
   for (const int bad : {0, -1, INT_MIN}) {
     EXPECT_TRUE(m.Resize(bad, 5, 5));
     m.SetNrOfLayers(bad);
   }
   EXPECT_TRUE(m.Resize(1, 1, 1));
-  EXPECT_EQ(events, 0);
+  EXPECT_EQ(events.count, 0);
   m.Resize(2, 2, 2);
   m.SetVal(1, 2, 2, 5);
   m.SetVal(2, 1, 1, 6);
@@ -47,29 +47,28 @@ TEST(Mat3D, SizesAndEvents) {
   m.Fill(m(0, 1, 1));
   m.Fill(-0.0);
   EXPECT_TRUE(std::signbit(m(1, 1, 1)));
-  EXPECT_EQ(events, 1) << "neither SetVal nor Fill fires";
+  EXPECT_EQ(events.count, 1) << "neither SetVal nor Fill fires";
   m.FillDiag(3);
   m.SetVal(1, 2, 2, 5);
   m.SetNrOfRows(3);
   m.SetNrOfColumns(1);
   EXPECT_EQ(contents(m), (Values{1, 3, 2, 3, 0, 0, 5, 0, 0}));
   TMat3D copy;
-  int copied = 0;
-  copy.OnChange = [&](TObject*) { ++copied; };
+  test::Events copied(copy);
   copy.Clone(&m);
   copy.Clone(nullptr);
   EXPECT_EQ(contents(copy), contents(m));
-  EXPECT_EQ(copied, 2);
-  EXPECT_EQ(events, 4);
+  EXPECT_EQ(copied.count, 2);
+  EXPECT_EQ(events.count, 4);
   m.ResizeAndClear(1, 3, 2);
-  EXPECT_EQ(events, 4);
+  EXPECT_EQ(events.count, 4);
   EXPECT_EQ(*std::max_element(m.begin(), m.end()), 0);
   SetRandSeed(5);
   m.FillRandomUniform(2, 3);
   SetRandSeed(5);
   for (const double x : m) EXPECT_EQ(x, Random() * (3.0 - 2.0) + 2.0);
   m.FillRandomGauss(0, 1);
-  EXPECT_EQ(events, 6);
+  EXPECT_EQ(events.count, 6);
   m.SetName("M");
   m.Fill(2);
   const Values before = contents(m);
@@ -85,7 +84,7 @@ TEST(Mat3D, SizesAndEvents) {
 
 TEST(Mat3D, StatisticsOfBlocksAreThoseOfPlainLoops) {
   TMat3D m;
-  fillNormal(m, 5, 4, 3);
+  fillSmall(m, 5, 4, 3);
   std::mt19937 random(3);
   const auto bound = [&] { return static_cast<int>(random() % 8); };
   for (int k = 0; k < 600; ++k) {
@@ -116,15 +115,13 @@ TEST(Mat3D, StatisticsOfBlocksAreThoseOfPlainLoops) {
         }
       }
     }
-    const auto n = static_cast<double>(cells.size());
-    double sum = 0, squares = 0;
-    for (const double x : cells) sum += x;
-    for (const double x : cells) squares += (x - sum / n) * (x - sum / n);
-    EXPECT_NEAR(mean, sum / n, 1e-12);
-    EXPECT_NEAR(variance, n < 3 ? 1 : squares / (n - 1), 1e-11);
+    double sums[2];
+    TVector(cells).MeanVar(0, 0, sums[0], sums[1]);
+    EXPECT_EQ((Values{mean, variance}), (Values{sums[0], sums[1]}));
     EXPECT_EQ((std::vector<int>{a, b, e}), nearest);
     std::sort(cells.begin(), cells.end());
     EXPECT_EQ((Values{low, high}), (Values{cells.front(), cells.back()}));
+    const auto n = static_cast<double>(cells.size());
     EXPECT_EQ(percentile,
               cells[static_cast<std::size_t>(std::min(n - 1, std::nearbyint(n * prob / 100)))]);
   }
@@ -133,21 +130,14 @@ TEST(Mat3D, StatisticsOfBlocksAreThoseOfPlainLoops) {
   m.MinMax(2, 4, 1, 3, 2, 3, low, high);
   EXPECT_GE(sampled, low);
   EXPECT_LE(sampled, high);
-  TMat3D other;
-  other.Resize(3, 4, 5);
-  m.Fill(0);
-  EXPECT_EQ(m.CRCofData(), other.CRCofData()) << "the size does not enter";
-  m.SetVal(5, 4, 3, 1);
-  other.SetVal(3, 4, 5, 1);
-  EXPECT_EQ(m.CRCofData(), other.CRCofData());
+  EXPECT_EQ(m.CRCofData(), TVector(m.Elements()).CRCofData()) << "the size does not enter";
 }
 
 TEST(Mat3D, LayersGoToMatricesAndBack) {
   TMat3D m;
-  fillNormal(m, 4, 3, 2);
+  fillSmall(m, 4, 3, 2);
   m.SetName("M");
-  int events = 0;
-  m.OnChange = [&](TObject*) { ++events; };
+  test::Events events(m);
   TMatrix layer;
   m.CopyLayerToMatrix(&layer, 4, 2, 0, 0, 2);
   ASSERT_EQ(layer.NrOfColumns(), 3);
@@ -172,16 +162,15 @@ TEST(Mat3D, LayersGoToMatricesAndBack) {
   EXPECT_EQ(m(3, 1, 1), 0);
   EXPECT_EQ(m(4, 1, 1), 1) << "zeros before the source, then its first cell";
   EXPECT_EQ(m(1, 1, 2), before[4]);
-  EXPECT_EQ(events, 0);
+  EXPECT_EQ(events.count, 0);
 
   TMatrix target;
   target.Resize(3, 2);
-  int stored = 0;
-  target.OnChange = [&](TObject*) { ++stored; };
+  test::Events stored(target);
   target.CopyFrom(&m, 9, 0, 3, 2, 77, 2, 1);
   EXPECT_EQ(test::contents(target),
             (Values{3, 2, 0, 0, m(3, 1, 2), m(3, 2, 2), m(4, 1, 2), m(4, 2, 2)}));
-  EXPECT_EQ(stored, 5);
+  EXPECT_EQ(stored.count, 5);
 }
 
 }  // namespace

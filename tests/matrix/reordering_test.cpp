@@ -1,9 +1,9 @@
 #include <array>
 #include <cmath>
-#include <limits>
+#include <set>
 
 #include "tests/matrix/matrices.h"
-#include "zel/vector/Zel_vector.h"
+#include "zel/kernels/comb_sort.h"
 
 namespace zel {
 namespace {
@@ -13,8 +13,7 @@ using Values = std::vector<double>;
 
 TEST(MatrixOrder, RemovalLeavesTheLastLine) {
   TMatrix m{{1, 2, 3}, {4, 5, 6}, {7, 8, 9}};
-  int events = 0;
-  m.OnChange = [&](TObject*) { ++events; };
+  test::Events events(m);
   EXPECT_FALSE(m.RemoveColumn(4));
   EXPECT_FALSE(m.RemoveRow(0));
   EXPECT_TRUE(m.RemoveColumn(3));
@@ -22,15 +21,14 @@ TEST(MatrixOrder, RemovalLeavesTheLastLine) {
   EXPECT_TRUE(m.RemoveRow(2));
   EXPECT_EQ(contents(m), (Values{1, 2, 2, 8}));
   EXPECT_FALSE(m.RemoveColumn(1));
-  EXPECT_EQ(events, 3);
+  EXPECT_EQ(events.count, 3);
   m.Resize(2, 3);
   EXPECT_EQ(contents(m), (Values{2, 3, 2, 8, 0, 0, 0, 0}));
 }
 
 TEST(MatrixOrder, ExchangesAndMirrorsTellOnce) {
   TMatrix m{{1, 2, 3}, {4, 5, 6}};
-  int events = 0;
-  m.OnChange = [&](TObject*) { ++events; };
+  test::Events events(m);
   m.ExchangeColumns(1, 3);
   EXPECT_EQ(contents(m), (Values{3, 2, 3, 6, 2, 5, 1, 4}));
   m.ExchangeRows(1, 2);
@@ -38,32 +36,25 @@ TEST(MatrixOrder, ExchangesAndMirrorsTellOnce) {
   m.MirrorColumns();
   m.MirrorRows();
   EXPECT_EQ(contents(m), (Values{3, 2, 1, 4, 2, 5, 3, 6}));
-  EXPECT_EQ(events, 4);
+  EXPECT_EQ(events.count, 4);
 }
 
-/// The sort of rows spelled out on a copy, with its exchanges.
-std::vector<std::array<int, 2>> sortRowsPlainly(TMatrix& m, int key, bool ascending, int lowCol,
-                                                int lowRow, int highCol, int highRow) {
+/// The exchanges that the comb sort makes of the keys of some rows, made by columns 2, 3, and key.
+std::vector<std::array<int, 2>> sortRowsPlainly(TMatrix& m, int key, bool ascending, int low,
+                                                int high) {
   std::vector<std::array<int, 2>> exchanges;
-  int gap = highRow - lowRow;
-  if (gap < 1) return exchanges;
-  for (bool swapped = true; swapped || gap > 1;) {
-    gap = std::max(1, static_cast<int>(gap / 1.3));
-    swapped = false;
-    for (int i = lowRow; i + gap <= highRow; ++i) {
-      const double a = m(key, i);
-      const double b = m(key, i + gap);
-      if (!(ascending ? a > b : a < b)) continue;
-      for (int c = 1; c <= m.NrOfColumns(); ++c) {
-        if ((c < lowCol || c > highCol) && c != key) continue;
-        const double kept = m(c, i);
-        m.SetVal(c, i, m(c, i + gap));
-        m.SetVal(c, i + gap, kept);
-      }
-      swapped = true;
-      exchanges.push_back({i, i + gap});
+  std::vector<double> keys(m.Column(key).begin() + low - 1, m.Column(key).begin() + high);
+  auto report = [&](std::size_t i, std::size_t j) {
+    exchanges.push_back({low + static_cast<int>(i), low + static_cast<int>(j)});
+    const auto [r1, r2] = exchanges.back();
+    for (const int c : std::set{2, 3, key}) {
+      const double kept = m(c, r1);
+      m.SetVal(c, r1, m(c, r2));
+      m.SetVal(c, r2, kept);
     }
-  }
+    return true;
+  };
+  kernels::combSort(std::span(keys), keys.size() - 1, ascending, report);
   return exchanges;
 }
 
@@ -73,7 +64,7 @@ TEST(MatrixOrder, SortsByTheDescribedExchanges) {
   std::mt19937 random(3);
   for (int trial = 0; trial < 120; ++trial) {
     const int rows = trial < 60 ? 1 + trial % 20 : 100 + trial;
-    TMatrix plain;
+    TMatrix plain, fast, reported, turned;
     test::fillNormal(plain, 5, rows, static_cast<unsigned>(trial));
     const int key = 1 + trial % 5;
     for (int r = 1; r <= rows; ++r) {
@@ -86,13 +77,9 @@ TEST(MatrixOrder, SortsByTheDescribedExchanges) {
     const bool ascending = trial % 3 != 0;
     const int low = rows > 6 ? 2 : 1;
     const int high = rows > 6 ? rows - 2 : rows;
-    TMatrix fast;
-    TMatrix reported;
-    TMatrix turned;
     for (TMatrix* copy : {&fast, &reported, &turned}) copy->Clone(&plain);
     turned.Transpose();
-    int changes = 0;
-    fast.OnChange = [&](TObject*) { ++changes; };
+    test::Events changes(fast);
     std::vector<std::array<int, 2>> exchanges;
     reported.OnSortExchange = [&](TObject*, std::uint8_t what, int i, int j, int first, int last) {
       EXPECT_EQ((std::array<int, 3>{what, first, last}), (std::array<int, 3>{2, 2, 3}));
@@ -101,12 +88,11 @@ TEST(MatrixOrder, SortsByTheDescribedExchanges) {
     fast.SortRows(key, ascending, 2, low, 3, high);
     reported.SortRows(key, ascending, 3, high, 2, low);
     turned.SortCols(key, ascending, low, 2, high, 3);
-    EXPECT_EQ(exchanges, sortRowsPlainly(plain, key, ascending, 2, low, 3, high));
-    EXPECT_EQ(fast.CRCofData(), plain.CRCofData());
-    EXPECT_EQ(reported.CRCofData(), plain.CRCofData());
     turned.Transpose();
-    EXPECT_EQ(turned.CRCofData(), plain.CRCofData());
-    EXPECT_EQ(changes, high > low ? 1 : 0);
+    EXPECT_EQ(exchanges, sortRowsPlainly(plain, key, ascending, low, high));
+    for (const TMatrix* m : {&fast, &reported, &turned})
+      EXPECT_EQ(m->CRCofData(), plain.CRCofData());
+    EXPECT_EQ(changes.count, high > low ? 1 : 0);
   }
 }
 
@@ -118,6 +104,7 @@ TEST(MatrixOrder, SortsWithoutStorageAndUnderAHostileHandler) {
   }
   EXPECT_EQ(contents(m), (Values{2, 3, 1, 2, 3, 3, 2, 1}));
   m.SortRows(3, true, 0, 0, 0, 0);
+  m.SAdd(-10);  // so that the cells that are gone, which read 0, would still be out of order
   int exchanges = 0;
   m.OnSortExchange = [&](TObject*, std::uint8_t what, int, int, int first, int last) {
     ++exchanges;
@@ -130,33 +117,25 @@ TEST(MatrixOrder, SortsWithoutStorageAndUnderAHostileHandler) {
 
 TEST(MatrixSearch, FindsTheFirstNearest) {
   const TMatrix m{{9, 2}, {2, 3}, {3, NAN}};
-  int c = 7;
-  int r = 7;
-  m.Find(0, 0, 0, 0, 2.5, c, r);
-  EXPECT_EQ((std::array<int, 2>{c, r}), (std::array<int, 2>{1, 2}));
-  m.Find(2, 2, 0, 0, 100, c, r);
-  EXPECT_EQ((std::array<int, 2>{c, r}), (std::array<int, 2>{2, 2}));
-  m.Find(2, 2, 3, 3, 100, c, r);
-  EXPECT_EQ((std::array<int, 2>{c, r}), (std::array<int, 2>{0, 0}));
-}
-
-TEST(MatrixSearch, SortedColumnsGiveTheNearerRow) {
-  const TMatrix m{{1, 7}, {3, 5}, {5, 3}, {7, 1}};
-  for (const auto& [value, row] :
-       std::vector<std::array<double, 2>>{{4, 3}, {7, 4}, {0, 1}, {99, 4}, {1, 1}, {3.9, 2}}) {
-    EXPECT_EQ(m.FindInSortedColumn(1, true, value), row) << value;
-  }
-  EXPECT_EQ(m.FindInSortedColumn(2, false, 4), 3);
-  EXPECT_EQ(m.FindInSortedColumn(2, false, 7), 1);
-  EXPECT_EQ(m.FindInSortedColumn(3, true, 4), 0);
+  const auto found = [&](int lowCol, int highCol, int lowRow, int highRow, double x) {
+    std::array<int, 2> at{7, 7};
+    m.Find(lowCol, highCol, lowRow, highRow, x, at[0], at[1]);
+    return at;
+  };
+  EXPECT_EQ(found(0, 0, 0, 0, 2.5), (std::array<int, 2>{1, 2}));
+  EXPECT_EQ(found(2, 2, 0, 0, 100), (std::array<int, 2>{2, 2}));
+  EXPECT_EQ(found(2, 2, 3, 3, 100), (std::array<int, 2>{0, 0}));
+  const TMatrix sorted{{1, 7}, {3, 5}, {5, 3}, {7, 1}};
+  EXPECT_EQ(sorted.FindInSortedColumn(1, true, 3.9), 2);
+  EXPECT_EQ(sorted.FindInSortedColumn(2, false, 7), 1);
+  EXPECT_EQ(sorted.FindInSortedColumn(3, true, 4), 0);
 }
 
 TEST(MatrixSearch, FingerprintFollowsTheColumns) {
-  const TMatrix m{{1, 3}, {2, 4}};
+  TMatrix m{{1, 3}, {2, 4}};
   EXPECT_EQ(m.CRCofData(), (TVector{1, 2, 3, 4}).CRCofData());
-  TMatrix empty;
-  empty.Resize(3, 0);
-  EXPECT_EQ(empty.CRCofData(), std::string(64, '0'));
+  m.Resize(3, 0);
+  EXPECT_EQ(m.CRCofData(), std::string(64, '0'));
 }
 
 }  // namespace

@@ -27,17 +27,14 @@ TEST_F(SquareProduct, SameBitsForEveryNumberOfThreads) {
     for (const int threads : {-1, 1, 2, 3, 1000}) {
       SCOPED_TRACE(testing::Message() << columns << " columns, " << threads << " threads");
       TMatrix result;
-      int events = 0;
-      int sourceEvents = 0;
       result.Resize(columns, columns);
-      result.OnChange = [&](TObject*) { ++events; };
-      a.OnChange = [&](TObject*) { ++sourceEvents; };
+      test::Events events(result), sourceEvents(a);
       ProcStat = 0;
       EXPECT_TRUE(a.Square(&result, 3, threads));
       EXPECT_EQ(contents(result), expected);
       EXPECT_EQ(ProcStat, columns);
-      EXPECT_EQ(events, 1);
-      EXPECT_EQ(sourceEvents, 0);
+      EXPECT_EQ(events.count, 1);
+      EXPECT_EQ(sourceEvents.count, 0);
     }
   }
   TMatrix a{{1, 2}, {3, 4}};

@@ -1,19 +1,17 @@
-#include <gtest/gtest.h>
-
 #include <climits>
-#include <cmath>
-#include <filesystem>
-#include <limits>
 #include <memory>
 #include <sstream>
 
 #include "tests/base/temp_dir.h"
+#include "tests/support/containers.h"
 #include "zel/vector/Zel_vector.h"
 
 namespace zel {
 namespace {
 
-namespace fs = std::filesystem;
+using test::contents;
+using test::Events;
+using Values = std::vector<double>;
 
 class VectorFiles : public ::testing::Test {
  protected:
@@ -29,70 +27,48 @@ class VectorFiles : public ::testing::Test {
   const zel_test::TempDir folder_;
 };
 
-TEST_F(VectorFiles, StreamRecordsRoundTripEveryDouble) {
-  const double inf = std::numeric_limits<double>::infinity();
-  TVector v{1.5, -0.0, 5e-324, 1.7976931348623157e308, -inf, 0.1};
+template <class V>
+class VectorRecords : public testing::Test {};
+using Both = testing::Types<TVector, TIntVector>;
+TYPED_TEST_SUITE(VectorRecords, Both);
+
+TYPED_TEST(VectorRecords, KeepWhatCanBeRead) {
+  using V = std::vector<typename TypeParam::value_type>;
+  constexpr std::size_t item = std::is_same_v<TypeParam, TVector> ? 10 : 4;
+  const TypeParam v{1, 2, 3};
   std::unique_ptr<TMemoryStream> stream;
   v.SaveToStream(stream, 0, 0);
   ASSERT_TRUE(stream);
-  EXPECT_EQ(stream->str().size(), 8 * 10U);
-  v.SaveToStream(stream, 2, 3);
-  TVector w;
-  int events = 0;
-  w.OnChange = [&](TObject*) { ++events; };
-  EXPECT_TRUE(w.LoadFromStream(*stream, true));
-  EXPECT_EQ(w.CRCofData(), v.CRCofData());
-  EXPECT_EQ(events, 1 + 6 + 1) << "resize, each value, the end";
-  EXPECT_TRUE(w.LoadFromStream(stream.get(), true)) << "the record that follows";
-  EXPECT_EQ(w.NrOfElem(), 3) << "HighElem elements, not the number of values";
-  EXPECT_EQ(std::vector<double>(w), (std::vector<double>{1.5, -0.0, 5e-324}));
-  EXPECT_FALSE(w.LoadFromStream(*stream, true));
-  EXPECT_FALSE(w.LoadFromStream(nullptr, true));
-}
-
-TEST_F(VectorFiles, IntegerRecordsUse32Bits) {
-  TIntVector v{INT_MIN, -1, INT_MAX};
-  TFileStream out(path("record"), 0xFF00);
-  v.SaveToStream(out, 0, 0);
-  out.close();
-  EXPECT_EQ(fs::file_size(path("record")), 20U);
-  TFileStream in(path("record"), 0);
-  TIntVector w;
-  EXPECT_TRUE(w.LoadFromStream(in, true));
-  EXPECT_EQ(w.CRCofData(), v.CRCofData());
-}
-
-TEST_F(VectorFiles, TruncatedRecordsKeepWhatCanBeRead) {
-  TVector v{1, 2, 3};
-  std::ostringstream out;
-  v.SaveToStream(out, 0, 0);
-  const std::string bytes = out.str();
+  const std::string bytes = stream->str();
+  ASSERT_EQ(bytes.size(), 5 * item);
   for (std::size_t cut = 0; cut <= bytes.size(); ++cut) {
     std::istringstream in(bytes.substr(0, cut));
-    TVector w{9};
-    int events = 0;
-    w.OnChange = [&](TObject*) { ++events; };
+    TypeParam w{9};
+    Events events(w);
     EXPECT_EQ(w.LoadFromStream(in, true), cut == bytes.size());
-    if (cut < 20) {
-      EXPECT_EQ(std::vector<double>(w), std::vector<double>{9}) << "no bounds, no change";
-      EXPECT_EQ(events, 0);
-    } else {
-      std::vector<double> expected{9, 0, 0};
-      for (std::size_t k = 0; k < (cut - 20) / 10; ++k) expected[k] = static_cast<double>(k + 1);
-      EXPECT_EQ(std::vector<double>(w), expected);
+    V expected{9};
+    int stored = 0;
+    if (cut >= 2 * item) {
+      expected = {9, 0, 0};
+      stored = static_cast<int>(cut / item) - 2;
+      std::copy_n(v.begin(), stored, expected.begin());
     }
+    EXPECT_EQ(contents(w), expected) << "without bounds no change";
+    EXPECT_EQ(events.count, cut < 2 * item ? 0 : 1 + stored + 1) << "resize, each value, the end";
   }
-}
-
-TEST_F(VectorFiles, RecordsDoNotGrowAVectorUnasked) {
-  TVector longer;
-  longer.Resize(10);
-  std::stringstream stream;
-  longer.SaveToStream(stream, 0, 0);
-  TVector v{1, 2, 3, 4, 5};
-  EXPECT_FALSE(v.LoadFromStream(stream, false));
-  EXPECT_EQ(std::vector<double>(v), (std::vector<double>{1, 2, 3, 4, 5}));
-  EXPECT_EQ(stream.tellg(), 20) << "no value is read";
+  v.SaveToStream(stream, 2, 3);
+  TypeParam w, two{5, 6};
+  EXPECT_TRUE(w.LoadFromStream(*stream, true));
+  EXPECT_EQ(w.CRCofData(), v.CRCofData());
+  w.Fill(9);
+  EXPECT_TRUE(w.LoadFromStream(stream.get(), true)) << "the record that follows";
+  EXPECT_EQ(contents(w), (V{9, 2, 3}));
+  EXPECT_FALSE(w.LoadFromStream(*stream, true));
+  EXPECT_FALSE(w.LoadFromStream(nullptr, true));
+  std::istringstream in(bytes);
+  EXPECT_FALSE(two.LoadFromStream(in, false)) << "does not grow unasked";
+  EXPECT_EQ(contents(two), (V{5, 6}));
+  EXPECT_EQ(in.tellg(), static_cast<std::streamoff>(2 * item)) << "no value is read";
 }
 
 TEST_F(VectorFiles, ForgedCountsAllocateNothing) {
@@ -102,12 +78,12 @@ TEST_F(VectorFiles, ForgedCountsAllocateNothing) {
   WriteExtendedToStream(stream, 5);
   TVector v{1, 2};
   EXPECT_FALSE(v.LoadFromStream(stream, true));
-  EXPECT_EQ(std::vector<double>(v), (std::vector<double>{1, 2}));
+  EXPECT_EQ(contents(v), (Values{1, 2}));
   EXPECT_FALSE(v.LoadFromFile(file("1 2147483647\n5\n6\n"), true));
-  EXPECT_EQ(std::vector<double>(v), (std::vector<double>{1, 2}));
+  EXPECT_EQ(contents(v), (Values{1, 2}));
   std::string comment;
   EXPECT_EQ(v.ImportASC(file("c\n1\n2147483647\nFALSE FALSE FALSE FALSE\n5\n6\n"), comment), -6);
-  EXPECT_EQ(std::vector<double>(v), (std::vector<double>{5, 6, 0}));
+  EXPECT_EQ(contents(v), (Values{5, 6, 0}));
   // A record of a late part of a long vector is no forgery.
   TVector late;
   late.Resize(100000);
@@ -148,39 +124,38 @@ TEST_F(VectorFiles, NumberFilesFollowThePrecision) {
 
 TEST_F(VectorFiles, NumberFilesWithBadWords) {
   TVector v{7, 7, 7, 7};
-  int events = 0;
-  v.OnChange = [&](TObject*) { ++events; };
+  Events events(v);
   EXPECT_TRUE(v.LoadFromFile(file("2 4\r\n+1.5\r\nabc\r\n3e2"), false));
-  EXPECT_EQ(std::vector<double>(v), (std::vector<double>{7, 1.5, 7, 300}));
-  EXPECT_EQ(events, 1);
+  EXPECT_EQ(contents(v), (Values{7, 1.5, 7, 300}));
+  EXPECT_EQ(events.count, 1);
   EXPECT_TRUE(v.LoadFromFile(file("1 3\n1"), true)) << "missing values leave their elements";
-  EXPECT_EQ(std::vector<double>(v), (std::vector<double>{1, 1.5, 7}));
+  EXPECT_EQ(contents(v), (Values{1, 1.5, 7}));
   EXPECT_FALSE(v.LoadFromFile(file("1 4\n1 2 3 4"), false));
   for (const char* garbage : {"", "x", "1", "1 x", "\n\n"}) {
     EXPECT_FALSE(v.LoadFromFile(file(garbage), true)) << garbage;
   }
   EXPECT_FALSE(v.LoadFromFile(path("missing"), true));
   EXPECT_FALSE(v.LoadFromFile(path("."), true));
-  EXPECT_EQ(std::vector<double>(v), (std::vector<double>{1, 1.5, 7}));
+  EXPECT_EQ(contents(v), (Values{1, 1.5, 7}));
   TIntVector k;
   EXPECT_TRUE(k.LoadFromFile(file("1 4\n0.5 1.5 -2.5 1e99"), true));
-  EXPECT_EQ(std::vector<int>(k), (std::vector<int>{0, 2, -2, INT_MAX}));
+  EXPECT_EQ(contents(k), (std::vector<int>{0, 2, -2, INT_MAX}));
 }
 
 TEST_F(VectorFiles, MarkedLinesSetTheLength) {
   TVector v{9};
   const std::string name = file("1.5 //dig\n\n2.5//dig\nx //dig\n4 //dig first\n");
   EXPECT_TRUE(v.LoadFromFile(name, true, true));
-  EXPECT_EQ(std::vector<double>(v), (std::vector<double>{1.5, 2.5, 0, 4}));
+  EXPECT_EQ(contents(v), (Values{1.5, 2.5, 0, 4}));
   TVector two{8, 8};
   EXPECT_TRUE(two.LoadFromFile(name, false, true));
-  EXPECT_EQ(std::vector<double>(two), (std::vector<double>{1.5, 2.5}));
+  EXPECT_EQ(contents(two), (Values{1.5, 2.5}));
   EXPECT_TRUE(two.LoadFromFile(file("no marks 5"), true, true));
   EXPECT_EQ(two.NrOfElem(), 2) << "no marked line leaves the size";
   EXPECT_FALSE(two.LoadFromFile(path("missing"), true, true));
   EXPECT_FALSE(two.LoadFromFile(path("."), true, true));
   EXPECT_TRUE(two.LoadFromFile(file("1 1\n6\n"), true, false));
-  EXPECT_EQ(std::vector<double>(two), std::vector<double>{6});
+  EXPECT_EQ(contents(two), Values{6});
 }
 
 TEST_F(VectorFiles, AscFilesHaveTheirForm) {
@@ -202,22 +177,21 @@ TEST_F(VectorFiles, AscFilesHaveTheirForm) {
   TVector w;
   EXPECT_EQ(w.ImportASC(name, comment), 0);
   EXPECT_EQ(comment, "two lines");
-  EXPECT_EQ(std::vector<double>(w), std::vector<double>{-7});
+  EXPECT_EQ(contents(w), Values{-7});
 }
 
 TEST_F(VectorFiles, AscReaderSkipsAttributesAndNames) {
   std::string comment;
   TVector v;
-  int events = 0;
-  v.OnChange = [&](TObject*) { ++events; };
+  Events events(v);
   EXPECT_EQ(
       v.ImportASC(file("c\r\n1\t;nr. of columns\r\n3\t;nr. of rows\r\nTRUE TRUE TRUE FALSE\r\n"
                        "\"my \"\"column\"\"\"\r\n"
                        "3 \"row one\" 1.5e1\r\n4 \"row 2\" NAN\r\n5 bare ###\r\n"),
                   comment),
       0);
-  EXPECT_EQ(std::vector<double>(v), (std::vector<double>{15, 0, 0}));
-  EXPECT_EQ(events, 2) << "the resize and the end";
+  EXPECT_EQ(contents(v), (Values{15, 0, 0}));
+  EXPECT_EQ(events.count, 2) << "the resize and the end";
   EXPECT_FALSE(v.IsEmpty());
 }
 
@@ -226,21 +200,26 @@ TEST_F(VectorFiles, AscErrorsAreTold) {
   std::string comment;
   TVector v{7, 8, 9};
   EXPECT_EQ(v.ImportASC(path("missing"), comment), -8);
-  EXPECT_EQ(v.ImportASC(file("c\n2\n1\nFALSE FALSE FALSE FALSE\n1 2\n"), comment), -7);
-  EXPECT_EQ(v.ImportASC(file("c\n1\nx\nFALSE FALSE FALSE FALSE\n1\n"), comment), 3);
-  EXPECT_EQ(v.ImportASC(file("c\n1\n1\nFALSE MAYBE FALSE FALSE\n1\n"), comment), 4);
   EXPECT_NE(v.ImportASC(path("."), comment), 0);
-  EXPECT_EQ(std::vector<double>(v), (std::vector<double>{7, 8, 9}));
-  EXPECT_EQ(v.ImportASC(file(head + "1\n1,5\n3\n4\n"), comment), -6);
-  EXPECT_EQ(std::vector<double>(v), (std::vector<double>{1, 8}))
-      << "cut to the failing row, which keeps its value";
-  EXPECT_EQ(v.ImportASC(file(head + "1\n2\n3\n"), comment), -6) << "too few rows";
-  EXPECT_EQ(std::vector<double>(v), (std::vector<double>{1, 2, 3, 0}));
-  EXPECT_EQ(v.ImportASC(file("c\n1\n2\nTRUE FALSE FALSE FALSE\n1 5\nx 6\n"), comment), -5);
-  EXPECT_EQ(std::vector<double>(v), (std::vector<double>{5, 2}));
+  const struct {
+    std::string text;
+    int result;
+    Values left;
+  } cases[] = {
+      {"c\n2\n1\nFALSE FALSE FALSE FALSE\n1 2\n", -7, {7, 8, 9}},
+      {"c\n1\n1\nFALSE MAYBE FALSE FALSE\n1\n", 4, {7, 8, 9}},
+      // Cut to the failing row, which keeps its value.
+      {head + "1\n1,5\n3\n4\n", -6, {1, 8}},
+      {head + "1\n2\n3\n", -6, {1, 2, 3, 0}},
+      {"c\n1\n2\nTRUE FALSE FALSE FALSE\n1 5\nx 6\n", -5, {5, 2}},
+  };
+  for (const auto& [text, result, left] : cases) {
+    EXPECT_EQ(v.ImportASC(file(text), comment), result) << text;
+    EXPECT_EQ(contents(v), left) << text;
+  }
   TIntVector k;
   EXPECT_EQ(k.ImportASC(file(head + "0.5\n1.5\n-1e10\n+3\n"), comment), 0);
-  EXPECT_EQ(std::vector<int>(k), (std::vector<int>{0, 2, INT_MIN, 3}));
+  EXPECT_EQ(contents(k), (std::vector<int>{0, 2, INT_MIN, 3}));
 }
 
 }  // namespace
