@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cmath>
 #include <cstdint>
-#include <limits>
 #include <numbers>
 #include <vector>
 
@@ -81,7 +81,6 @@ TEST(GRandom, TwoDeviatesFromEachAcceptedPair) {
   SetRandSeed(11);
   EXPECT_EQ(GRandom(), expected[99]);  // kept across seeding
   EXPECT_EQ(GRandom(), expected[0]);
-  EXPECT_EQ(GRandom(), expected[1]);
 }
 
 TEST(GRandom, MomentsOfTheStandardNormal) {
@@ -98,16 +97,15 @@ TEST(GRandom, MomentsOfTheStandardNormal) {
     previous = g;
   }
   const double error = 5 / std::sqrt(n);
+  EXPECT_NEAR(products, 0, error);
   EXPECT_NEAR(sums[1], 0, error);
   EXPECT_NEAR(sums[2], 1, error * std::sqrt(2));
   EXPECT_NEAR(sums[3], 0, error * std::sqrt(15));
   EXPECT_NEAR(sums[4], 3, error * std::sqrt(96));
-  EXPECT_NEAR(products, 0, error);
 }
 
 TEST(LongRand, SequencesOfManySeeds) {
-  constexpr std::numeric_limits<int> limits;
-  for (const int seed : {1, -1, 12345, 990922, -990922, 65536, limits.max(), limits.min()}) {
+  for (const int seed : {1, -1, 12345, 990922, -990922, 65536, INT_MAX, INT_MIN}) {
     LongRandRule rule(seed);
     double x = LongRand(seed);
     for (int i = 0; i < 1000; ++i) {
