@@ -12,35 +12,20 @@
 #include <sstream>
 #include <vector>
 
+#include "tests/support/hostile.h"
+
 namespace zel {
 namespace {
 
 constexpr double kMax = std::numeric_limits<double>::max();
 constexpr double kTiny = std::numeric_limits<double>::denorm_min();
-constexpr double kInf = std::numeric_limits<double>::infinity();
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInf = HUGE_VAL;
 
 /// Values whose text is hard, and doubles of random bits over the whole range.
 std::vector<double> hardDoubles() {
-  std::vector<double> x = {0.0,
-                           -0.0,
-                           1.0,
-                           -1.0,
-                           0.1,
-                           0.5,
-                           0.125,
-                           2.5,
-                           -2,
-                           9.9999995,
-                           999999.5,
-                           1e22,
-                           1e23,
-                           kTiny,
-                           -kMax,
-                           kMax,
-                           2.5e-5,
-                           5e-324,
-                           2.2250738585072011e-308};
+  std::vector<double> x = {
+      0.0,  -0.0, 1.0,   0.125, 0.1,  0.5,    2.5,      9.9999995,
+      1e22, 1e23, kTiny, -kMax, kMax, 2.5e-5, 999999.5, 2.2250738585072011e-308};
   std::mt19937_64 random(7);
   while (x.size() < 5000) {
     const auto value = std::bit_cast<double>(random());
@@ -49,17 +34,11 @@ std::vector<double> hardDoubles() {
   return x;
 }
 
-bool sameBits(double a, double b) {
-  return std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b);
-}
-
 TEST(ParseNumber, TakesWholeDecimalWordsOnly) {
   for (const char* word : {"1", "+1", "01", "1.", "1e0", "1E+00", "0.1e1", ".1e+1", "10e-1"}) {
-    const auto x = ParseNumber(word);
-    ASSERT_TRUE(x) << word;
-    EXPECT_EQ(*x, 1.0) << word;
+    EXPECT_EQ(ParseNumber(word), 1.0) << word;
   }
-  EXPECT_TRUE(sameBits(ParseNumber("-0").value(), -0.0));
+  EXPECT_TRUE(test::sameValue(ParseNumber("-0").value(), -0.0));
   for (const char* word :
        {"",         "+",   "-",   ".",      "-.",  "e5", ".e5",  "1e",  "1e+", "+-1",  "-+1",
         "++1",      "--1", "1,5", "1.5.2",  " 1",  "1 ", "0x10", "1p3", "inf", "-inf", "+inf",
@@ -78,8 +57,8 @@ TEST(ParseNumber, RefusesOverflowAndFlushesUnderflow) {
   for (const std::string& word :
        std::vector<std::string>{"1e-400", "0." + zeros + "1", "1" + zeros + "e-9999",
                                 "1e-99999999999999999999", "0e99999", "0." + zeros}) {
-    EXPECT_TRUE(sameBits(ParseNumber(word).value(), 0.0)) << word;
-    EXPECT_TRUE(sameBits(ParseNumber("-" + word).value(), -0.0)) << word;
+    EXPECT_TRUE(test::sameValue(ParseNumber(word).value(), 0.0)) << word;
+    EXPECT_TRUE(test::sameValue(ParseNumber("-" + word).value(), -0.0)) << word;
   }
   EXPECT_EQ(ParseNumber("1.7976931348623158e308"), kMax);
   EXPECT_EQ(ParseNumber("3e-324"), kTiny);
@@ -134,19 +113,19 @@ TEST(FormatExp, FillsTheFieldAndRoundsCorrectly) {
       const auto value = ParseNumber(text.substr(text[0] == ' ' ? 1 : 0));
       // The largest double may round up to what no double holds.
       const double nearest = std::strtod(expected.c_str(), nullptr);
-      ASSERT_TRUE(sameBits(value.value_or(std::copysign(kInf, x)), nearest)) << text;
+      ASSERT_TRUE(test::sameValue(value.value_or(std::copysign(kInf, x)), nearest)) << text;
       if (width >= 25) {
-        ASSERT_TRUE(sameBits(nearest, x)) << text;
+        ASSERT_TRUE(test::sameValue(nearest, x)) << text;
       }
     }
   }
 }
 
 TEST(NumberText, NamesWhatIsNotFinite) {
-  EXPECT_EQ(FormatFixed(kNan, 3), "NAN");
+  EXPECT_EQ(FormatFixed(NAN, 3), "NAN");
   EXPECT_EQ(FormatFixed(-kInf, 3), "-INF");
   EXPECT_EQ(strff(kInf, 6, 2), "   INF");
-  EXPECT_EQ(FormatExp(-kNan, 13), "          NAN");
+  EXPECT_EQ(FormatExp(-NAN, 13), "          NAN");
   EXPECT_EQ(FormatExp(-kInf, 9), "     -INF");
 }
 

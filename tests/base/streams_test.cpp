@@ -28,9 +28,9 @@ std::string stored(Extended x) {
 
 std::string itemBytes(std::uint64_t significand, unsigned signExponent) {
   std::string bytes;
-  for (int i = 0; i < 8; ++i) bytes += static_cast<char>((significand >> (8 * i)) & 0xFFU);
-  bytes += static_cast<char>(signExponent & 0xFFU);
-  bytes += static_cast<char>(signExponent >> 8);
+  for (int i = 0; i < 10; ++i) {
+    bytes += static_cast<char>(i < 8 ? significand >> (8 * i) : signExponent >> (8 * i - 64));
+  }
   return bytes;
 }
 
@@ -176,34 +176,27 @@ int readModel(TMixedFStream& f) {
   return items;
 }
 
+// Whole, and cut off anywhere: what fails once fails for all.
 TEST(TMixedFStream, ReadsBackInTheOrderWritten) {
-  const TempDir dir;
-  writeModel(dir.file("a"));
-  TMixedFStream f(dir.file("a"), fmOpenRead);
-  EXPECT_FALSE(f.EndOfFile());
-  EXPECT_EQ(readModel(f), 10);
-  EXPECT_TRUE(f.Valid());
-  EXPECT_TRUE(f.EndOfFile());
-  EXPECT_THROW(static_cast<void>(f.ReadByte()), EInOutError);
-  EXPECT_FALSE(f.Valid());
-}
-
-TEST(TMixedFStream, FailsOnceAndForAllWhenCutOffAnywhere) {
   const TempDir dir;
   writeModel(dir.file("a"));
   const std::string bytes = readBytes(dir.file("a"));
   int before = 0;
-  for (std::size_t size = 0; size < bytes.size(); ++size) {
+  for (std::size_t size = 0; size <= bytes.size(); ++size) {
     writeBytes(dir.file("b"), bytes.substr(0, size));
     TMixedFStream f(dir.file("b"), fmOpenRead);
+    ASSERT_EQ(f.EndOfFile(), size == 0);
+    const bool isWhole = size == bytes.size();
     const int items = readModel(f);
     ASSERT_GE(items, before);
-    ASSERT_LT(items, 10);
+    ASSERT_EQ(items == 10, isWhole);
     before = items;
-    ASSERT_FALSE(f.Valid());
+    ASSERT_EQ(f.Valid(), isWhole);
+    ASSERT_TRUE(!isWhole || f.EndOfFile());
     bool fail = false;
     ASSERT_EQ(f.ReadByte(fail), 0);
-    ASSERT_TRUE(fail);
+    ASSERT_TRUE(fail && !f.Valid());
+    EXPECT_THROW(static_cast<void>(f.ReadByte()), EInOutError);
   }
 }
 
