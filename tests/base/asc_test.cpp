@@ -2,6 +2,7 @@
 
 #include <climits>
 #include <sstream>
+#include <tuple>
 #include <vector>
 
 #include "tests/base/temp_dir.h"
@@ -64,10 +65,7 @@ TEST(ReadHeaderOfASC, NamesTheBadLine) {
       if (line == 1) continue;  // every line is a comment
       Header h;
       EXPECT_EQ(h.readText(start + bad + "\n" + good[3]), line) << bad;
-      EXPECT_EQ(h.Comment, "c");
-      EXPECT_EQ(h.NCols, line > 2 ? 1 : 0);
-      EXPECT_EQ(h.NRows, line > 3 ? 2 : 0);
-      EXPECT_FALSE(h.RowAttr || h.ColNames || h.RowNames || h.Nominal);
+      EXPECT_EQ(h, (TASCHeader{"c", line > 2 ? 1 : 0, line > 3 ? 2 : 0})) << bad;
     }
     start += good[line - 1];
   }

@@ -4,7 +4,6 @@
 
 #include <bit>
 #include <cmath>
-#include <cstring>
 #include <limits>
 #include <random>
 
@@ -118,15 +117,14 @@ TEST(TMemoryStream, AppendsToWhatItHolds) {
 TEST(TFileStream, OpensByMode) {
   const TempDir dir;
   const std::string name = dir.file("a");
-  for (const auto& [missing, mode] : {std::pair("a", fmOpenRead),
-                                      {"a", fmOpenReadWrite},
-                                      {".", fmOpenRead},
-                                      {"none/a", fmCreate}}) {
-    EXPECT_THROW(TFileStream(dir.file(missing), mode), EInOutError) << missing;
+  for (const int mode : {fmOpenRead, fmOpenReadWrite}) {
+    EXPECT_THROW(TFileStream(name, mode), EInOutError);
+    EXPECT_THROW(TFileStream(dir.file("."), mode), EInOutError);
   }
+  EXPECT_THROW(TFileStream(dir.file("none/a"), fmCreate), EInOutError);
   EXPECT_EQ(dir.count(), 0);
-  { TFileStream(name, fmCreate) << "0123\r\n"; }
-  { TFileStream(name, fmOpenWrite) << "ab"; }
+  TFileStream(name, fmCreate) << "0123\r\n";
+  TFileStream(name, fmOpenWrite) << "ab";
   {
     TFileStream f(name, fmOpenReadWrite);
     f.seekp(3);
@@ -250,12 +248,10 @@ TEST(TMixedFStream, KeepsTheOldFileUntilComplete) {
 
 TEST(TMixedFStream, RaisesWhatCannotBeOpenedOrWritten) {
   const TempDir dir;
-  for (const auto& [name, mode] : {std::pair("none", fmOpenRead),
-                                   {".", fmOpenRead},
-                                   {"none/a", fmCreate},
-                                   {"a", fmOpenReadWrite}}) {
-    EXPECT_THROW(TMixedFStream(dir.file(name), mode), EInOutError) << name;
-  }
+  EXPECT_THROW(TMixedFStream(dir.file("none"), fmOpenRead), EInOutError);
+  EXPECT_THROW(TMixedFStream(dir.file("."), fmOpenRead), EInOutError);
+  EXPECT_THROW(TMixedFStream(dir.file("none/a"), fmCreate), EInOutError);
+  EXPECT_THROW(TMixedFStream(dir.file("a"), fmOpenReadWrite), EInOutError);
   if (FileExists("/dev/full")) {
     TMixedFStream f("/dev/full", fmCreate);
     f.WriteInteger(1);

@@ -180,16 +180,13 @@ TEST(ReadWholeFile, GivesBytesOrAReason) {
   const std::string bytes = std::string(100000, 'x') + std::string("\0\r\n", 3);
   writeBytes(dir.file("a"), bytes);
   EXPECT_EQ(ReadWholeFile(dir.file("a")), bytes);
-  for (const auto& [name, reason] : {std::pair("none", std::errc::no_such_file_or_directory),
-                                     {".", std::errc::is_a_directory}}) {
-    std::error_code error;
-    EXPECT_FALSE(ReadWholeFile(dir.file(name), error));
-    EXPECT_EQ(error, reason);
-  }
+  std::error_code error;
+  EXPECT_FALSE(ReadWholeFile(dir.file("none"), error));
+  EXPECT_EQ(error, std::errc::no_such_file_or_directory);
+  EXPECT_FALSE(ReadWholeFile(dir.file("."), error));
+  EXPECT_EQ(error, std::errc::is_a_directory);
   std::ifstream f;
-  EXPECT_FALSE(OpenForReading(f, dir.file(".")));
-  EXPECT_FALSE(f.good());
-  EXPECT_FALSE(FileExists(dir.file(".")));
+  EXPECT_FALSE(OpenForReading(f, dir.file(".")) || f.good() || FileExists(dir.file(".")));
   EXPECT_FALSE(FileExists(dir.file(std::string_view("a\0", 2))));
   EXPECT_TRUE(FileExists(dir.file("a")));
 }

@@ -1,10 +1,12 @@
 // Angles, points, segments, rectangles and ellipses.
+#include <algorithm>
 #include <array>
 #include <climits>
 #include <cmath>
 #include <limits>
 #include <numbers>
 #include <random>
+#include <tuple>
 
 #include <gtest/gtest.h>
 

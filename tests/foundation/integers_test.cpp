@@ -7,7 +7,7 @@
 #include <functional>
 #include <limits>
 #include <numeric>
-#include <tuple>
+#include <utility>
 
 #include "tests/support/expect_message.h"
 #include "zel/base/random.h"
@@ -66,16 +66,15 @@ TEST(CancelFraction, LowestTermsWithTheSignsKept) {
 }
 
 TEST(Products, ConsecutiveIntegersAndTheirLimits) {
-  const std::tuple<int, int, std::int64_t> cases[] = {{5, 3, 60},
-                                                      {1, 21, -1},
-                                                      {1, INT_MAX, -1},
-                                                      {INT_MAX, INT_MAX - 2, -1},
-                                                      {INT_MAX, INT_MAX, INT_MAX},
-                                                      {9, 0, 0},
-                                                      {9, -1, -2}};
-  for (const auto& [a, b, product] : cases) EXPECT_EQ(ProductConsecInts(a, b), product) << b;
+  EXPECT_EQ(ProductConsecInts(5, 3), 60);
   EXPECT_EQ(ProductConsecInts(1, 20), 2432902008176640000);  // 20!, the last one in 64 bits
   EXPECT_EQ(ProductConsecInts(INT_MAX, INT_MAX - 1), std::int64_t{INT_MAX} * (INT_MAX - 1));
+  EXPECT_EQ(ProductConsecInts(INT_MAX, INT_MAX), INT_MAX);
+  for (const auto& [a, b] : {std::pair(1, 21), {1, INT_MAX}, {INT_MAX, INT_MAX - 2}}) {
+    EXPECT_EQ(ProductConsecInts(a, b), -1) << a;
+  }
+  EXPECT_EQ(ProductConsecInts(9, 0), 0);
+  EXPECT_EQ(ProductConsecInts(9, -1), -2);
 }
 
 // Reference values: exact integer products in another language.

@@ -77,13 +77,15 @@ TEST(QuickSelect, AgreesWithSortingOfTheRangeOnly) {
     };
     const int low = index(), high = index(), k = index();
     const int first = std::max(low, 0), last = std::min(high, n - 1);
-    TDoubleArray sorted = x;
-    if (first <= last) std::sort(sorted.begin() + first, sorted.begin() + last + 1);
-    const double wanted =
-        first <= last ? sorted[static_cast<std::size_t>(std::clamp(k, first, last))] : 0;
-    ASSERT_EQ(QuickSelect(x, k, low, high), wanted);
-    if (first <= last) std::sort(x.begin() + first, x.begin() + last + 1);
-    ASSERT_EQ(x, sorted);  // a permutation of the range, the rest untouched
+    const bool isRange = first <= last;
+    const auto sorted = [=](TDoubleArray y) {
+      if (isRange) std::sort(y.begin() + first, y.begin() + last + 1);
+      return y;
+    };
+    const TDoubleArray all = sorted(x);
+    ASSERT_EQ(QuickSelect(x, k, low, high),
+              isRange ? *(all.begin() + std::clamp(k, first, last)) : 0);
+    ASSERT_EQ(sorted(x), all);  // a permutation of the range, the rest untouched
   }
 }
 
@@ -133,8 +135,7 @@ TEST(ExChange, EveryElementaryTypeAndUntypedBlocks) {
 TEST(SortSwap, EqualValuesCountAsExchangedOnlyUpward) {
   for (const bool ascending : {true, false}) {
     for (const double other : {0.0, 1.0, 2.0, std::nan("")}) {
-      double a = 1;
-      double b = other;
+      double a = 1, b = other;
       const bool expected = ascending ? other <= 1 : other > 1;
       EXPECT_EQ(SortSwap(a, b, ascending), expected);
       EXPECT_EQ(a == 1, !expected || other == 1);

@@ -17,10 +17,12 @@ namespace {
 
 constexpr double kPi = std::numbers::pi;
 
-TEST(FastFourier, StartsAndResizes) {
+TEST(FastFourier, StartsAndResizesToPowersOfTwo) {
+  int accepted = 0;
+  for (int n = -9; n <= (1 << 24) + 1; ++n) accepted += isTransformLength(n) ? 1 : 0;
+  EXPECT_EQ(accepted, 24);
   TFastFourier F;
-  EXPECT_EQ(F.SpectrumSize(), 256);
-  EXPECT_EQ(F.WeightingWindow(), fwRectangle);
+  EXPECT_TRUE(F.SpectrumSize() == 256 && F.WeightingWindow() == fwRectangle);
   EXPECT_EQ(F.FData, TDoubleArray(512));
   EXPECT_EQ(F.GetWgtVal(256), 1);
   F.SetName("FFT1");
@@ -39,12 +41,6 @@ TEST(FastFourier, StartsAndResizes) {
   EXPECT_EQ(F.GetWgtVal(1), 0) << "the user's window starts anew";
 }
 
-TEST(FastFourier, LengthsArePowersOfTwo) {
-  int accepted = 0;
-  for (int n = -9; n <= (1 << 24) + 1; ++n) accepted += isTransformLength(n) ? 1 : 0;
-  EXPECT_EQ(accepted, 24);
-}
-
 TEST(FastFourier, PointsOutsideAreZero) {
   TFastFourier F;
   F.SetNumData(4);
@@ -58,8 +54,6 @@ TEST(FastFourier, PointsOutsideAreZero) {
   F.FData = {1, 2, 3, 4, 5, 6, 7, 8};
   F.ClearReal();
   EXPECT_EQ(F.FData, (TDoubleArray{0, 2, 0, 4, 0, 6, 0, 8}));
-  F.ClearImag();
-  EXPECT_EQ(F.FData, TDoubleArray(8));
   F.FData.resize(3);
   F.Transform();
   EXPECT_EQ(F.FData.size(), 8U) << "a size that the caller changed";
@@ -85,7 +79,7 @@ TEST(FastFourier, SpectrumOfAnOscillation) {
   F.SetRealVal(3, 1000);
   EXPECT_EQ(F.RealMax(), 1000) << "found again after a change";
   F.Clear();
-  EXPECT_EQ(F.RealMax(), 0);
+  EXPECT_TRUE(F.RealMax() == 0 && F.ImagMin() == 0);
 }
 
 TEST(FastFourier, SpectrumOfGivenLines) {
