@@ -42,24 +42,23 @@ TEST(Angles, Directions) {
 }
 
 TEST(Angles, RoundedToTheSeries) {
-  const std::pair<Parts, std::array<Parts, 2>> cases[] = {
-      // down, up
-      {{0, 0, 0}, {{{0, 0, 0}, {0, 0, 0}}}},
-      {{7, 30, 0}, {{{5, 0, 0}, {10, 0, 0}}}},
-      {{10, 0, 0}, {{{10, 0, 0}, {10, 0, 0}}}},
-      {{10, 0, 1}, {{{10, 0, 0}, {15, 0, 0}}}},
-      {{400, 0, 0}, {{{360, 0, 0}, {360, 0, 0}}}},
-      {{0, 31, 5}, {{{0, 30, 0}, {1, 0, 0}}}},
-      {{0, 0, 45}, {{{0, 0, 30}, {0, 1, 0}}}},
-      {{0, 99, 0}, {{{0, 30, 0}, {1, 0, 0}}}},
-      {{0, 4, 0}, {{{0, 3, 0}, {0, 5, 0}}}},
-      {{1, -1, 0}, {{{0, 0, 0}, {0, 0, 0}}}},
-      {{INT_MAX, 59, 59}, {{{360, 0, 0}, {360, 0, 0}}}}};
-  for (const auto& [from, to] : cases) {
-    for (const bool up : {false, true}) {
-      Parts a = from;
-      RoundDegrees(a[0], a[1], a[2], up);
-      EXPECT_EQ(a, to[up]) << from[0] << ' ' << from[1] << ' ' << from[2] << up;
+  // From, rounded down, rounded up.
+  const Parts cases[][3] = {{{0, 0, 0}, {0, 0, 0}, {0, 0, 0}},
+                            {{7, 30, 0}, {5, 0, 0}, {10, 0, 0}},
+                            {{10, 0, 0}, {10, 0, 0}, {10, 0, 0}},
+                            {{10, 0, 1}, {10, 0, 0}, {15, 0, 0}},
+                            {{400, 0, 0}, {360, 0, 0}, {360, 0, 0}},
+                            {{0, 31, 5}, {0, 30, 0}, {1, 0, 0}},
+                            {{0, 0, 45}, {0, 0, 30}, {0, 1, 0}},
+                            {{0, 99, 0}, {0, 30, 0}, {1, 0, 0}},
+                            {{0, 4, 0}, {0, 3, 0}, {0, 5, 0}},
+                            {{1, -1, 0}, {0, 0, 0}, {0, 0, 0}},
+                            {{INT_MAX, 59, 59}, {360, 0, 0}, {360, 0, 0}}};
+  for (const auto& [from, down, up] : cases) {
+    for (const bool isUp : {false, true}) {
+      auto [degrees, minutes, seconds] = from;
+      RoundDegrees(degrees, minutes, seconds, isUp);
+      EXPECT_EQ((Parts{degrees, minutes, seconds}), isUp ? up : down) << from[0] << ' ' << from[1];
     }
   }
 }
