@@ -213,8 +213,8 @@ TEST(TMixedFStream, BelievesNoLength) {
 
 TEST(TMixedFStream, ReadsLinesOfAnyOrigin) {
   const TempDir dir;
-  writeBytes(dir.file("a"), "a\rb\nc\r\n\n\rd");
-  const auto lines = [&](int lineEnd) {
+  const auto lines = [&](int lineEnd, const char* last = "d") {
+    writeBytes(dir.file("a"), std::string("a\rb\nc\r\n\n\r").append(last));
     TMixedFStream f(dir.file("a"), fmOpenRead);
     std::string all;
     for (bool fail = false;;) {
@@ -226,6 +226,7 @@ TEST(TMixedFStream, ReadsLinesOfAnyOrigin) {
   EXPECT_EQ(lines(leCR), "[a][b\nc][\n\n]");
   EXPECT_EQ(lines(leLF), "[a\rb][c\r][]");
   EXPECT_EQ(lines(leAny), "[a][b][c][][][d]");
+  EXPECT_EQ(lines(leAny, ""), "[a][b][c][][]");
   EXPECT_EQ(lines(leCRLF), "[a\rb\nc]");
 }
 

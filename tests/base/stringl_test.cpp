@@ -14,6 +14,7 @@ using namespace std::string_view_literals;
 
 TEST(StringHelpers, StripAndReplace) {
   EXPECT_EQ(StripLTBlanks(" \t a b\t "), "a b");
+  EXPECT_EQ(StripLTBlanks(" \t "), "");
   EXPECT_EQ(StripTrailingChars('0', "100200"), "1002");
   EXPECT_EQ(StripTrailingChars('0', "000"), "");
   EXPECT_EQ(ReplaceCharInString("a.b.\0"sv, '.', '\0'), "a\0b\0\0"s);

@@ -51,6 +51,8 @@ TEST(RGBtoHSI, AgreesWithTheArcCosineFormulaAndComesBack) {
   int r = 9, g = 9, b = 9;
   HSItoRGB(NAN, NAN, NAN, r, g, b);
   EXPECT_EQ(RGB(r, g, b), 0U);
+  HSItoRGB(60, 2, 0.5, r, g, b);
+  EXPECT_EQ(RGB(r, g, b), RGB(191, 191, 0)) << "a saturation of 1 at most";
 }
 
 /// Every pixel another colour, so that an exchange of rows, columns or components shows.
@@ -80,8 +82,10 @@ TEST(TBitmap, ReadsZeroOutsideAndIgnoresWrites) {
   expectSame(copy, picture);
   EXPECT_THROW(picture.SetSize(INT_MAX, INT_MAX), EZELError);
   expectSame(copy, picture);
-  picture.SetSize(3, -1);
-  EXPECT_EQ(picture.Width(), 0);
+  for (const int none : {-1, 0}) {
+    picture.SetSize(3, none);
+    EXPECT_EQ(picture.Width(), 0);
+  }
 }
 
 TEST(TBitmap, KeepsItsPixelsInLosslessFiles) {

@@ -30,6 +30,7 @@ TEST(Complex, Quotients) {
     EXPECT_LT(CpxAbs(CpxSub(CpxDiv(a, b), Cpx(0.25L, 0.5L))), 2e-19L);
   }
   EXPECT_EQ(CpxAbs(Cpx(kLargest / 2, 0)), kLargest / 2);
+  EXPECT_EQ(CpxAbs(Cpx(NAN, -HUGE_VALL)), HUGE_VALL);
   EXPECT_LT(std::abs(CpxAbs(Cpx(3e-4930L, 4e-4930L)) / 5e-4930L - 1), 2e-19L);
   for (const auto& [a, b] :
        {std::pair(Cpx(1, 0), COMPLEX_0), std::pair(COMPLEX_0, COMPLEX_0),

@@ -64,7 +64,7 @@ TEST(InterpolTable, SamplesOfBothTypesAndDirections) {
   }
   const int extremes[] = {INT_MIN, INT_MAX};
   EXPECT_EQ(InterpolTable(0.5, 0, 1, extremes), -0.5);  // their difference is not an int
-  EXPECT_EQ(InterpolTable(9, 1, 9, TDoubleArray{0.1, 0.7, 0.3}), 0.3);
+  EXPECT_EQ(InterpolTable(9, 1, 9, TDoubleArray{0.1, 0.7, -0.3}), -0.3);
   EXPECT_TRUE(std::isnan(InterpolTable(std::nan(""), 0, 4, whole)));
   EXPECT_THROW_MSG((void)InterpolTable(0, 0, 0, TDoubleArray{1}), EZELMath1Error,
                    "InterpolTable: pivot array must contain at least 2 values");

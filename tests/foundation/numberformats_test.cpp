@@ -33,6 +33,7 @@ TEST(DegreeToStr, WritesEveryNotation) {
       {123456789012.34567, dfDegMinSec, 8, "123456789012° 20' 44.42138672\""},
       {-1e23, dfDegMin, 0, "-99999999999999991611392°   0'"},
       {0.025, dfDegMin, 0, "0°   2'"},  // 1.5 minutes
+      {0.075, dfDegMin, 0, "0°   4'"},  // a little below 4.5 minutes
       {std::nextafter(0.0083, 1) - 0.0083, dfDegMin, 0, "0°   0'"},
       {-0.000138, dfDegMinSec, 0, "0°  0'   0\""},                // rounds to zero: no sign
       {7.0000000000029, dfDegMinSec, 8, "7°  0'  0.00000000\""},  // within 3e-12
@@ -71,7 +72,7 @@ TEST(EEngStr, PlacesThePrefix) {
       {1e-20, 3, "0.0100a"}, {9.996e-20, 3, "0.1000a"}, {1e20, 99, "100000000T"},
       {-0.0, 3, "0.00"},     {kInf, 3, "INF"}};
   for (const auto& [x, digits, text] : cases) EXPECT_EQ(EEngStr(x, digits), text);
-  EXPECT_EQ(EEngStr(1e29, 1), "99999999999999991T");
+  EXPECT_EQ(EEngStr(1e28, 1), "10000000000000000T");
   EXPECT_EQ(EEngStr(std::nextafter(1000.0, 0), 9), "1.00000000k");
   // The doubles nearest to the powers of ten lie below or above them.
   for (int power = -18; power <= 14; ++power) {
@@ -94,6 +95,7 @@ TEST(IntegerText, DigitsOfEveryNotation) {
   EXPECT_EQ(Decimal(7, 0), "7");
   EXPECT_EQ(Decimal(0, 255), std::string(255, '0'));
   EXPECT_EQ(Octal(8, 3), "010");
+  EXPECT_EQ(Octal(15, 0), "7");
   EXPECT_EQ(Octal(-1, 99), "37777777777");
   EXPECT_EQ(Bin(5, 0), "1");
   EXPECT_EQ(Bin(-2, 40), std::string(31, '1').append("0"));
@@ -128,10 +130,13 @@ TEST(BitPatterns, RoundTrip) {
   }
   EXPECT_EQ(FPNumToHex(Extended{1}), "3FFF8000000000000000");
   EXPECT_TRUE(std::isnan(HexToExtended("3FFF0000000000000001"))) << "no leading bit";
-  const std::string problem = ": invalid hex string \"+ff0000000000000\"";
-  EXPECT_THROW_MSG((void)HexToSingle("+ff0000000000000"), EZELError, "HexToSingle" + problem);
-  EXPECT_THROW_MSG((void)HexToDouble("+ff0000000000000"), EZELError, "HexToDouble" + problem);
-  EXPECT_THROW_MSG((void)HexToExtended("+ff0000000000000"), EZELError, "HexToExtended" + problem);
+  for (const std::string bad : {"", "3f80000", "3f8000g0", "3ff000000000000", "+ff0000000000000",
+                                "3fff800000000000000", "+3fff80000000000000"}) {
+    const std::string problem = ": invalid hex string \"" + bad + '"';
+    EXPECT_THROW_MSG((void)HexToSingle(bad), EZELError, "HexToSingle" + problem);
+    EXPECT_THROW_MSG((void)HexToDouble(bad), EZELError, "HexToDouble" + problem);
+    EXPECT_THROW_MSG((void)HexToExtended(bad), EZELError, "HexToExtended" + problem);
+  }
 }
 
 }  // namespace

@@ -169,6 +169,7 @@ TEST(ScanDateTime, ReadsByFormat) {
       {"1 de Ene. de 68", "d 'de' mmm \"de\" yy", lgSpanish, 61363},
       {"1 AOU\xCC\x82T 2000", "d mmmm yyyy", lgFrench, 36739},
       {"1 maggio 2000", "d mmmm yyyy", lgItalian, 36647},
+      {"1 maggio. 2000", "d mmmm yyyy", lgItalian, NAN},
       {"may2000", "mmmyyyy", lgEnglish, 36647},
       {"jui 2000", "mmm yyyy", lgFrench, NAN},  // June or July
       {"ja 2000", "mmm yyyy", lgFrench, NAN},
@@ -180,6 +181,7 @@ TEST(ScanDateTime, ReadsByFormat) {
       {"1.2.2000", "dd.mm.yyyy", lgEnglish, NAN},
       {"24:00", "hh:nn", lgEnglish, NAN},
       {"13:00 pm", "h:nn am/pm", lgEnglish, NAN},
+      {"0:30 am", "h:nn am/pm", lgEnglish, NAN},
       {"00:00:60", "hh:nn:ss", lgEnglish, NAN},
       {"1", "zzzzzzzzzzzzzzzzzzzzz", lgEnglish, NAN},
       {"x", "", lgEnglish, NAN},

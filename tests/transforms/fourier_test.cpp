@@ -78,8 +78,11 @@ TEST(FastFourier, SpectrumOfAnOscillation) {
   EXPECT_NEAR(F.RealMax(), 192, 1e-12);
   F.SetRealVal(3, 1000);
   EXPECT_EQ(F.RealMax(), 1000) << "found again after a change";
+  F.SetNumData(4);
+  EXPECT_EQ(F.RealMax(), 0);
+  F.FData = {1, 2, 3, 4, 5, 6, 7, 8};
   F.Clear();
-  EXPECT_TRUE(F.RealMax() == 0 && F.ImagMin() == 0);
+  EXPECT_EQ(F.FData, TDoubleArray(8));
 }
 
 TEST(FastFourier, SpectrumOfGivenLines) {
