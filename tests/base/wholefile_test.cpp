@@ -15,9 +15,7 @@ namespace zel {
 namespace {
 
 namespace fs = std::filesystem;
-using zel_test::readBytes;
-using zel_test::TempDir;
-using zel_test::writeBytes;
+using namespace zel_test;
 
 /// No file may grow beyond this many bytes while the object lives: a disk that is full.
 class FullDisk {
@@ -39,9 +37,7 @@ class FullDisk {
 };
 
 mode_t modeOf(const std::string& name) {
-  struct stat found {};
-  stat(name.c_str(), &found);
-  return found.st_mode & 07777;
+  return static_cast<mode_t>(fs::status(name).permissions());
 }
 
 TEST(WholeFileWriter, ReplacesTheTargetOnlyAtCommit) {
@@ -57,9 +53,7 @@ TEST(WholeFileWriter, ReplacesTheTargetOnlyAtCommit) {
   EXPECT_EQ(readBytes(name), "old");
   EXPECT_TRUE(second.Commit());
   EXPECT_EQ(readBytes(name), "second");
-  EXPECT_TRUE(first.Commit());
-  EXPECT_FALSE(first.IsOpen());
-  EXPECT_FALSE(first.Error());
+  EXPECT_TRUE(first.Commit() && !first.IsOpen() && !first.Error());
   EXPECT_FALSE(first.Stream() << "late");
   EXPECT_EQ(readBytes(name), "first");
   EXPECT_EQ(dir.count(), 1);
@@ -115,10 +109,6 @@ TEST(WholeFileWriter, FollowsSymbolicLinks) {
   EXPECT_TRUE(fs::is_symlink(dir.file("one")));
   EXPECT_EQ(readBytes(dir.file("sub/target")), "two");
   EXPECT_EQ(readBytes(dir.file("sub/missing")), "dangling");
-
-  fs::create_symlink("loop", dir.file("loop"));
-  WholeFileWriter loop(dir.file("loop"));
-  EXPECT_EQ(loop.Error(), std::errc::too_many_symbolic_link_levels);
 }
 
 TEST(WholeFileWriter, LeavesTheOldFileWhenTheDiskIsFull) {
@@ -172,6 +162,8 @@ TEST(WholeFileWriter, TellsWhyItCannotOpen) {
     EXPECT_FALSE(file.Commit());
     return file.Error();
   };
+  fs::create_symlink("loop", dir.file("loop"));
+  EXPECT_EQ(error(dir.file("loop")), std::errc::too_many_symbolic_link_levels);
   EXPECT_EQ(error(dir.file("none/a")), std::errc::no_such_file_or_directory);
   EXPECT_EQ(error(dir.file(".")), std::errc::is_a_directory);
   EXPECT_EQ(error(""), std::errc::no_such_file_or_directory);
@@ -193,11 +185,8 @@ TEST(ReadWholeFile, GivesBytesOrAReason) {
   EXPECT_EQ(error, std::errc::no_such_file_or_directory);
   EXPECT_FALSE(ReadWholeFile(dir.file("."), error));
   EXPECT_EQ(error, std::errc::is_a_directory);
-
   std::ifstream f;
-  EXPECT_FALSE(OpenForReading(f, dir.file(".")));
-  EXPECT_FALSE(f.good());
-  EXPECT_FALSE(FileExists(dir.file(".")));
+  EXPECT_FALSE(OpenForReading(f, dir.file(".")) || f.good() || FileExists(dir.file(".")));
   EXPECT_FALSE(FileExists(dir.file(std::string_view("a\0", 2))));
   EXPECT_TRUE(FileExists(dir.file("a")));
 }

@@ -13,29 +13,24 @@ namespace {
 constexpr Extended kLargest = std::numeric_limits<Extended>::max();
 
 TEST(Complex, Arithmetic) {
-  const TComplex a = Cpx(1, 2), b = Cpx(3, 4), i = Cpx(0, 1);
+  const TComplex a = Cpx(1, 2), b = Cpx(3, 4);
   EXPECT_EQ(CpxAdd(a, b), Cpx(4, 6));
   EXPECT_EQ(CpxSub(a, b), Cpx(-2, -2));
   EXPECT_EQ(CpxMult(a, b), Cpx(-5, 10));
-  EXPECT_EQ(CpxMult(i, i), Cpx(-1, 0));
   EXPECT_EQ(CpxConj(a), Cpx(1, -2));
   EXPECT_EQ(CpxNeg(a), Cpx(-1, -2));
-  EXPECT_EQ(CpxAbs(b), 5);
   EXPECT_EQ(CpxAbsSqr(b), 25);
-  EXPECT_TRUE(CpxIsEqual(a, a));
-  EXPECT_FALSE(CpxIsEqual(a, b));
+  EXPECT_TRUE(CpxIsEqual(a, a) && !CpxIsEqual(a, b));
 }
 
 /// The quotient times the divisor is the dividend, at the ends of the range, too.
 TEST(Complex, Quotients) {
-  const TComplex q = CpxDiv(Cpx(1, 2), Cpx(3, 4));
-  EXPECT_NEAR(static_cast<double>(q.re), 0.44, 1e-17);
-  EXPECT_NEAR(static_cast<double>(q.im), 0.08, 1e-17);
   for (const Extended size : {1.0L, kLargest / 8, 1 / kLargest}) {
     const TComplex b = Cpx(-3 * size, 4 * size), a = CpxMult(b, Cpx(0.25L, 0.5L));
     EXPECT_LT(CpxAbs(CpxSub(CpxDiv(a, b), Cpx(0.25L, 0.5L))), 2e-19L);
   }
   EXPECT_EQ(CpxAbs(Cpx(kLargest / 2, 0)), kLargest / 2);
+  EXPECT_EQ(CpxAbs(Cpx(NAN, -HUGE_VALL)), HUGE_VALL);
   EXPECT_LT(std::abs(CpxAbs(Cpx(3e-4930L, 4e-4930L)) / 5e-4930L - 1), 2e-19L);
   for (const auto& [a, b] :
        {std::pair(Cpx(1, 0), COMPLEX_0), std::pair(COMPLEX_0, COMPLEX_0),
@@ -58,8 +53,7 @@ TEST(Complex, PolarForm) {
   EXPECT_EQ(ConvertRectToPolar(Cpx(0, -1)), (TComplexPolar{1, -uc_pi / 2}));
   EXPECT_EQ(ConvertRectToPolar(Cpx(-2, -0.0L)), (TComplexPolar{2, uc_pi}));
   EXPECT_EQ(ConvertRectToPolar(Cpx(-0.0L, 0)).phi, 0);
-  const TComplex back = ConvertPolarToRect(ConvertRectToPolar(Cpx(-3, 4)));
-  EXPECT_TRUE(CpxIsNearEqual(back, Cpx(-3, 4)));
+  EXPECT_TRUE(CpxIsNearEqual(ConvertPolarToRect(ConvertRectToPolar(Cpx(-3, 4))), Cpx(-3, 4)));
 }
 
 }  // namespace

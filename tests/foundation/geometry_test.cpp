@@ -1,10 +1,12 @@
 // Angles, points, segments, rectangles and ellipses.
+#include <algorithm>
 #include <array>
 #include <climits>
 #include <cmath>
 #include <limits>
 #include <numbers>
 #include <random>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -20,16 +22,14 @@ using Parts = std::array<int, 3>;
 using Reals = std::array<double, 3>;
 
 TEST(Angles, Directions) {
-  for (int k = 0; k < 360; k += 15) {
+  for (int k = 15; k < 360; k += 15) {
     const double a = k * kPi / 180;
-    if (k % 90 != 0) {
-      EXPECT_NEAR(AngleToXAxis(std::cos(a) * 1e200, std::sin(a) * 1e200), a, 1e-14);
-    }
+    EXPECT_NEAR(AngleToXAxis(std::cos(a) * 1e200, std::sin(a) * 1e200), a, 1e-14);
   }
-  EXPECT_EQ(AngleToXAxis(0, 1), kPi / 2);
-  EXPECT_EQ(AngleToXAxis(0, -1), 3 * kPi / 2);
-  EXPECT_EQ(AngleToXAxis(0, 0), 3 * kPi / 2);
-  EXPECT_EQ(AngleToXAxis(-1, 0), kPi);
+  for (const auto& [x, y, right] :
+       {std::array{0, 1, 1}, {0, -1, 3}, {0, 0, 3}, {-1, 0, 2}, {1, 0, 0}}) {
+    EXPECT_EQ(AngleToXAxis(x, y), right * kPi / 2) << x << ' ' << y;
+  }
   EXPECT_TRUE(std::isnan(AngleToXAxis(1, kNaN)));
   for (const double turns : {0.0, 1.0, -3.0, 1000.0}) {
     for (const double a : {-179.0, -20.0, 0.0, 45.0, 180.0}) {
@@ -42,24 +42,23 @@ TEST(Angles, Directions) {
 }
 
 TEST(Angles, RoundedToTheSeries) {
-  const std::pair<Parts, std::array<Parts, 2>> cases[] = {
-      // down, up
-      {{0, 0, 0}, {{{0, 0, 0}, {0, 0, 0}}}},
-      {{7, 30, 0}, {{{5, 0, 0}, {10, 0, 0}}}},
-      {{10, 0, 0}, {{{10, 0, 0}, {10, 0, 0}}}},
-      {{10, 0, 1}, {{{10, 0, 0}, {15, 0, 0}}}},
-      {{400, 0, 0}, {{{360, 0, 0}, {360, 0, 0}}}},
-      {{0, 31, 5}, {{{0, 30, 0}, {1, 0, 0}}}},
-      {{0, 0, 45}, {{{0, 0, 30}, {0, 1, 0}}}},
-      {{0, 99, 0}, {{{0, 30, 0}, {1, 0, 0}}}},
-      {{0, 4, 0}, {{{0, 3, 0}, {0, 5, 0}}}},
-      {{1, -1, 0}, {{{0, 0, 0}, {0, 0, 0}}}},
-      {{INT_MAX, 59, 59}, {{{360, 0, 0}, {360, 0, 0}}}}};
-  for (const auto& [from, to] : cases) {
-    for (const bool up : {false, true}) {
-      Parts a = from;
-      RoundDegrees(a[0], a[1], a[2], up);
-      EXPECT_EQ(a, to[up]) << from[0] << ' ' << from[1] << ' ' << from[2] << up;
+  // From, rounded down, rounded up.
+  const Parts cases[][3] = {{{0, 0, 0}, {0, 0, 0}, {0, 0, 0}},
+                            {{7, 30, 0}, {5, 0, 0}, {10, 0, 0}},
+                            {{10, 0, 0}, {10, 0, 0}, {10, 0, 0}},
+                            {{10, 0, 1}, {10, 0, 0}, {15, 0, 0}},
+                            {{400, 0, 0}, {360, 0, 0}, {360, 0, 0}},
+                            {{0, 31, 5}, {0, 30, 0}, {1, 0, 0}},
+                            {{0, 0, 45}, {0, 0, 30}, {0, 1, 0}},
+                            {{0, 99, 0}, {0, 30, 0}, {1, 0, 0}},
+                            {{0, 4, 0}, {0, 3, 0}, {0, 5, 0}},
+                            {{1, -1, 0}, {0, 0, 0}, {0, 0, 0}},
+                            {{INT_MAX, 59, 59}, {360, 0, 0}, {360, 0, 0}}};
+  for (const auto& [from, down, up] : cases) {
+    for (const bool isUp : {false, true}) {
+      auto [degrees, minutes, seconds] = from;
+      RoundDegrees(degrees, minutes, seconds, isUp);
+      EXPECT_EQ((Parts{degrees, minutes, seconds}), isUp ? up : down) << from[0] << ' ' << from[1];
     }
   }
 }
@@ -79,21 +78,18 @@ TEST(Angles, BetweenFormats) {
     ConvertDegrees(c.before[0], c.before[1], c.before[2], c.from, c.to);
     for (std::size_t k = 0; k < 3; ++k) EXPECT_NEAR(c.before[k], c.after[k], 1e-11);
   }
-  double d = 1, m = 61, s = 0;
-  EXPECT_THROW_MSG(ConvertDegrees(d, m, s, dfDegrees, dfDegrees), EZELMath1Error,
-                   "ConvertDegrees: invalid range of minutes");
-  m = 60;
-  s = -1;
-  EXPECT_THROW_MSG(ConvertDegrees(d, m, s, dfDegrees, dfDegMin), EZELMath1Error,
-                   "ConvertDegrees: invalid range of seconds");
-  EXPECT_EQ(m, 60);
+  for (auto [m, s, name] : {std::tuple(61.0, 0.0, "minutes"), {60.0, -1.0, "seconds"}}) {
+    double d = 1;
+    const Reals before{d, m, s};
+    EXPECT_THROW_MSG(ConvertDegrees(d, m, s, dfDegrees, dfDegMin), EZELMath1Error,
+                     std::string("ConvertDegrees: invalid range of ") + name);
+    EXPECT_EQ((Reals{d, m, s}), before);
+  }
 }
 
 /// Points on a line of integers times 1 / 10 are collinear only where the doubles are; the sign
 /// must be that of the exact determinant, and antisymmetric.
 TEST(Geometry, OrientationIsExact) {
-  EXPECT_EQ(CcwTriangle({0, 0}, {1, 0}, {0, 1}), 1);
-  EXPECT_EQ(CcwTriangle({0, 0}, {0, 1}, {1, 0}), -1);
   for (const double size : {1.0, 1e-300, 0x1p1000}) {
     for (int i = -20; i <= 20; ++i) {
       // Beside the line y = x by fractions of a unit in the last place of the others.
@@ -105,18 +101,20 @@ TEST(Geometry, OrientationIsExact) {
     }
   }
   EXPECT_EQ(CcwTriangle({kNaN, 0}, {1, 0}, {0, 1}), 0);
-  EXPECT_TRUE(SegmentsIntersect({0, 0}, {2, 2}, {0, 2}, {2, 0}));
-  EXPECT_TRUE(SegmentsIntersect({0, 0}, {2, 2}, {1, 1}, {5, 0})) << "they touch";
-  EXPECT_FALSE(SegmentsIntersect({0, 0}, {2, 2}, {1, 0.9}, {5, 0}));
-  EXPECT_TRUE(SegmentsIntersect({0, 0}, {1, 1}, {5, 5}, {6, 6})) << "collinear";
+  // Also where they only touch, and where all lie on a line.
+  for (const double y : {2.0, 1.0, 0.9}) {
+    EXPECT_EQ(SegmentsIntersect({0, 0}, {2, 2}, {1, y}, {5, 0}), y >= 1) << y;
+    EXPECT_EQ(SegmentsIntersect({1, y}, {5, 0}, {0, 0}, {2, 2}), y >= 1) << y;
+  }
+  EXPECT_TRUE(SegmentsIntersect({0, 0}, {1, 1}, {5, 5}, {6, 6}));
 }
 
 TEST(Geometry, Distances) {
   EXPECT_DOUBLE_EQ(EuclideanDistance({3e200, 0}, {0, 4e200}), 5e200);
   EXPECT_EQ(EuclideanDistance(1e9, 1e9, 1e9 + 3, 1e9 - 4), 5);
-  EXPECT_EQ(DistanceToSegment({1, 2}, {0, 0}, {4, 0}), 2);
-  EXPECT_EQ(DistanceToSegment({-3, 4}, {0, 0}, {4, 0}), 5);
-  EXPECT_EQ(DistanceToSegment({7, 4}, {0, 0}, {4, 0}), 5);
+  for (const double x : {1, 3, -3, 7}) {
+    EXPECT_EQ(DistanceToSegment({x, 4}, {0, 0}, {4, 0}), x == 1 || x == 3 ? 4 : 5) << x;
+  }
   EXPECT_EQ(DistanceToSegment({3, 4}, {0, 0}, {0, 0}), 5);
   const TRect r{10, 20, 30, 40};
   const std::pair<TPoint, int> cases[] = {{{15, 25}, 0}, {{10, 30}, 0}, {{15, 12}, 8},

@@ -2,10 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cmath>
 #include <cstdlib>
 #include <limits>
 #include <string>
+#include <tuple>
 #include <utility>
 
 #include "zel/base/random.h"
@@ -14,8 +16,7 @@ using namespace zel;
 
 namespace {
 
-constexpr int kIntMax = std::numeric_limits<int>::max();
-constexpr double kInf = std::numeric_limits<double>::infinity();
+constexpr double kInf = HUGE_VAL;
 
 double decimal(const char* mantissa, int k) {
   return std::strtod((std::string(mantissa) + "e" + std::to_string(k)).c_str(), nullptr);
@@ -61,9 +62,6 @@ TEST(Round125, LimitsAreExactInEveryDecade) {
         EXPECT_EQ(round(sign * x), sign * decimal(from, k)) << at << ' ' << k;
         EXPECT_EQ(round(sign * above(x)), sign * decimal(over, k)) << at << ' ' << k;
       }
-      for (const char* fixed : {"1", "2", "5"}) {
-        EXPECT_EQ(Round125(sign * decimal(fixed, k)), sign * decimal(fixed, k));
-      }
       // Powers of ten have a neighbourhood.
       for (const double x : {one * (1 - 2e-14), below(one), one, above(one), one * (1 + 2e-14)}) {
         EXPECT_EQ(up(sign * x), sign * one) << k;
@@ -88,7 +86,6 @@ TEST(Round125, EndsOfTheRange) {
 }
 
 TEST(CalcScalePars, ClassLimitsAndDirections) {
-  EXPECT_EQ(scale(4, 0, 100), (Scale{0, 20, 4}));
   EXPECT_EQ(scale(4, 100, 0), (Scale{100, -20, 4}));
   EXPECT_EQ(scale(5, 0, 100), (Scale{0, 10, 5}));  // a limit belongs to the class below
   EXPECT_EQ(scale(4, 0, 2e-9L), (Scale{0, 2e-10L, 4}));
@@ -137,7 +134,7 @@ TEST(CalcScalePars, DegenerateRangesEnd) {
       EXPECT_EQ(scale(ticks, x1, x2), (Scale{x1, 0, 1}));
     }
   }
-  EXPECT_EQ(scale(kIntMax, 0, tiny).step, 0);
+  EXPECT_EQ(scale(INT_MAX, 0, tiny).step, 0);
   EXPECT_EQ(scale(1, -huge, huge).step, 0);
   const Scale s = scale(4, -huge, huge);  // the range overflows, the step does not
   EXPECT_TRUE(s.step > huge / 4 && s.start >= -huge);
@@ -147,13 +144,11 @@ TEST(CalcScalePars, DegenerateRangesEnd) {
 }
 
 TEST(HistoBinRef, GridAnchoredAtItsReference) {
-  double offset = -1;
-  EXPECT_EQ(HistoBinRef(-7.25, 1, 2, offset), -9);
-  EXPECT_EQ(offset, 1.75);
-  EXPECT_EQ(HistoBinRef(5, 1, 2, offset), 5);
-  EXPECT_EQ(offset, 0);
-  EXPECT_EQ(HistoBinRef(5.5, 1, 0, offset), 5.5);
-  EXPECT_EQ(offset, 0);
+  for (const auto& [x, width, edge] : {std::tuple(-7.25, 2.0, -9.0), {5, 2, 5}, {5.5, 0, 5.5}}) {
+    double offset = -1;
+    EXPECT_EQ(HistoBinRef(x, 1, width, offset), edge);
+    EXPECT_EQ(offset, x - edge);
+  }
 }
 
 TEST(Squash, SigmoidWithItsSlopeAndLimits) {
