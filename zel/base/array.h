@@ -37,10 +37,16 @@ struct NestedList<T, 1> {
   using type = std::initializer_list<T>;
 };
 
+/// Classes that say so of themselves: T() is all bits zero.
+template <class T>
+concept ZeroIsAllBitsZero = std::is_trivially_copyable_v<T> && requires {
+  requires T::kZeroIsAllBitsZero;
+};
+
 /// Cells whose zero is all bits zero and that can be moved as bytes.
 template <class T>
 inline constexpr bool kPlainCell =
-    std::is_arithmetic_v<T> || std::is_enum_v<T> || std::is_pointer_v<T>;
+    std::is_arithmetic_v<T> || std::is_enum_v<T> || std::is_pointer_v<T> || ZeroIsAllBitsZero<T>;
 
 }  // namespace detail
 

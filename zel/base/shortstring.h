@@ -17,6 +17,9 @@ class TShortString {
   static_assert(N >= 1 && N <= 255);
 
  public:
+  /// Arrays of them need not be written to be empty.
+  static constexpr bool kZeroIsAllBitsZero = true;
+
   constexpr TShortString() = default;
   constexpr TShortString(std::string_view text)
       : FLength(static_cast<std::uint8_t>(std::min(N, text.size()))) {
