@@ -1,4 +1,5 @@
 // Tables as XML: exact round trips, what others write, and what is damaged.
+#include <cmath>
 #include <limits>
 #include <random>
 #include <sstream>
@@ -66,7 +67,13 @@ TEST(TableXml, RoundTripsExactly) {
     pos = 0;
     ASSERT_TRUE(FromFile.ReadFromXMLString(text, pos, "decimals"));
     for (int r = 1; r <= T.NrOfRows(); ++r) {
-      EXPECT_EQ(strff(FromFile(1, r), 0, 0), strff(T.NumericData->GetVal(1, r), 0, 0));
+      const double x = T.NumericData->GetVal(1, r);
+      const double read = FromFile.NumericData->GetVal(1, r);
+      if (std::fabs(x) < 1) {
+        EXPECT_LE(std::fabs(read - x), 0.5 * std::fabs(x)) << "a significant digit";
+      } else {
+        EXPECT_EQ(strff(read, 0, 0), strff(x, 0, 0));
+      }
     }
     for (std::size_t size = 0; trial < 5 && size + 1 < whole.size(); ++size) {
       pos = 0;
@@ -139,11 +146,17 @@ TEST(TableXml, WritesAllOrNothing) {
   TDataTable T;
   EXPECT_FALSE(T.SaveAsXMLFile("/dev/full", -1, ""));
   EXPECT_FALSE(T.SaveAsXMLFile("/nowhere/x.xml", -1, ""));
+  T.Resize(3, 1);
+  T.SetElem(2, 1, -0.00012345);
+  T.SetElem(3, 1, 12.3456);
   std::stringstream out;
   T.WriteToXMLStream(out, true, 2, "\x01\"");
   EXPECT_TRUE(out.str().starts_with(
       "<?xml version=\"1.0\"?>\n<datatable id=\"%01&quot;\" coding=\"percent\">\n<size columns="));
-  EXPECT_NE(out.str().find("<cell ix=\"1\" iy=\"1\">0.00</cell>\n"), std::string::npos);
+  EXPECT_NE(out.str().find("iy=\"1\">0.00</cell><cell ix=\"2\" iy=\"1\">-0.00012</cell>"
+                           "<cell ix=\"3\" iy=\"1\">12.35</cell>\n"),
+            std::string::npos)
+      << "small values keep their digits";
 }
 
 }  // namespace

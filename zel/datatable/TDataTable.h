@@ -542,8 +542,8 @@ class ZEL_API TDataTable : public TComponent, private detail::TTableArrays {
   // identifiers and comments may be of any bytes.
 
   /// Writes a file with the XML declaration and the table.
-  /// @param Precision  decimals; negative: the shortest text that gives the same number again, so
-  ///   that a table is read back as it was
+  /// @param Precision  decimals, of values below 1 significant digits; negative: the shortest text
+  ///   that gives the same number again, so that a table is read back as it was
   /// @param DataID  an identifier by which the readers find the table among others
   /// @return false if the file could not be written; an old file is untouched then
   bool SaveAsXMLFile(std::string_view FName, int Precision, std::string_view DataID) const;

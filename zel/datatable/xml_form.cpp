@@ -1,6 +1,8 @@
 #include "zel/datatable/xml_form_impl.h"
 
+#include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <concepts>
 #include <functional>
 #include <limits>
@@ -300,7 +302,19 @@ class TXmlWriter {
     char digits[24];
     FText.append(digits, std::to_chars(digits, digits + sizeof digits, number).ptr);
   }
-  void number(double x, int precision) { appendNumber(FText, x, precision); }
+  /// Decimals would lose small numbers, so that these get as many significant digits.
+  void number(double x, int precision) {
+    constexpr int kExact = 17;
+    const bool isSmall = precision >= 0 && x != 0 && std::fabs(x) < 1;
+    if (!isSmall || precision >= kExact) {
+      appendNumber(FText, x, isSmall ? -1 : precision);
+      return;
+    }
+    char digits[32];
+    FText.append(digits, std::to_chars(digits, digits + sizeof digits, x,
+                                       std::chars_format::general, std::max(precision, 1))
+                             .ptr);
+  }
   /// An attribute with a number.
   void attribute(std::string_view name, std::integral auto number) {
     *this << " " << name << "=\"";
