@@ -1,6 +1,6 @@
 """What pandas does with a table: answers one command a line with one number a line.
 
-Commands: read FILE; write FILE; sort COLUMN; describe; exit.
+Commands: read FILE; write FILE; sort COLUMN; describe.
 """
 
 import sys
@@ -21,6 +21,4 @@ for line in sys.stdin:
         result = frame.iloc[0, int(argument[0])]
     elif command == "describe":
         result = frame.describe().iloc[1, 0]
-    elif command == "exit":
-        break
     print(repr(float(result)), flush=True)

@@ -6,6 +6,7 @@
 #include <random>
 #include <stdexcept>
 
+#include "tests/base/temp_dir.h"
 #include "tests/datatable/table_model.h"
 #include "tests/matrix/matrices.h"
 #include "tests/support/expect_message.h"
@@ -333,7 +334,8 @@ TEST_F(DataTable, ThrowingHandlersLeaveHandlersAndTableWhole) {
 }
 
 TEST(DataTableMemory, IsThatOfCellsNamesAndAttributes) {
-  static std::size_t bytes = 0;
+  static std::size_t bytes;
+  bytes = 0;
   TDataTable table;
   detail::AllocationAllowed = [](std::size_t n) { return (bytes += n, true); };
   table.Resize(10, 100000);
@@ -377,6 +379,10 @@ TEST(DataTableMemory, FailedAllocationsChangeNothing) {
   check([&] { table->Assign(&source); });
   check([&] { table->CopyContentsFrom(&source); });
   check([&] { (void)table->RemoveMarkedRows(0, 0, 64); });
+  const zel_test::TempDir folder;
+  const std::string file = folder.file("a file with a name that is stored outside of the string");
+  zel_test::writeBytes(file, "length,species of the flower\n1.5,setosa\n2.5,virginica\n");
+  check([&] { EXPECT_EQ(table->ImportFromCSV(file, cdComma, true, false), 0); });
   EXPECT_THROW_MSG(
       {
         const FailingStorage failing(1);

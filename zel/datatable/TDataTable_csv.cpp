@@ -5,7 +5,7 @@
 namespace zel {
 
 int TDataTable::ReadText(std::string_view text, TCSVImport& import) {
-  detail::TTableContents contents(1, 0);
+  detail::TTableContents contents(0, 0);
   const int code = Guarded([&] { return detail::ReadCSV(text, import, contents); });
   if (code == 0) TakeContents(std::move(contents));
   return code;
@@ -21,7 +21,7 @@ int TDataTable::ImportFromCSV(std::istream& InStream, TCSVImport& Import) {
 int TDataTable::ImportFromCSV(std::string_view FName, TCSVDelimiters Delimiter,
                               bool IncludeColHeaders, bool IncludeRowHeaders, TDecPSep DecSep,
                               std::string& Message) {
-  const auto text = ReadWholeFile(FName);
+  const auto text = Guarded([&] { return ReadWholeFile(FName); });
   if (!text) {
     Message = "the file cannot be read";
     return -1;
@@ -54,9 +54,11 @@ bool TDataTable::ExportAsCSV(std::string_view FName, int Precision, TCSVDelimite
   how.IncludeRowAttributes = IncludeRowAttributes;
   how.IncludeComment = IncludeComment;
   how.DecSep = DecSep;
-  WholeFileWriter file(FName);
-  WithView([&](const detail::TTableView& table) { detail::WriteCSV(file.Stream(), table, how); });
-  return file.Commit();
+  return Guarded([&] {
+    WholeFileWriter file(FName);
+    WithView([&](const detail::TTableView& table) { detail::WriteCSV(file.Stream(), table, how); });
+    return file.Commit();
+  });
 }
 
 }  // namespace zel

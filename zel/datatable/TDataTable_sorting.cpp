@@ -101,6 +101,7 @@ bool TDataTable::SortAtOnce(const TCellRange& range, bool isRows, int keyLine, b
   const int high = isRows ? range.HighRow : range.HighCol;
   try {
     std::vector<std::decay_t<decltype(key(low))>> keys;
+    keys.reserve(static_cast<std::size_t>(high - low) + 1);
     for (int k = low; k <= high; ++k) keys.push_back(key(k));
     std::vector<std::uint64_t> order(keys.size());
     kernels::combOrderFast(std::span(keys), std::span(order), keys.size() - 1, ascending);

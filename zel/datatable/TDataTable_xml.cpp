@@ -10,9 +10,11 @@ namespace zel {
 
 bool TDataTable::SaveAsXMLFile(std::string_view FName, int Precision,
                                std::string_view DataID) const {
-  WholeFileWriter file(FName);
-  if (file.IsOpen()) WriteToXMLStream(file.Stream(), true, Precision, DataID);
-  return file.Commit();
+  return Guarded([&] {
+    WholeFileWriter file(FName);
+    if (file.IsOpen()) WriteToXMLStream(file.Stream(), true, Precision, DataID);
+    return file.Commit();
+  });
 }
 
 void TDataTable::WriteToXMLStream(std::ostream& OutStream, bool CreateHeader, int Precision,

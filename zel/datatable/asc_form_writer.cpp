@@ -15,8 +15,8 @@ namespace zel::detail {
 namespace {
 
 constexpr int kShortest = -1;
-constexpr std::size_t kWidth =
-    12;  // of values with a fixed number of decimals, as the vectors write them
+/// Of values with a fixed number of decimals, as the vectors write them.
+constexpr std::size_t kWidth = 12;
 constexpr std::size_t kBlock = std::size_t{1} << 16;
 
 template <class Number>

@@ -5,6 +5,7 @@
 #include <ostream>
 #include <string_view>
 
+#include "zel/datatable/delimited_impl.h"
 #include "zel/datatable/table_contents_impl.h"
 
 namespace zel::detail {
@@ -13,9 +14,6 @@ namespace zel::detail {
 inline constexpr std::string_view kCommentMark = "# ";
 /// Name of the column of row attributes.
 inline constexpr std::string_view kAttributes = "(attribute)";
-
-/// The character; that of a text for cdDetect.
-[[nodiscard]] char DelimiterOf(TCSVDelimiters delimiter, std::string_view text);
 
 /// What stands for a missing value unless it is in quotation marks.
 [[nodiscard]] bool IsMissingWord(std::string_view cell);

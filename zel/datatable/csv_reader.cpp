@@ -10,7 +10,6 @@
 
 #include "zel/base/stringhelpers.h"
 #include "zel/datatable/csv_form_impl.h"
-#include "zel/datatable/delimited_impl.h"
 #include "zel/foundation/numberscanners.h"
 
 namespace zel::detail {
@@ -28,12 +27,8 @@ struct TCsvError {
 
 [[noreturn]] void fail(int code, std::string text) { throw TCsvError{code, std::move(text)}; }
 
-std::string inLine(const DelimitedText& text, std::string_view reason) {
-  return std::string("line ").append(std::to_string(text.line())).append(": ").append(reason);
-}
-
 [[noreturn]] void failInLine(int code, const DelimitedText& text, std::string_view reason) {
-  fail(code, inLine(text, reason));
+  fail(code, std::string("line ").append(std::to_string(text.line())).append(": ").append(reason));
 }
 
 /// @param wanted  number of cells in the line that says how many there are

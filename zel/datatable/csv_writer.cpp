@@ -2,22 +2,8 @@
 
 #include "zel/base/numbertext_impl.h"
 #include "zel/datatable/csv_form_impl.h"
-#include "zel/datatable/delimited_impl.h"
 
 namespace zel::detail {
-
-char DelimiterOf(TCSVDelimiters delimiter, std::string_view text) {
-  switch (delimiter) {
-    case cdSemicolon:
-      return ';';
-    case cdTab:
-      return '\t';
-    case cdDetect:
-      return detectDelimiter(text);
-    default:
-      return ',';
-  }
-}
 
 namespace {
 

@@ -125,6 +125,19 @@ char detectDelimiter(std::string_view text) {
   return kDelimiters[static_cast<std::size_t>(most - counts.begin())];
 }
 
+char DelimiterOf(TCSVDelimiters delimiter, std::string_view text) {
+  switch (delimiter) {
+    case cdSemicolon:
+      return ';';
+    case cdTab:
+      return '\t';
+    case cdDetect:
+      return detectDelimiter(text);
+    default:
+      return ',';
+  }
+}
+
 void appendCell(std::string& text, std::string_view cell, char delimiter) {
   const auto isBlank = [](char c) { return c == ' ' || c == '\t'; };
   const bool isPlain = !cell.empty() && !isBlank(cell.front()) && !isBlank(cell.back()) &&

@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "zel/base/types.h"
+
 namespace zel::detail {
 
 /// Goes through the records of a text. Lines end in LF, CRLF or CR; blank lines between records are
@@ -56,6 +58,9 @@ class DelimitedText {
 /// Of comma, semicolon and tab the one that the first line of a text has most of outside quotation
 /// marks; a comma if there is none.
 [[nodiscard]] char detectDelimiter(std::string_view text);
+
+/// The character; that of a text for cdDetect.
+[[nodiscard]] char DelimiterOf(TCSVDelimiters delimiter, std::string_view text);
 
 /// Appends a cell, in quotation marks where it needs them to be read again as the same text.
 void appendCell(std::string& text, std::string_view cell, char delimiter);

@@ -305,11 +305,8 @@ class TXmlWriter {
   /// Decimals would lose small numbers, so that these get as many significant digits.
   void number(double x, int precision) {
     constexpr int kExact = 17;
-    const bool isSmall = precision >= 0 && x != 0 && std::fabs(x) < 1;
-    if (!isSmall || precision >= kExact) {
-      appendNumber(FText, x, isSmall ? -1 : precision);
-      return;
-    }
+    if (precision < 0 || x == 0 || !(std::fabs(x) < 1)) return appendNumber(FText, x, precision);
+    if (precision >= kExact) return appendNumber(FText, x, -1);
     char digits[32];
     FText.append(digits, std::to_chars(digits, digits + sizeof digits, x,
                                        std::chars_format::general, std::max(precision, 1))
