@@ -12,6 +12,7 @@ EZELMath1Error::~EZELMath1Error() = default;
 EZELVectorError::~EZELVectorError() = default;
 EZELMatrixError::~EZELMatrixError() = default;
 EZELDataTableError::~EZELDataTableError() = default;
+EZELStatisError::~EZELStatisError() = default;
 EZELMath2Error::~EZELMath2Error() = default;
 EZELMathExp::~EZELMathExp() = default;
 EZELComplexError::~EZELComplexError() = default;

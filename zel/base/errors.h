@@ -77,6 +77,13 @@ class ZEL_API EZELDataTableError : public EZELError {
   ~EZELDataTableError() override;
 };
 
+/// Raised by statistical tests and the tools around them.
+class ZEL_API EZELStatisError : public EZELError {
+ public:
+  using EZELError::EZELError;
+  ~EZELStatisError() override;
+};
+
 /// Raised by curve fitting and multivariate analysis.
 class ZEL_API EZELMath2Error : public EZELError {
  public:
