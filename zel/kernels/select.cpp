@@ -40,13 +40,12 @@ std::vector<T> sortedSample(std::span<const T> x, std::size_t size, int attempt)
   return sample;
 }
 
-enum class Outcome { Found, Missed, Unordered };
-
 template <class T>
 SelectedPair<T> selectPairOf(std::span<const T> x, std::size_t k);
 
 template <class T>
-Outcome selectByBracket(std::span<const T> x, std::size_t k, int attempt, SelectedPair<T>& pair) {
+Bracketing selectByBracket(std::span<const T> x, std::size_t k, int attempt,
+                           SelectedPair<T>& pair) {
   using Limits = std::numeric_limits<T>;
   const auto n = static_cast<double>(x.size());
   const double root = std::cbrt(n);
@@ -68,34 +67,7 @@ Outcome selectByBracket(std::span<const T> x, std::size_t k, int attempt, Select
   const std::size_t room =
       std::min(x.size(), static_cast<std::size_t>(1.5 * expected)) + kBracketSlack;
   const std::unique_ptr<T[]> storage(new T[room]);  // not filled
-  const auto counts = placeKeys(x, low, high, std::span<T>(storage.get(), room));
-  if (counts.unordered) return Outcome::Unordered;
-  if (counts.overflow) return Outcome::Missed;
-
-  // Sorted, the keys are: below, at low, inside, at high, above.
-  const std::size_t insideBegin = counts.below + counts.atLow;
-  const std::size_t insideEnd = insideBegin + counts.inside;
-  const std::size_t aboveBegin = insideEnd + counts.atHigh;
-  const std::size_t next = std::min(k + 1, x.size() - 1);
-  if (k < counts.below || next >= aboveBegin) return Outcome::Missed;
-  const std::span<const T> inside(storage.get(), counts.inside);
-  if (k < insideBegin) {
-    pair.at = low;
-  } else if (k < insideEnd) {
-    pair = selectPairOf(inside, k - insideBegin);
-  } else {
-    pair.at = high;
-  }
-  if (next == k) {
-    pair.next = pair.at;
-  } else if (next < insideBegin) {
-    pair.next = low;
-  } else if (next >= insideEnd) {
-    pair.next = high;
-  } else if (next == insideBegin) {
-    pair.next = *std::min_element(inside.begin(), inside.end());
-  }
-  return Outcome::Found;
+  return selectBetween(x, k, low, high, std::span<T>(storage.get(), room), pair);
 }
 
 // Nothing if x is short, holds a NaN, or is at odds with the sampling.
@@ -104,9 +76,9 @@ std::optional<SelectedPair<T>> selectBySampling(std::span<const T> x, std::size_
   if (x.size() <= kFewKeys) return std::nullopt;
   for (int attempt = 0; attempt < kAttempts; ++attempt) {
     SelectedPair<T> pair;
-    const Outcome outcome = selectByBracket(x, k, attempt, pair);
-    if (outcome == Outcome::Found) return pair;
-    if (outcome == Outcome::Unordered) break;
+    const Bracketing outcome = selectByBracket(x, k, attempt, pair);
+    if (outcome == Bracketing::Found) return pair;
+    if (outcome == Bracketing::Unordered) break;
   }
   return std::nullopt;
 }
@@ -157,6 +129,47 @@ T quickSelectOf(std::span<T> x, std::size_t k) {
 }
 
 }  // namespace
+
+template <class T>
+Bracketing selectBetween(std::span<const T> x, std::size_t k, T low, T high, std::span<T> room,
+                         SelectedPair<T>& pair) {
+  const auto counts = placeKeys(x, low, high, room);
+  if (counts.unordered) return Bracketing::Unordered;
+  if (counts.overflow) return Bracketing::Missed;
+
+  // Sorted, the keys are: below, at low, inside, at high, above.
+  const std::size_t insideBegin = counts.below + counts.atLow;
+  const std::size_t insideEnd = insideBegin + counts.inside;
+  const std::size_t aboveBegin = insideEnd + counts.atHigh;
+  const std::size_t next = std::min(k + 1, x.size() - 1);
+  if (k < counts.below || next >= aboveBegin) return Bracketing::Missed;
+  const std::span<const T> inside(room.data(), counts.inside);
+  if (k < insideBegin) {
+    pair.at = low;
+  } else if (k < insideEnd) {
+    pair = selectPairOf(inside, k - insideBegin);
+  } else {
+    pair.at = high;
+  }
+  if (next == k) {
+    pair.next = pair.at;
+  } else if (next < insideBegin) {
+    pair.next = low;
+  } else if (next >= insideEnd) {
+    pair.next = high;
+  } else if (next == insideBegin) {
+    pair.next = *std::min_element(inside.begin(), inside.end());
+  }
+  return Bracketing::Found;
+}
+
+template Bracketing selectBetween(std::span<const double>, std::size_t, double, double,
+                                  std::span<double>, SelectedPair<double>&);
+template Bracketing selectBetween(std::span<const float>, std::size_t, float, float,
+                                  std::span<float>, SelectedPair<float>&);
+template Bracketing selectBetween(std::span<const std::int32_t>, std::size_t, std::int32_t,
+                                  std::int32_t, std::span<std::int32_t>,
+                                  SelectedPair<std::int32_t>&);
 
 SelectedPair<double> selectPair(std::span<const double> x, std::size_t k) {
   return selectPairOf(x, k);

@@ -38,4 +38,11 @@ double quickSelect(std::span<double> x, std::size_t k);
 float quickSelect(std::span<float> x, std::size_t k);
 std::int32_t quickSelect(std::span<std::int32_t> x, std::size_t k);
 
+/// One step of selectPair: the pair if low and high, keys of x or its limits, enclose both of its
+/// positions.
+enum class Bracketing { Found, Missed, Unordered };
+template <class T>
+Bracketing selectBetween(std::span<const T> x, std::size_t k, T low, T high, std::span<T> room,
+                         SelectedPair<T>& pair);
+
 }  // namespace zel::kernels
