@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <vector>
 
 #include "zel/kernels/mirror.h"
@@ -70,58 +71,121 @@ HWY_INLINE V addTerm(V sum, V a, V b) {
   }
 }
 
-// Sums of the pairs of kObjects rows, starting at i, with rows j, j + 1, ... of kVectors vectors;
-// written to the columns i, i + 1, ... of out.
+// Adds the terms of the pairs of kObjects objects, starting at i, with the rows j, j + 1, ... of
+// kVectors vectors.
 template <PairSum kSum, std::size_t kObjects, std::size_t kVectors, class D>
-HWY_INLINE void pairBlock(D d, ConstMatrix m, std::size_t i, std::size_t j, Matrix out) {
+HWY_INLINE void addPairs(D d, ConstMatrix objects, std::size_t i, ConstMatrix m, std::size_t j,
+                         hn::Vec<D> (&sums)[kObjects][kVectors]) {
   constexpr std::size_t kLanes = hn::MaxLanes(D());
-  hn::Vec<D> sums[kObjects][kVectors];
   for (auto& row : sums) {
     for (auto& sum : row) sum = hn::Zero(d);
   }
-  const double* column = m.data;
-  for (std::size_t c = 0; c < m.columns; ++c, column += m.stride) {
+  const double* object = objects.data + i;
+  const double* column = m.data + j;
+  for (std::size_t c = 0; c < m.columns; ++c, object += objects.stride, column += m.stride) {
     hn::Vec<D> others[kVectors];
-    for (std::size_t v = 0; v < kVectors; ++v) others[v] = hn::LoadU(d, column + j + v * kLanes);
+    for (std::size_t v = 0; v < kVectors; ++v) others[v] = hn::LoadU(d, column + v * kLanes);
     for (std::size_t k = 0; k < kObjects; ++k) {
-      const auto own = hn::Set(d, column[i + k]);
+      const auto own = hn::Set(d, object[k]);
       for (std::size_t v = 0; v < kVectors; ++v) {
         sums[k][v] = addTerm<kSum>(sums[k][v], own, others[v]);
       }
     }
   }
+}
+
+// The sums, written to the columns i, i + 1, ... of out.
+template <PairSum kSum, std::size_t kObjects, std::size_t kVectors, class D>
+HWY_INLINE void pairBlock(D d, ConstMatrix objects, std::size_t i, ConstMatrix m, std::size_t j,
+                          Matrix out) {
+  hn::Vec<D> sums[kObjects][kVectors];
+  addPairs<kSum>(d, objects, i, m, j, sums);
   for (std::size_t k = 0; k < kObjects; ++k) {
     for (std::size_t v = 0; v < kVectors; ++v) {
-      hn::StoreU(sums[k][v], d, out.column(i + k) + j + v * kLanes);
+      hn::StoreU(sums[k][v], d, out.column(i + k) + j + v * hn::MaxLanes(D()));
     }
   }
 }
 
-// Rows i.. against all rows from i on; the few sums on and above the diagonal are overwritten
-// later.
+// Objects i.. against the rows from j on.
 template <PairSum kSum, std::size_t kObjects>
-void pairColumns(ConstMatrix m, std::size_t i, Matrix out) {
+void pairColumns(ConstMatrix objects, std::size_t i, ConstMatrix m, std::size_t j, Matrix out) {
   const hn::ScalableTag<double> d;
   const hn::CappedTag<double, 1> single;
   constexpr std::size_t kLanes = HWY_LANES(double);
-  std::size_t j = i;
-  for (; j + 2 * kLanes <= m.rows; j += 2 * kLanes) pairBlock<kSum, kObjects, 2>(d, m, i, j, out);
-  for (; j < m.rows; ++j) pairBlock<kSum, kObjects, 1>(single, m, i, j, out);
+  for (; j + 2 * kLanes <= m.rows; j += 2 * kLanes) {
+    pairBlock<kSum, kObjects, 2>(d, objects, i, m, j, out);
+  }
+  for (; j < m.rows; ++j) pairBlock<kSum, kObjects, 1>(single, objects, i, m, j, out);
 }
 
-template <PairSum kSum>
-void pairSumsOf(ConstMatrix m, Matrix out) {
-  constexpr std::size_t kObjects = 4;
+constexpr std::size_t kObjectsAtOnce = 4;
+
+// With kTriangle the objects are the rows themselves, each against those from itself on; the few
+// sums on and above the diagonal are overwritten later.
+template <PairSum kSum, bool kTriangle>
+void pairSumsOf(ConstMatrix objects, ConstMatrix m, Matrix out) {
   std::size_t i = 0;
-  for (; i + kObjects <= m.rows; i += kObjects) pairColumns<kSum, kObjects>(m, i, out);
-  for (; i < m.rows; ++i) pairColumns<kSum, 1>(m, i, out);
+  for (; i + kObjectsAtOnce <= objects.rows; i += kObjectsAtOnce) {
+    pairColumns<kSum, kObjectsAtOnce>(objects, i, m, kTriangle ? i : 0, out);
+  }
+  for (; i < objects.rows; ++i) pairColumns<kSum, 1>(objects, i, m, kTriangle ? i : 0, out);
+}
+
+// Replaces the least squares and the points they belong to where the points i.. are nearer.
+template <std::size_t kPoints, std::size_t kVectors, class D>
+HWY_INLINE void compareWith(D d, ConstMatrix points, std::size_t i, ConstMatrix m, std::size_t j,
+                            hn::Vec<D> (&least)[kVectors], hn::Vec<D> (&place)[kVectors]) {
+  hn::Vec<D> sums[kPoints][kVectors];
+  addPairs<PairSum::squares>(d, points, i, m, j, sums);
+  for (std::size_t k = 0; k < kPoints; ++k) {
+    const auto own = hn::Set(d, static_cast<double>(i + k));
+    for (std::size_t v = 0; v < kVectors; ++v) {
+      const auto isNearer = hn::Lt(sums[k][v], least[v]);
+      least[v] = hn::IfThenElse(isNearer, sums[k][v], least[v]);
+      place[v] = hn::IfThenElse(isNearer, own, place[v]);
+    }
+  }
+}
+
+template <std::size_t kVectors, class D>
+HWY_INLINE void nearestBlock(D d, ConstMatrix points, ConstMatrix m, std::size_t j, int* nearest) {
+  constexpr std::size_t kLanes = hn::MaxLanes(D());
+  hn::Vec<D> least[kVectors];
+  hn::Vec<D> place[kVectors];
+  for (std::size_t v = 0; v < kVectors; ++v) {
+    least[v] = hn::Set(d, std::numeric_limits<double>::infinity());
+    place[v] = hn::Zero(d);
+  }
+  std::size_t i = 0;
+  for (; i + kObjectsAtOnce <= points.rows; i += kObjectsAtOnce) {
+    compareWith<kObjectsAtOnce>(d, points, i, m, j, least, place);
+  }
+  for (; i < points.rows; ++i) compareWith<1>(d, points, i, m, j, least, place);
+  alignas(64) double places[kVectors * kLanes];
+  for (std::size_t v = 0; v < kVectors; ++v) hn::StoreU(place[v], d, places + v * kLanes);
+  for (std::size_t k = 0; k < kVectors * kLanes; ++k) nearest[j + k] = static_cast<int>(places[k]);
+}
+
+void nearestOf(ConstMatrix points, ConstMatrix m, int* nearest) {
+  const hn::ScalableTag<double> d;
+  const hn::CappedTag<double, 1> single;
+  constexpr std::size_t kLanes = HWY_LANES(double);
+  std::size_t j = 0;
+  for (; j + 2 * kLanes <= m.rows; j += 2 * kLanes) nearestBlock<2>(d, points, m, j, nearest);
+  for (; j < m.rows; ++j) nearestBlock<1>(single, points, m, j, nearest);
 }
 
 // The lower triangle of the sums of all pairs.
 void pairSums(ConstMatrix m, PairSum sum, Matrix out) {
-  if (sum == PairSum::manhattan) return pairSumsOf<PairSum::manhattan>(m, out);
-  if (sum == PairSum::squares) return pairSumsOf<PairSum::squares>(m, out);
-  pairSumsOf<PairSum::products>(m, out);
+  if (sum == PairSum::manhattan) return pairSumsOf<PairSum::manhattan, true>(m, m, out);
+  if (sum == PairSum::squares) return pairSumsOf<PairSum::squares, true>(m, m, out);
+  pairSumsOf<PairSum::products, true>(m, m, out);
+}
+
+void pointSums(ConstMatrix points, ConstMatrix m, PairSum sum, Matrix out) {
+  if (sum == PairSum::manhattan) return pairSumsOf<PairSum::manhattan, false>(points, m, out);
+  pairSumsOf<PairSum::squares, false>(points, m, out);
 }
 
 }  // namespace zel::kernels::HWY_NAMESPACE
@@ -131,6 +195,8 @@ HWY_AFTER_NAMESPACE();
 namespace zel::kernels {
 
 HWY_EXPORT(pairSums);
+HWY_EXPORT(pointSums);
+HWY_EXPORT(nearestOf);
 
 bool isStandardDistance(TDistMode mode) { return mode < dmUser; }
 
@@ -168,6 +234,14 @@ void rowDistances(ConstMatrix m, TDistMode mode, Matrix distances) {
     }
   }
   mirrorLower(distances);
+}
+
+void sumsFromPoints(ConstMatrix points, TDistMode mode, ConstMatrix m, Matrix sums) {
+  HWY_DYNAMIC_DISPATCH(pointSums)(points, m, pairSum(mode), sums);
+}
+
+void nearestPoints(ConstMatrix points, ConstMatrix m, std::span<int> nearest) {
+  HWY_DYNAMIC_DISPATCH(nearestOf)(points, m, nearest.data());
 }
 
 }  // namespace zel::kernels

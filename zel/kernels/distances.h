@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <span>
 
 #include "zel/base/types.h"
 #include "zel/kernels/dense.h"
@@ -20,5 +21,16 @@ namespace zel::kernels {
 /// @param distances  square, with as many columns as m has rows; not overlapping m
 /// @throws std::bad_alloc  before anything is written
 void rowDistances(ConstMatrix m, TDistMode mode, Matrix distances);
+
+/// What the distances of the rows of m from each of some points sum up: squared differences, or for
+/// dmManhattan magnitudes of differences. Bit for bit the sums of rowDistance.
+/// @param points  one in each row, with as many columns as m
+/// @param mode    not one of the similarities
+/// @param sums    a column for each point, of as many rows as m
+void sumsFromPoints(ConstMatrix points, TDistMode mode, ConstMatrix m, Matrix sums);
+
+/// For each row of m the point of least squared Euclidean distance, the first of several; point 0
+/// if no distance is finite.
+void nearestPoints(ConstMatrix points, ConstMatrix m, std::span<int> nearest);
 
 }  // namespace zel::kernels

@@ -189,6 +189,20 @@ class ZEL_API TIntMatrix : public TNumMatrix<int> {
   bool TransposeAndMultiply(const TIntVector* VecB, TIntVector* VecRes);
   bool Transpose();
 
+  /// Stream record and number file; a sparse matrix takes part as in the operations above.
+  void SaveToStream(std::unique_ptr<TMemoryStream>& OutStream, int LoC, int LoR, int HiC,
+                    int HiR) const;
+  void SaveToStream(std::ostream& OutStream, int LoC, int LoR, int HiC, int HiR) const;
+  bool LoadFromStream(std::istream* InStream, bool AdjustMatrixSize);
+  bool LoadFromStream(std::istream& InStream, bool AdjustMatrixSize) {
+    return LoadFromStream(&InStream, AdjustMatrixSize);
+  }
+  /// Writes a number file of a rectangle: a line with the bounds LowCol, LowRow, HighCol, HighRow,
+  /// then a line for each row.
+  /// @return false if the file cannot be written
+  bool StoreOnFile(int LoC, int LoR, int HiC, int HiR, std::string_view FileName) const;
+  bool LoadFromFile(std::string_view FileName, bool AdjustMatrixSize);
+
  private:
   using TRecords = TDynArray<TSpMatElemInt, 1>;
   class TDenseCopy;
@@ -216,6 +230,8 @@ class ZEL_API TIntMatrix : public TNumMatrix<int> {
   [[nodiscard]] TInt2DArray CellsOf(const TCells& cells) const;
   void CopySparse(const TIntMatrix& source, int SourceColLo, int SourceRowLo, int SourceColHi,
                   int SourceRowHi, int DestCol, int DestRow);
+  template <class Use>
+  decltype(auto) WithRectangle(int LoC, int LoR, int HiC, int HiR, Use&& use) const;
   template <class Operation>
   decltype(auto) Read(Operation&& operation) const;
   template <class Operation>

@@ -187,6 +187,26 @@ class ZEL_API TMatrix : public TNumMatrix<double> {
   /// @throws EZELMatrixError  `: not enough memory on heap`
   int CalcDistMat(TDistMode Mode, TMatrix* DMat) const;
 
+  /// Writes a number file of a rectangle: a line with the bounds LowCol, LowRow, HighCol, HighRow,
+  /// then a line for each row.
+  ///
+  /// Precision(1) is the least width of a value, Precision(2) the number of decimals; negative, as
+  /// at first: the shortest text that gives exactly the same value again, infinities included. A
+  /// file written with decimals has lost the rest of the digits.
+  /// @return false if the file cannot be written
+  bool StoreOnFile(int LoC, int LoR, int HiC, int HiR, std::string_view FileName) const;
+  using TNumMatrix::LoadFromFile;
+  /// With AutoDetect: reads a table of numbers without bounds, each line a row. What follows "//"
+  /// in a line does not count; if some lines carry the mark "//dig", only these are rows. OnChange
+  /// fires once at the end, and for a resize.
+  /// @param AdjustMatrixSize  the matrix gets the size of the table, which otherwise must fit into
+  /// it
+  /// @return false, with nothing changed, if the file cannot be read, has no rows or rows of
+  /// different
+  ///   length, a word is no number, or the table does not fit
+  /// @throws EZELMatrixError  `: not enough memory on heap`
+  bool LoadFromFile(std::string_view FileName, bool AdjustMatrixSize, bool AutoDetect);
+
   /// Inserts a row of zeros before the given one, or behind the last, in one pass. Fires OnChange.
   /// @return false, with nothing changed, unless 1 <= row <= NrOfRows() + 1
   /// @throws EZELMatrixError  `: not enough memory on heap`

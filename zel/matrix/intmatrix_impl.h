@@ -66,6 +66,26 @@ void TIntMatrix::ForEachStored(const TCells& cells, Use&& use) const {
   }
 }
 
+/// Lets operation(matrix), true on success, change this matrix or a dense copy that then replaces
+/// the records. OnChange fires if the operation fires it.
+template <class Operation>
+bool TIntMatrix::Edit(Operation&& operation) {
+  if (!FIsSparse) return operation(static_cast<TNumMatrix&>(*this));
+  TDenseCopy copy(*this, *this);
+  bool changed = false;
+  (*copy).OnChange = [&changed](TObject*) { changed = true; };
+  if (OnSortExchange) {
+    (*copy).OnSortExchange = [this](TObject*, std::uint8_t what, int i, int j, int first,
+                                    int last) { SortExchange(what, i, j, first, last); };
+  }
+  const bool result = operation(*copy);
+  if (changed) {
+    TakeContents(copy);
+    Changed();
+  }
+  return result;
+}
+
 inline auto TIntMatrix::Clamped(int LowCol, int LowRow, int HighCol, int HighRow) const -> TCells {
   MakeValidColRange(LowCol, HighCol);
   MakeValidRowRange(LowRow, HighRow);

@@ -4,6 +4,8 @@
 
 #include <cstdint>
 #include <initializer_list>
+#include <istream>
+#include <memory>
 #include <ostream>
 #include <span>
 #include <string>
@@ -11,13 +13,16 @@
 #include <type_traits>
 
 #include "zel/base/Zel_zelbase.h"
+#include "zel/base/streams.h"
 #include "zel/vector/Zel_vector.h"
 
 namespace zel {
 
 namespace detail {
 class TResults;
-}
+template <class T>
+struct TStoredRectangle;
+}  // namespace detail
 
 namespace kernels {
 template <class T>
@@ -275,6 +280,38 @@ class TNumMatrix : public TComponent {
   /// @throws EZELMatrixError  `: not enough memory on heap`; the matrix is unchanged then
   bool Transpose();
 
+  // Files and streams. What fails leaves the matrix as it was; a file that cannot be completed
+  // leaves an old one as it was.
+
+  /// Appends a binary record of a rectangle: its bounds LowCol, LowRow, HighCol, HighRow, then the
+  /// elements column by column. Doubles and their bounds are stored as extended values, integers
+  /// and theirs as 32-bit values. A missing memory stream is created. The stream's state tells of
+  /// errors.
+  void SaveToStream(std::unique_ptr<TMemoryStream>& OutStream, int LoC, int LoR, int HiC,
+                    int HiR) const;
+  void SaveToStream(std::ostream& OutStream, int LoC, int LoR, int HiC, int HiR) const;
+  /// Reads a record of SaveToStream into the cells that it was written from. OnChange fires once at
+  /// the end, and for a resize.
+  /// @param AdjustMatrixSize  resize to HighCol x HighRow first; cells outside the record keep
+  /// their
+  ///   values
+  /// @return false, with nothing changed, if the stream is null, the record is cut off or has no
+  ///   proper bounds, it does not fit into the matrix, or, with AdjustMatrixSize, HighCol x HighRow
+  ///   exceeds what it holds by more than 2^24 cells
+  /// @throws EZELMatrixError  `: not enough memory on heap`
+  bool LoadFromStream(std::istream* InStream, bool AdjustMatrixSize);
+  bool LoadFromStream(std::istream& InStream, bool AdjustMatrixSize) {
+    return LoadFromStream(&InStream, AdjustMatrixSize);
+  }
+  /// Reads a number file of StoreOnFile: the bounds of a rectangle, then its values row by row,
+  /// separated by blanks or line ends. Integers are rounded, ties to even. OnChange fires once at
+  /// the end, and for a resize.
+  /// @param AdjustMatrixSize  as in LoadFromStream
+  /// @return false, with nothing changed, if the file cannot be read, a value is missing or is no
+  ///   number, or as in LoadFromStream
+  /// @throws EZELMatrixError  `: not enough memory on heap`
+  bool LoadFromFile(std::string_view FileName, bool AdjustMatrixSize);
+
   // What C++ callers expect beside the operations above.
   /// Elements of a column (numbered from 1); none outside the matrix.
   [[nodiscard]] std::span<const T> Column(int c) const;
@@ -352,6 +389,8 @@ class TNumMatrix : public TComponent {
   void TakeOver(TDynArray<T, 2>& contents, int Nc, int Nr) noexcept;
   /// Inserts a row of zeros, of a valid number; OnChange does not fire.
   void OpenRow(int row);
+  /// Stores what has been read, if it fits.
+  bool TakeRectangle(const detail::TStoredRectangle<T>& read, bool AdjustMatrixSize);
 
  private:
   friend class detail::TResults;
