@@ -7,6 +7,7 @@
 #include "zel/analysis/multivariate.h"
 #include "zel/analysis/penalizedspline.h"
 #include "zel/analysis/polygons.h"
+#include "zel/analysis/ranks.h"
 #include "zel/analysis/regression.h"
 #include "zel/analysis/singularvalues.h"
 #include "zel/analysis/vertexcomponents.h"
