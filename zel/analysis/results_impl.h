@@ -47,6 +47,18 @@ class TResults {
     for (std::size_t c = 0; c < room.columns; ++c) std::ranges::copy(values[c], room.column(c));
   }
 
+  /// The elements of a vector, for results that leave its size alone.
+  template <class T>
+  static std::span<T> ElementsOf(TNumVector<T>& to) {
+    return to.Cells();
+  }
+  /// Once such results are there.
+  template <class T>
+  static void Filled(TNumVector<T>& to) {
+    to.MarkWritten();
+    to.Changed();
+  }
+
   /// Hands the storage over, then fires OnChange of each object in the order of the results.
   void Commit() {
     for (auto& result : FResults) std::visit([](auto& r) { r.Commit(); }, result);

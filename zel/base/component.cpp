@@ -40,10 +40,35 @@ TComponent::~TComponent() {
     last->FOwner = nullptr;
     delete last;
   }
-  if (FOwner) {
-    auto& list = FOwner->FOwned;
-    list.erase(std::find(list.begin(), list.end(), this));
-  }
+  LeaveOwner();
+}
+
+void TComponent::LeaveOwner() noexcept {
+  if (!FOwner) return;
+  auto& list = FOwner->FOwned;
+  list.erase(std::find(list.begin(), list.end(), this));
+  FOwner = nullptr;
+}
+
+void TComponent::TakeOwnership(TComponent* component) {
+  if (!component || component == this || Owns(component) || IsOwnedBy(component)) return;
+  FOwned.push_back(component);
+  component->LeaveOwner();
+  component->FOwner = this;
+}
+
+void TComponent::ReleaseOwnership(TComponent* component) noexcept {
+  if (Owns(component)) component->LeaveOwner();
+}
+
+bool TComponent::Owns(const TComponent* component) const {
+  return std::find(FOwned.begin(), FOwned.end(), component) != FOwned.end();
+}
+
+bool TComponent::IsOwnedBy(const TComponent* component) const {
+  const TComponent* owner = FOwner;
+  while (owner && owner != component) owner = owner->FOwner;
+  return owner && component;
 }
 
 std::string_view TComponent::ClassName() const { return "TComponent"; }

@@ -72,8 +72,19 @@ class ZEL_API TComponent : public TPersistent {
       running(std::forward<Args>(args)...);
     }
   }
+  /// Becomes the owner of an object, which leaves the one it had. An object that owns this one,
+  /// directly or not, stays what it is; null: nothing happens.
+  void TakeOwnership(TComponent* component);
+  /// Gives up an object that this one owns, which has no owner then; another one: nothing happens.
+  void ReleaseOwnership(TComponent* component) noexcept;
+  /// The object, which need not exist any more, is owned by this one.
+  [[nodiscard]] bool Owns(const TComponent* component) const;
+  /// It owns this one, directly or not.
+  [[nodiscard]] bool IsOwnedBy(const TComponent* component) const;
 
  private:
+  void LeaveOwner() noexcept;
+
   TComponent* FOwner = nullptr;
   std::vector<TComponent*> FOwned;
   std::string FName;

@@ -1,0 +1,164 @@
+#include "zel/kernels/window_means.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <limits>
+
+#include "zel/kernels/scratch.h"
+#include "zel/kernels/targets.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "zel/kernels/window_means.cpp"
+#include "hwy/foreach_target.h"  // IWYU pragma: keep
+#include "hwy/highway.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace zel::kernels::HWY_NAMESPACE {
+namespace {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+#include "zel/kernels/double_double-inl.h"
+
+/// Values hi + lo; without lo they are plain numbers.
+struct Values {
+  const double* hi;
+  const double* lo;
+};
+
+/// Calls body(d, i) for vectors that cover 0..n-1, the last ones of one lane.
+template <class Body>
+HWY_INLINE void forVectors(std::size_t n, Body&& body) {
+  const hn::CappedTag<double, 8> d;
+  const hn::CappedTag<double, 1> one;
+  std::size_t i = 0;
+  for (; i + hn::Lanes(d) <= n; i += hn::Lanes(d)) body(d, i);
+  for (; i < n; ++i) body(one, i);
+}
+
+/// The low parts are only added up: they are errors, and errors of errors do not count.
+template <bool kHasLow, class D>
+HWY_INLINE void addTo(D d, Twofold<hn::Vec<D>>& sum, const double* hi, const double* lo) {
+  const Twofold<hn::Vec<D>> s = twoSum(sum.hi, hn::LoadU(d, hi));
+  sum.hi = s.hi;
+  sum.lo = hn::Add(sum.lo, s.lo);
+  if constexpr (kHasLow) sum.lo = hn::Add(sum.lo, hn::LoadU(d, lo));
+}
+
+/// Sums of 2 `width` values, or one more, from those of `width` values in hi and lo.
+template <bool kHasLow, bool kOneMore>
+void widen(const Values& x, std::size_t width, double* hi, double* lo, std::size_t n) {
+  forVectors(n, [&](auto d, std::size_t i) HWY_ATTR {
+    Twofold<hn::Vec<decltype(d)>> sum{hn::LoadU(d, hi + i), hn::LoadU(d, lo + i)};
+    addTo<true>(d, sum, hi + i + width, lo + i + width);
+    if constexpr (kOneMore) addTo<kHasLow>(d, sum, x.hi + i + 2 * width, x.lo + i + 2 * width);
+    hn::StoreU(sum.hi, d, hi + i);
+    hn::StoreU(sum.lo, d, lo + i);
+  });
+}
+
+/// Sums of `width` values, from each of the first `count`, in place of hi and lo: these take
+/// count + width - 1 numbers.
+template <bool kHasLow>
+void sumWindows(const Values& x, std::size_t width, double* hi, double* lo, std::size_t count) {
+  // The width grows bit by bit from the highest; the sums that a later step needs shrink to count.
+  int bit = static_cast<int>(std::bit_width(width)) - 1;
+  std::size_t done = 1;
+  std::size_t n = count + width - 1;
+  std::copy_n(x.hi, n, hi);
+  if constexpr (kHasLow) {
+    std::copy_n(x.lo, n, lo);
+  } else {
+    std::fill_n(lo, n, 0.0);
+  }
+  while (bit-- > 0) {
+    const std::size_t wider = width >> bit;
+    n = count + width - wider;
+    wider % 2 == 1 ? widen<kHasLow, true>(x, done, hi, lo, n)
+                   : widen<kHasLow, false>(x, done, hi, lo, n);
+    done = wider;
+  }
+}
+
+/// Sums over the windows that start at the first `count` of x.
+Values sumTile(const double* x, std::size_t width, WindowShape shape, double* work,
+               std::size_t length, std::size_t count) {
+  double* const hi = work;
+  double* const lo = work + length;
+  if (shape == WindowShape::flat) {
+    sumWindows<false>({x, x}, width, hi, lo, count);
+    return {hi, lo};
+  }
+  sumWindows<false>({x, x}, width, hi, lo, count + width - 1);
+  double* const hi2 = work + 2 * length;
+  double* const lo2 = work + 3 * length;
+  sumWindows<true>({hi, lo}, width, hi2, lo2, count);
+  return {hi2, lo2};
+}
+
+/// hi + lo over the divisor; false if one is not finite.
+bool divide(const Values& sums, double divisor, double* out, std::size_t count) {
+  bool isFinite = true;
+  forVectors(count, [&](auto d, std::size_t i) HWY_ATTR {
+    const auto mean =
+        hn::Div(hn::Add(hn::LoadU(d, sums.hi + i), hn::LoadU(d, sums.lo + i)), hn::Set(d, divisor));
+    hn::StoreU(mean, d, out + i);
+    isFinite &= hn::AllTrue(d, hn::IsFinite(mean));
+  });
+  return isFinite;
+}
+
+/// The windows of a tile that are not finite once more, from values made so small that no sum
+/// overflows.
+void repeatScaled(const double* x, std::size_t width, WindowShape shape, double divisor,
+                  double* work, std::size_t length, double* out, std::size_t count) {
+  constexpr double kSmall = 0x1p-64;
+  double* const scaled = work + 4 * length;
+  const std::size_t used = count + windowLength(width, shape) - 1;
+  for (std::size_t i = 0; i < used; ++i) scaled[i] = x[i] * kSmall;
+  const Values sums = sumTile(scaled, width, shape, work, length, count);
+  constexpr double kMost = std::numeric_limits<double>::max() * kSmall;
+  for (std::size_t i = 0; i < count; ++i) {
+    if (std::isfinite(out[i])) continue;
+    const double mean = (sums.hi[i] + sums.lo[i]) / divisor;
+    out[i] = std::isfinite(mean) ? std::clamp(mean, -kMost, kMost) / kSmall : sums.hi[i];
+  }
+}
+
+void meansOfTile(const double* x, std::size_t width, WindowShape shape, double divisor,
+                 double* work, std::size_t length, double* out, std::size_t count) {
+  const Values sums = sumTile(x, width, shape, work, length, count);
+  if (divide(sums, divisor, out, count)) return;
+  repeatScaled(x, width, shape, divisor, work, length, out, count);
+}
+
+}  // namespace
+}  // namespace zel::kernels::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace zel::kernels {
+
+HWY_EXPORT(meansOfTile);
+
+void windowMeans(std::span<const double> x, std::size_t width, WindowShape shape, double* out) {
+  const std::size_t more = windowLength(width, shape) - 1;
+  if (x.size() <= more) return;
+  const std::size_t count = x.size() - more;
+  // The sums of a tile stay in the cache; what neighbouring tiles compute twice stays small.
+  constexpr std::size_t kTile = 512;
+  const std::size_t tile = std::min(count, std::max(kTile, 2 * more));
+  const std::size_t length = tile + more;
+  const Scratch work(5 * length);
+  const auto w = static_cast<double>(width);
+  const double divisor = shape == WindowShape::flat ? w : w * w;
+  for (std::size_t at = 0; at < count; at += tile) {
+    HWY_DYNAMIC_DISPATCH(meansOfTile)
+    (x.data() + at, width, shape, divisor, work.data(), length, out + at,
+     std::min(tile, count - at));
+  }
+}
+
+}  // namespace zel::kernels
+#endif
