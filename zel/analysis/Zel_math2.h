@@ -1,11 +1,14 @@
 /// @file
-/// Curve fitting and multivariate analysis.
+/// Curve fitting, smoothing and filtering, multivariate analysis.
 #pragma once
 
 #include "zel/analysis/TCurveFit.h"
 #include "zel/analysis/chebyshevfilter.h"
 #include "zel/analysis/expressions.h"
 #include "zel/analysis/firfilters.h"
+#include "zel/analysis/gausskernels.h"
+#include "zel/analysis/imagecorrelation.h"
+#include "zel/analysis/imagekernels.h"
 #include "zel/analysis/multivariate.h"
 #include "zel/analysis/penalizedspline.h"
 #include "zel/analysis/polygons.h"
@@ -13,4 +16,5 @@
 #include "zel/analysis/regression.h"
 #include "zel/analysis/singularvalues.h"
 #include "zel/analysis/smoothing.h"
+#include "zel/analysis/testsignals.h"
 #include "zel/analysis/vertexcomponents.h"
