@@ -97,12 +97,21 @@ Values sumTile(const double* x, std::size_t width, WindowShape shape, double* wo
   return {hi2, lo2};
 }
 
-/// hi + lo over the divisor; false if one is not finite.
+/// (hi + lo) / divisor with about 100 bits, rounded.
+template <class V>
+HWY_INLINE V quotient(Twofold<V> sum, V divisor) {
+  const V q = over(sum.hi, divisor);
+  const Twofold<V> back = twoProduct(q, divisor);
+  const V rest = plus(minus(minus(sum.hi, back.hi), back.lo), sum.lo);
+  return plus(q, over(rest, divisor));
+}
+
+/// The means; false if one is not finite.
 bool divide(const Values& sums, double divisor, double* out, std::size_t count) {
   bool isFinite = true;
   forVectors(count, [&](auto d, std::size_t i) HWY_ATTR {
-    const auto mean =
-        hn::Div(hn::Add(hn::LoadU(d, sums.hi + i), hn::LoadU(d, sums.lo + i)), hn::Set(d, divisor));
+    const auto mean = quotient<hn::Vec<decltype(d)>>(
+        {hn::LoadU(d, sums.hi + i), hn::LoadU(d, sums.lo + i)}, hn::Set(d, divisor));
     hn::StoreU(mean, d, out + i);
     isFinite &= hn::AllTrue(d, hn::IsFinite(mean));
   });
@@ -121,7 +130,7 @@ void repeatScaled(const double* x, std::size_t width, WindowShape shape, double 
   constexpr double kMost = std::numeric_limits<double>::max() * kSmall;
   for (std::size_t i = 0; i < count; ++i) {
     if (std::isfinite(out[i])) continue;
-    const double mean = (sums.hi[i] + sums.lo[i]) / divisor;
+    const double mean = quotient<double>({sums.hi[i], sums.lo[i]}, divisor);
     out[i] = std::isfinite(mean) ? std::clamp(mean, -kMost, kMost) / kSmall : sums.hi[i];
   }
 }

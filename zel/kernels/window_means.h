@@ -22,8 +22,8 @@ enum class WindowShape { flat, triangular };
 ///   if x is shorter
 ///
 /// Sums in double-double that double their width in every step: O(n log width), without a running
-/// sum, so that nothing of a value remains once it has left the window. A mean is within an ulp of
-/// the exact one unless the values cancel by more than 30 digits; it is finite if all values are. A
+/// sum, so that nothing of a value remains once it has left the window. A mean is the exact one
+/// rounded, unless the values cancel by more than 15 digits; it is finite if all values are. A
 /// window with values that are not finite gives what their plain sum gives.
 /// @throws std::bad_alloc  before out is touched
 void windowMeans(std::span<const double> x, std::size_t width, WindowShape shape, double* out);

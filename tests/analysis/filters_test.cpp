@@ -1,0 +1,313 @@
+// Kernel filters, windowed-sinc kernels and recursive filters.
+#include <cmath>
+#include <complex>
+#include <limits>
+#include <numbers>
+#include <random>
+
+#include <gtest/gtest.h>
+
+#include "tests/support/containers.h"
+#include "tests/support/expect_message.h"
+#include "zel/analysis/Zel_math2.h"
+#include "zel/kernels/recursive_filter.h"
+
+namespace zel {
+namespace {
+
+using Numbers = std::vector<double>;
+
+constexpr double kPi = std::numbers::pi;
+
+Numbers noise(std::size_t n, unsigned seed = 1) {
+  Numbers x(n);
+  std::mt19937_64 random(seed);
+  std::normal_distribution<double> normal;
+  for (double& v : x) v = normal(random);
+  return x;
+}
+
+/// Magnitude of the response of a symmetric or other kernel.
+double gainOf(const Numbers& taps, double frequency) {
+  std::complex<double> sum;
+  for (std::size_t i = 0; i < taps.size(); ++i) {
+    sum += taps[i] * std::polar(1.0, -2 * kPi * frequency * static_cast<double>(i));
+  }
+  return std::abs(sum);
+}
+
+TEST(KernelFilter, RepeatsTheEndsOfTheRange) {
+  const TVector x(noise(60));
+  for (const std::size_t taps : {1u, 2u, 3u, 8u, 17u, 30u}) {
+    const TVector kernel(noise(taps, 2));
+    TVector y;
+    y.Resize(70);
+    y.Fill(5);
+    constexpr int kLow = 12, kHigh = 43;
+    MovingKernelFilter(&x, kHigh, kLow, &y, &kernel);
+    ASSERT_EQ(y.NrOfElem(), 60);
+    const int length = static_cast<int>(taps);
+    for (int i = kLow; i <= kHigh; ++i) {
+      double sum = 0;
+      for (int j = 1; j <= length; ++j) {
+        sum += kernel(j) * x(std::clamp(i - length / 2 + j - 1, kLow, kHigh));
+      }
+      ASSERT_EQ(y(i - kLow + 1), sum) << taps << ' ' << i;
+    }
+    EXPECT_EQ(y(kHigh - kLow + 2), 5);
+    TVector inPlace, asKernel;
+    inPlace.Clone(&x);
+    asKernel.Clone(&kernel);
+    MovingKernelFilter(&inPlace, kLow, kHigh, &inPlace, &kernel);
+    MovingKernelFilter(&x, kLow, kHigh, &asKernel, &asKernel);
+    for (int i = 1; i <= kHigh - kLow + 1; ++i) {
+      ASSERT_EQ(inPlace(i), y(i));
+      ASSERT_EQ(asKernel(i), y(i));
+    }
+  }
+  TVector y, kernel(noise(60));
+  EXPECT_THROW_MSG(MovingKernelFilter(&x, 1, 60, &y, nullptr), EZELMath2Error,
+                   "MovingKernelfilter: SourceVec, DestVec and/or FilterKernel is undefined");
+  EXPECT_THROW_MSG(MovingKernelFilter(&x, 1, 60, &y, &kernel), EZELMath2Error,
+                   "MovingKernelfilter: specified range for smoothing is smaller than the length "
+                   "of the kernel");
+}
+
+TEST(SincKernels, FollowTheFormulaAndPassTheirBand) {
+  for (const int n : {1, 2, 31, 64, 101}) {
+    for (const int window : {0, 1, 2}) {
+      for (const double fc : {0.05, 0.2, 0.5, 0.7}) {
+        TDoubleArray low;
+        TVector vector;
+        CalcSincLPKernel(n, fc, window, low);
+        CalcSincLPKernel(n, fc, window, &vector);
+        ASSERT_EQ(test::contents(vector), low);
+        Numbers expected;
+        double sum = 0;
+        const double f = std::min(fc, 0.5);
+        for (int i = 1; i <= n; ++i) {
+          const int lag = i - (n / 2 + 1);
+          const double t = 2 * kPi * i / (n + 1);
+          const double w = window == 1   ? 0.54 - 0.46 * std::cos(t)
+                           : window == 2 ? 0.42 - 0.5 * std::cos(t) + 0.08 * std::cos(2 * t)
+                                         : 1;
+          expected.push_back(w * (lag == 0 ? 2 * kPi * f : std::sin(2 * kPi * f * lag) / lag));
+          sum += expected.back();
+        }
+        for (std::size_t i = 0; i < low.size(); ++i) {
+          ASSERT_NEAR(low[i], expected[i] / sum, 2e-14) << n << ' ' << window << ' ' << fc;
+        }
+      }
+    }
+  }
+  // Inside and outside of the bands of a long kernel, with both orders of the limits.
+  TDoubleArray low, high, stop, pass, reversed;
+  CalcSincLPKernel(301, 0.1, 2, low);
+  CalcSincHPKernel(301, 0.1, 2, high);
+  CalcSincBSKernel(301, 0.1, 0.3, 2, stop);
+  CalcSincBPKernel(301, 0.1, 0.3, 2, pass);
+  CalcSincBSKernel(301, 0.3, 0.1, 2, reversed);
+  EXPECT_EQ(stop, reversed);
+  const Numbers gains[] = {{1, 1, 0, 0, 0}, {0, 0, 1, 1, 1}, {1, 1, 0, 0, 1}, {0, 0, 1, 1, 0}};
+  const Numbers frequencies{0, 0.08, 0.12, 0.28, 0.33};
+  const Numbers* const kernels[] = {&low, &high, &stop, &pass};
+  for (std::size_t k = 0; k < 4; ++k) {
+    for (std::size_t f = 0; f < frequencies.size(); ++f) {
+      EXPECT_NEAR(gainOf(*kernels[k], frequencies[f]), gains[k][f], 1e-3) << k << ' ' << f;
+    }
+  }
+  CalcSincLPKernel(5, 0, 1, low);
+  EXPECT_EQ(low, Numbers(5));
+  CalcSincLPKernel(7, -1, 0, low);
+  EXPECT_EQ(low, Numbers(7));
+  CalcSincHPKernel(4, 0.5, 0, low);
+  EXPECT_EQ(low, Numbers(4)) << "a low-pass at one half is the unit impulse";
+  CalcSincBPKernel(-3, 0.1, 0.2, 0, low);
+  EXPECT_TRUE(low.empty());
+  TVector vector{1, 2};
+  CalcSincLPKernel(0, 0.1, 0, &vector);
+  EXPECT_EQ(test::contents(vector), (Numbers{1, 2}));
+}
+
+/// The response of a recursive filter at a frequency.
+double gainOf(double a0, const TMatrix& c, double frequency) {
+  std::complex<double> above = a0, below = 1;
+  for (int k = 1; k <= c.NrOfRows(); ++k) {
+    const auto z = std::polar(1.0, -2 * kPi * frequency * k);
+    above += c(1, k) * z;
+    below -= c(2, k) * z;
+  }
+  return std::abs(above / below);
+}
+
+// From SciPy 1.10: cheb1ap (poles divided by cosh(acosh(1 / es) / N), so that the cut-off is where
+// the ripple formula gives one half) or buttap, lp2lp or lp2hp at 2 tan(pi fc), bilinear, gain 1.
+TEST(ChebyshevDesign, AgreesWithAnotherDesignOfTheSameFilters) {
+  struct Case {
+    int poles;
+    bool highPass;
+    double cutoff, ripple;
+    Numbers a, b;
+  };
+  const Case cases[] = {
+      {4,
+       false,
+       0.1,
+       0.5,
+       {0.002780756867618, 0.01112302747047, 0.01668454120571, 0.01112302747047, 0.002780756867618},
+       {2.764030504704, -3.122852678359, 1.664553024105, -0.3502229603332}},
+      {6,
+       true,
+       0.2,
+       0,
+       {0.07011541349245, -0.4206924809547, 1.051731202387, -1.402308269849, 1.051731202387,
+        -0.4206924809547, 0.07011541349245},
+       {1.187600680176, -1.305213349289, 0.674327525298, -0.2634693482801, 0.05175303387964,
+        -0.005022526595088}},
+      {2,
+       false,
+       0.05,
+       10,
+       {0.01612788627902, 0.03225577255804, 0.01612788627902},
+       {1.685467042675, -0.7499785877915}}};
+  for (const Case& c : cases) {
+    double a0 = 0;
+    TMatrix coeffs;
+    const test::Events events(coeffs);
+    CalcChebFilterCoeffs(c.poles, c.highPass, c.cutoff, c.ripple, a0, &coeffs);
+    EXPECT_EQ(events.count, 1);
+    ASSERT_EQ(coeffs.NrOfRows(), c.poles);
+    ASSERT_EQ(coeffs.NrOfColumns(), 2);
+    EXPECT_NEAR(a0, c.a[0], 1e-12);
+    for (int k = 1; k <= c.poles; ++k) {
+      EXPECT_NEAR(coeffs(1, k), c.a[static_cast<std::size_t>(k)], 1e-12) << k;
+      EXPECT_NEAR(coeffs(2, k), c.b[static_cast<std::size_t>(k - 1)], 1e-11) << k;
+    }
+  }
+}
+
+TEST(ChebyshevDesign, HasTheGainsThatItPromises) {
+  for (const int poles : {2, 8, 20}) {
+    for (const double ripple : {0.0, 1e-300, 0.5, 29.0}) {
+      for (const double cutoff : {0.2, 0.25, 0.3}) {
+        double a0;
+        TMatrix low, high;
+        CalcChebFilterCoeffs(poles, false, cutoff, ripple, a0, &low);
+        const double es = std::sqrt(std::pow(100 / (100 - ripple), 2) - 1);
+        EXPECT_NEAR(gainOf(a0, low, 0), 1, 1e-6);
+        EXPECT_NEAR(gainOf(a0, low, cutoff), std::sqrt((1 + es * es) / 2), 1e-3)
+            << poles << ' ' << ripple;
+        CalcChebFilterCoeffs(poles, true, 0.5 - cutoff, ripple, a0, &high);
+        EXPECT_NEAR(gainOf(a0, high, 0.5), 1, 1e-6);
+        EXPECT_NEAR(gainOf(a0, high, 0.5 - cutoff), std::sqrt((1 + es * es) / 2), 1e-3);
+      }
+    }
+  }
+}
+
+TEST(ChebyshevDesign, RefusesWhatItCannotMake) {
+  double a0 = 7;
+  TMatrix c;
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  const auto refuses = [&](int poles, double cutoff, double ripple, const std::string& text) {
+    EXPECT_THROW_MSG(CalcChebFilterCoeffs(poles, false, cutoff, ripple, a0, &c), EZELMath2Error,
+                     "CalcChebFilterCoeffs: " + text);
+  };
+  refuses(3, 0.6, 30, "NPoles must be even");
+  refuses(-1, 0.1, 1, "NPoles must be even");
+  refuses(2, 0.6, 29.5, "invalid Ripple value");
+  refuses(2, 0.6, nan, "invalid Ripple value");
+  refuses(22, -0.1, 0, "invalid cutoff frequency");
+  refuses(2, nan, 0, "invalid cutoff frequency");
+  refuses(22, 0.1, 0, "NPoles must not exceed 20");
+  EXPECT_EQ(a0, 7);
+  CalcChebFilterCoeffs(0, false, 0.1, 0, a0, &c);
+  EXPECT_EQ(a0, 1);
+  EXPECT_EQ(test::contents(c), (Numbers{2, 1, 0, 0}));
+  CalcChebFilterCoeffs(2, true, 0.5, 0, a0, &c);
+  EXPECT_EQ(a0, 0);
+  EXPECT_EQ(test::contents(c), (Numbers{2, 2, 0, 0, 0, 0}));
+}
+
+/// The two passes step by step over numbers 1..e, indices beyond 0.
+TVector filteredByDefinition(const TVector& x, int low, int high, double a0, const TMatrix& c,
+                             const TVector& dest) {
+  const int p = c.NrOfRows(), pad = p + 1, e = high + 2 * pad;
+  TVector t1, t2, result;
+  t1.Resize(e);
+  t2.Resize(e);
+  result.Clone(&dest);
+  for (int i = 1; i <= e; ++i) {
+    double sum = a0 * x(i - pad);
+    for (int k = 1; k <= p; ++k) sum += c(1, k) * x(i - k - pad) + c(2, k) * t1(i - k);
+    t1.SetVal(i, sum);
+  }
+  for (int i = e; i >= 1; --i) {
+    double sum = a0 * t1(i);
+    for (int k = 1; k <= p; ++k) sum += c(1, k) * t1(i + k) + c(2, k) * t2(i + k);
+    t2.SetVal(i, sum);
+  }
+  for (int i = low; i <= high; ++i) result.SetVal(i, t2(i + pad));
+  return TVector(result.Elements());
+}
+
+TEST(ChebychevFilter, RunsForwardsAndBackwards) {
+  struct Case {
+    int poles, low, high, destSize;
+  };
+  for (const Case& c : {Case{2, 1, 200, 200}, Case{4, 1, 150, 200}, Case{6, 30, 90, 50},
+                        Case{4, -9, 260, 300}, Case{2, 9, 3, 20}, Case{2, -5, 0, 20}}) {
+    const TVector x(noise(200));
+    double a0;
+    TMatrix coeffs;
+    CalcChebFilterCoeffs(c.poles, false, 0.1, 0.5, a0, &coeffs);
+    TVector dest;
+    dest.Resize(c.destSize);
+    dest.Fill(8);
+    const TVector expected = filteredByDefinition(x, c.low, std::max(c.high, 1), a0, coeffs, dest);
+    const test::Events events(dest);
+    ChebychevFilter(&x, c.low, c.high, &dest, a0, &coeffs);
+    EXPECT_EQ(events.count, 0);
+    for (int i = 1; i <= c.destSize; ++i) {
+      const double value = i >= c.low && i <= c.high ? expected(i) : 8;
+      ASSERT_NEAR(dest(i), value, 1e-11) << c.poles << ' ' << i;
+    }
+    TVector inPlace, whole(noise(200));
+    inPlace.Clone(&x);
+    ChebychevFilter(&x, 1, 200, &whole, a0, &coeffs);
+    ChebychevFilter(&inPlace, 1, 200, &inPlace, a0, &coeffs);
+    EXPECT_EQ(test::contents(inPlace), test::contents(whole));
+  }
+  TMatrix oneColumn;
+  TVector x{1, 2, 3}, y{0, 0, 0};
+  ChebychevFilter(&x, 1, 3, &y, 2, &oneColumn);
+  EXPECT_EQ(test::contents(y), (Numbers{4, 8, 12}));
+}
+
+// Ranges far beyond the signal go through blocks: a filter that dies away, and one that never does
+// (the running sum), whose second pass is known.
+TEST(ChebychevFilter, OfRangesBeyondTheSignalNeedsNoStorageForThem) {
+  const TVector x(noise(1000));
+  double a0;
+  TMatrix coeffs;
+  CalcChebFilterCoeffs(4, false, 0.01, 0.5, a0, &coeffs);
+  TVector near, far;
+  near.Resize(3000);
+  far.Resize(3000);
+  far.Fill(8);
+  ChebychevFilter(&x, 1, 40000, &near, a0, &coeffs);
+  ChebychevFilter(&x, 1, std::numeric_limits<int>::max(), &far, a0, &coeffs);
+  for (int i = 1; i <= 3000; ++i) ASSERT_NEAR(far(i), near(i), 1e-9);
+
+  Numbers signal(10, 0.0), out(400000, -1.0);
+  signal[3] = 1;
+  const Numbers a{0}, b{1};
+  kernels::filterBothWays({1, a, b}, signal, 400000, 0, out);
+  // The first pass is 1 from index 3 on, to index 399999; the second counts from there.
+  for (std::size_t i = 0; i < out.size(); ++i) {
+    ASSERT_EQ(out[i], static_cast<double>(400000 - std::max<std::size_t>(i, 3))) << i;
+  }
+}
+
+}  // namespace
+}  // namespace zel

@@ -1,0 +1,221 @@
+// Small kernels on images, correlation of pictures, test signals, Gaussian kernels.
+#include <cmath>
+#include <limits>
+#include <random>
+
+#include <gtest/gtest.h>
+
+#include "tests/support/containers.h"
+#include "tests/support/expect_message.h"
+#include "zel/analysis/Zel_math2.h"
+
+namespace zel {
+namespace {
+
+using Numbers = std::vector<double>;
+
+constexpr double kInf = std::numeric_limits<double>::infinity();
+constexpr int kMost = std::numeric_limits<int>::max();
+
+TDouble2DArray noise(int rows, int columns, unsigned seed) {
+  TDouble2DArray a(rows, columns);
+  std::mt19937_64 random(seed);
+  std::normal_distribution<double> normal;
+  for (double& v : a) v = normal(random);
+  return a;
+}
+
+double around(const TDouble2DArray& kernel, const TDouble2DArray& data, int r, int c) {
+  const int n = static_cast<int>(kernel.Length(0));
+  double sum = 0;
+  for (int i = 0; i < n; ++i) {
+    for (int j = 0; j < n; ++j) {
+      sum +=
+          kernel(i, j) * data(std::clamp(r + i - n / 2, 0, static_cast<int>(data.Length(0)) - 1),
+                              std::clamp(c + j - n / 2, 0, static_cast<int>(data.Length(1)) - 1));
+    }
+  }
+  return sum;
+}
+
+TEST(KernelConvolve, SumsAroundEveryCellAndReportsInnerCells) {
+  for (const int n : {3, 5, 11}) {
+    const auto kernel = noise(n, n, 1);
+    for (const auto& [rows, columns] :
+         {std::pair{1, 1}, {1, 40}, {40, 1}, {2, 9}, {11, 11}, {12, 90}, {61, 37}}) {
+      const auto data = noise(rows, columns, 2);
+      TDouble2DArray result;
+      Numbers reported, expected;
+      ASSERT_EQ(KernelConvolve(kernel, data, result,
+                               [&](TObject* sender, int percent) {
+                                 EXPECT_EQ(sender, nullptr);
+                                 reported.push_back(percent);
+                               }),
+                0);
+      ASSERT_EQ(result.Length(0), data.Length(0));
+      ASSERT_EQ(result.Length(1), data.Length(1));
+      for (int r = 0; r < rows; ++r) {
+        for (int c = 0; c < columns; ++c) ASSERT_EQ(result(r, c), around(kernel, data, r, c));
+      }
+      const int step = std::max(1, (rows - n) * (columns - n) / 100);
+      const int inner = std::max(rows - n + 1, 0) * std::max(columns - n + 1, 0);
+      for (int k = 1; k <= inner / step; ++k) expected.push_back(k);
+      EXPECT_EQ(reported, expected) << n << ' ' << rows << ' ' << columns;
+      auto inPlace = data;
+      ASSERT_EQ(KernelConvolve(kernel, inPlace, inPlace, {}), 0);
+      EXPECT_EQ(inPlace, result);
+    }
+  }
+  TDouble2DArray result{{1}};
+  EXPECT_EQ(KernelConvolve(noise(3, 4, 1), result, result, {}), -1);
+  EXPECT_EQ(KernelConvolve(noise(2, 2, 1), result, result, {}), -2);
+  EXPECT_EQ(KernelConvolve(noise(4, 3, 1), result, result, {}), -2);
+  EXPECT_EQ(KernelConvolve(noise(1, 1, 1), result, result, {}), -3);
+  EXPECT_EQ(KernelConvolve({}, result, result, {}), -3);
+  EXPECT_EQ(result, (TDouble2DArray{{1}}));
+  const auto kernel = noise(3, 3, 1);
+  const auto data = noise(9, 9, 1);
+  EXPECT_THROW(static_cast<void>(KernelConvolve(kernel, data, result,
+                                                [](TObject*, int) { throw EZELError("stop"); })),
+               EZELError);
+  test::expectFailuresHarmless<EZELMath2Error>(
+      [&] { static_cast<void>(ApplyKirschKernel(1, data, result, {})); },
+      "KernelConvolve: not enough memory", [&] { EXPECT_EQ(result, (TDouble2DArray{{1}})); },
+      [&] { result = TDouble2DArray{{1}}; });
+  EXPECT_EQ(KernelConvolve(kernel, {}, result, {}), 0);
+  EXPECT_TRUE(result.empty());
+}
+
+// The kernel of a direction is the response to a unit impulse, turned round.
+TEST(EdgeOperators, HaveTheKernelsOfTheirDirections) {
+  const Numbers compass[] = {{-1, -1, -1, 1, -2, 1, 1, 1, 1}, {1, -1, -1, 1, -2, -1, 1, 1, 1},
+                             {1, 1, -1, 1, -2, -1, 1, 1, -1}, {1, 1, 1, 1, -2, -1, 1, -1, -1},
+                             {1, 1, 1, 1, -2, 1, -1, -1, -1}, {1, 1, 1, -1, -2, 1, -1, -1, 1},
+                             {-1, 1, 1, -1, -2, 1, -1, 1, 1}, {-1, -1, 1, -1, -2, 1, 1, 1, 1}};
+  const Numbers kirsch[] = {{-3, -3, -3, -3, 0, -3, 5, 5, 5}, {-3, -3, -3, 5, 0, -3, 5, 5, -3},
+                            {5, -3, -3, 5, 0, -3, 5, -3, -3}, {5, 5, -3, 5, 0, -3, -3, -3, -3},
+                            {5, 5, 5, -3, 0, -3, -3, -3, -3}, {-3, 5, 5, -3, 0, 5, -3, -3, -3},
+                            {-3, -3, 5, -3, 0, 5, -3, -3, 5}, {-3, -3, -3, -3, 0, 5, -3, 5, 5}};
+  TDouble2DArray impulse(5, 5), result;
+  impulse(2, 2) = 1;
+  const auto kernelOf = [&] {
+    Numbers cells;
+    for (int r = 3; r >= 1; --r) {
+      for (int c = 3; c >= 1; --c) cells.push_back(result(r, c));
+    }
+    return cells;
+  };
+  for (int direction = 0; direction < 8; ++direction) {
+    ASSERT_EQ(ApplyCompassKernel(direction, impulse, result, {}), 0);
+    EXPECT_EQ(kernelOf(), compass[direction]) << direction;
+    ASSERT_EQ(ApplyKirschKernel(direction, impulse, result, {}), 0);
+    EXPECT_EQ(kernelOf(), kirsch[direction]) << direction;
+  }
+  EXPECT_EQ(ApplyCompassKernel(8, impulse, result, {}), -1);
+  EXPECT_EQ(ApplyKirschKernel(-1, impulse, result, {}), -1);
+}
+
+void fillWithNoise(TBitmap& image, unsigned seed) {
+  std::mt19937 random(seed);
+  for (int y = 0; y < image.Height(); ++y) {
+    for (TColor& color : image.Row(y)) color = static_cast<TColor>(random() & 0xFFFFFFu);
+  }
+}
+
+TEST(ImageCorrelation, IsThatOfThePixelsInTheAreas) {
+  TBitmap a(17, 12), b(20, 15);
+  fillWithNoise(a, 1);
+  fillWithNoise(b, 2);
+  const std::pair<TRect, TRect> areas[] = {{{0, 0, 16, 11}, {3, 2, 19, 13}},
+                                           {{-4, -3, 12, 20}, {5, -1, 21, 22}},
+                                           {{14, 10, 30, 30}, {-9, -9, 7, 11}},
+                                           {{-40, 3, 14, 5}, {1, 13, 55, 15}}};
+  for (int mode = icmRed; mode <= icmGrayValues; ++mode) {
+    const auto value = [&](TColor color) {
+      double hsi[3];
+      RGBtoHSI(RedOf(color), GreenOf(color), BlueOf(color), hsi[0], hsi[1], hsi[2]);
+      const std::vector<double> values{
+          double(RedOf(color)),
+          double(BlueOf(color)),
+          double(GreenOf(color)),
+          hsi[2],
+          hsi[0],
+          hsi[1],
+          double(RGBtoGray(RedOf(color), GreenOf(color), BlueOf(color)))};
+      return values[static_cast<std::size_t>(mode)];
+    };
+    for (const auto& [area1, area2] : areas) {
+      TCurveFit fit;
+      for (int y = area1.Top; y <= area1.Bottom; ++y) {
+        for (int x = area1.Left; x <= area1.Right; ++x) {
+          fit.EnterStatValue(value(a.GetPixel(x, y)), value(b.GetPixel(x - area1.Left + area2.Left,
+                                                                       y - area1.Top + area2.Top)));
+        }
+      }
+      EXPECT_NEAR(CalcImgCorrelation(&a, &b, area1, area2, static_cast<TImgCompareMode>(mode)),
+                  fit.GetRxy(), 1e-14)
+          << mode;
+    }
+  }
+  const TRect all{0, 0, 16, 11};
+  EXPECT_EQ(CalcImgCorrelation(&a, &a, all, all, icmHue), 1);
+  EXPECT_EQ(CalcImgCorrelation(&a, nullptr, all, all, icmRed), 0);
+  EXPECT_EQ(CalcImgCorrelation(&a, &b, {0, 0, 0, 1}, {0, 0, 0, 1}, icmRed), 0) << "two pixels";
+  EXPECT_EQ(CalcImgCorrelation(&a, &b, {5, 5, 2, 2}, {3, 3, 0, 0}, icmRed), 0);
+  const TRect huge{-kMost, -kMost, kMost, kMost};
+  EXPECT_NEAR(CalcImgCorrelation(&a, &a, huge, huge, icmRed), 1, 1e-15);
+  EXPECT_THROW_MSG(static_cast<void>(CalcImgCorrelation(&a, &b, all, {0, 0, 16, 12}, icmRed)),
+                   EZELMath2Error, "image ranges to compare are not of equal size");
+}
+
+TEST(TestSignals, FollowTheirFormulas) {
+  TDoubleArray y(50, 3.0);
+  ASSERT_EQ(CreateSigmoidArray(y, 0.7, -2, 5, 20), 0);
+  EXPECT_EQ(y[19], 0.5) << "half way up at the centre";
+  for (int i = 1; i <= 50; ++i) {
+    ASSERT_NEAR(y[static_cast<std::size_t>(i - 1)], 5 * (1 + std::tanh(0.35 * (i - 20))) / 2 - 2,
+                1e-14);
+  }
+  ASSERT_EQ(CreateSigmoidArray(y, 1e308, 0, 1, -kMost), 0);
+  EXPECT_EQ(y[0], 1);
+  ASSERT_EQ(CreateGaussianPeaks(TPeakParamsList{{10, 2, 3}, {30, 5, -1}}, y), 0);
+  EXPECT_NEAR(y[11], 3 / std::exp(1) - std::exp(-std::pow(18 / 5.0, 2)), 1e-15);
+  EXPECT_NEAR(y[29], -1, 1e-15);
+  TDoubleArray two(2, 9.0);
+  EXPECT_EQ(CreateSigmoidArray(two, 1, 0, 1, 1), -1);
+  EXPECT_EQ(CreateGaussianPeaks({}, two), -2);
+  EXPECT_EQ(CreateGaussianPeaks({}, y), -1);
+  EXPECT_NEAR(y[29], -1, 1e-15) << "unchanged";
+  EXPECT_EQ(two, TDoubleArray(2, 9.0));
+
+  TDouble2DArray peak(6, 9), flat(1, 9);
+  ASSERT_EQ(Gauss2D(2, 7, 1.5, 4, peak), 0);
+  EXPECT_EQ(peak(1, 6), 4);
+  EXPECT_NEAR(peak(4, 4), 4 * std::exp(-(9 + 4) / 2.25), 1e-15);
+  EXPECT_EQ(Gauss2D(2, 7, 0, 4, peak), -1);
+  EXPECT_EQ(Gauss2D(2, 7, 0, 4, flat), -2);
+  EXPECT_EQ(peak(1, 6), 4);
+}
+
+TEST(GaussKernels, DependOnTheDistance) {
+  TVector x{1, 2}, y{3, 2, 1};
+  TMatrix rows;
+  rows.Resize(3, 2);
+  for (int c = 1; c <= 3; ++c) rows.SetVal(c, 2, y(c));
+  EXPECT_DOUBLE_EQ(CalcGaussKernel(&x, &y, 2), std::exp(-5 / 4.0));
+  EXPECT_DOUBLE_EQ(CalcGaussKernelMat(&x, &rows, 2, 2), std::exp(-5 / 4.0));
+  EXPECT_DOUBLE_EQ(CalcGaussKernelMat(&y, &rows, 9, 2), std::exp(-14 / 4.0));
+  EXPECT_DOUBLE_EQ(CalcGaussKernel(&y, &x, 2), std::exp(-1.0)) << "the third element has no part";
+  EXPECT_EQ(CalcGaussKernel(&x, &y, 0.1), std::exp(-20));
+  EXPECT_EQ(CalcGaussKernel(&x, &y, 0), std::exp(-20));
+  EXPECT_EQ(CalcGaussKernel(&x, &x, 1e-200), 1);
+  EXPECT_EQ(CalcGaussKernel(&x, nullptr, 1), 0);
+  TMatrix wide;
+  wide.Resize(1000, 1);
+  wide.Fill(0.1);
+  const TVector shorter(Numbers(600, 0.2));
+  EXPECT_DOUBLE_EQ(CalcGaussKernelMat(&shorter, &wide, 1, 3), std::exp(-10 / 9.0));
+}
+
+}  // namespace
+}  // namespace zel
