@@ -14,7 +14,6 @@ namespace {
 
 using Numbers = std::vector<double>;
 
-constexpr double kInf = std::numeric_limits<double>::infinity();
 constexpr int kMost = std::numeric_limits<int>::max();
 
 TDouble2DArray noise(int rows, int columns, unsigned seed) {
