@@ -12,11 +12,9 @@ namespace zel {
 /// y[i] = A0 x[i] + sum over k = 1..NPoles of (A_k x[i - k] + B_k y[i - k]). The gain is 1 at
 /// frequency 0, of a high-pass at one half of the sampling rate.
 /// @param NPoles  even, at most 20: with more, the rounding of the coefficients alone would move
-/// the
-///   poles out of the unit circle. 0 or less: A0 = 1, and Coeffs has one row of zeros.
+///   the poles out of the unit circle. 0 or less: A0 = 1, and Coeffs has one row of zeros.
 /// @param Cutoff  as a fraction of the sampling rate, 0..0.5. A low-pass of 0 and a high-pass of
-/// 0.5
-///   pass nothing: all coefficients are 0.
+///   0.5 pass nothing: all coefficients are 0.
 /// @param Ripple  of the pass band, in percent, 0..29; 0 gives a Butterworth filter
 /// @param Coeffs  2 columns and NPoles rows: A_k in column 1, B_k in column 2 of row k. OnChange
 ///   fires once. Null: nothing is done beyond A0.

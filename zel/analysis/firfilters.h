@@ -28,12 +28,10 @@ ZEL_API void MovingKernelFilter(const TVector* SourceVec, int LowElem, int HighE
 
 /// Low-pass kernel of KernelLeng taps, centred on tap KernelLeng div 2 + 1; the taps add up to 1.
 /// @param Fc       cut-off frequency as a fraction of the sampling rate, limited to 0..0.5; at 0
-/// all
-///   taps are 0
+///   all taps are 0
 /// @param WinType  1: Hamming, 2: Blackman, otherwise no window
 /// @param Kernel   resized to KernelLeng. A length below 1 leaves a vector alone and an array
-/// empty;
-///   null: nothing happens. OnChange fires once.
+///   empty. OnChange fires once. Nothing happens for null.
 /// @throws EZELMath2Error  "CalcSincLPKernel: not enough memory"; Kernel is unchanged then
 ZEL_API void CalcSincLPKernel(int KernelLeng, double Fc, int WinType, TVector* Kernel);
 ZEL_API void CalcSincLPKernel(int KernelLeng, double Fc, int WinType, TDoubleArray& Kernel);

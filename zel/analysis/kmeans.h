@@ -32,10 +32,11 @@ namespace zel {
 /// Results may be null.
 /// @return sum of the squared distances of the objects from the centres of their clusters; -1 if
 ///   stopped; 0, with nothing changed, for a null DataMat
-/// @throws EZELMath2Error  "kMeansClustering: number of clusters is greater than number of
-/// objects";
-///   "kMeansClustering: not enough memory"; with complete results "kMeansClustering: max. number of
-///   iterations exceeded", after more than 1000 passes
+/// @throws EZELMath2Error
+///   "kMeansClustering: number of clusters is greater than number of objects";
+///   "kMeansClustering: not enough memory";
+///   "kMeansClustering: max. number of iterations exceeded", after more than 1000 passes, with
+///   complete results
 /// Finds a local minimum. O(rows * NumClust * columns) for each pass.
 /// Method: Lloyd, IEEE Trans. Inf. Theory 28 (1982) 129.
 ZEL_API double kMeansClustering(const TMatrix* DataMat, int Reserved1, int Reserved2, int NumClust,

@@ -27,7 +27,8 @@ enum TKnnWMode : std::uint8_t { kwmGauss, kwmAverage, kwmMedian, kwmLinear, kwmB
 ///   has fewer neighbours the mean is over these
 /// @param LowRow, HighRow  each limited to 1..rows, a reversed pair exchanged
 /// @param MeanDist         element i is that of row i; not resized. Not-a-number without
-/// neighbours. Nothing happens for null or without rows.
+///   neighbours.
+/// Nothing happens for null or without rows.
 /// @throws EZELMath2Error  "MeanDistanceKNN: not enough memory"; nothing is changed then
 /// O(rows^2 * columns).
 ZEL_API void MeanDistanceKNN(const TMatrix* DataMat, int NumNeighbors, int LowRow, int HighRow,
@@ -37,8 +38,7 @@ ZEL_API void MeanDistanceKNN(const TMatrix* DataMat, int NumNeighbors, int LowRo
 /// @param NumNeighbors     limited to 100 and to the number of rows; below 1: nothing happens
 /// @param LowRow, HighRow  range of rows, clamped; (0, 0): all
 /// @param Probe            coordinates of the point; the distance is over its elements, those
-/// beyond
-///   the columns of DataMat facing zeros
+///   beyond the columns of DataMat facing zeros
 /// @param NNList           not resized; rows 1..NumNeighbors take the row (column 1) and its
 ///   distance (column 2), or 0 and the largest double where there is no neighbour left
 /// @param DistFunc         if assigned, gives the distances; Probe is not used then
@@ -53,11 +53,11 @@ ZEL_API void FindNearestNeighbors(int NumNeighbors, const TMatrix* DataMat, int 
 /// rows and their distances d, whose mean is m (0.001 if it is 0):
 /// - kwmGauss: mean with the weights exp(-(d KernelWidth / m)^2)
 /// - kwmAverage: mean; kwmMedian: median
-/// - kwmLinear: mean with the weights 1 - d / (m KernelWidth), where they are positive; 0 if none
-/// is
+/// - kwmLinear: mean with the weights 1 - d / (m KernelWidth), where they are positive;
+///   0 if there is none
 /// - kwmBiQuad: value of the full quadratic polynomial in all variables that fits the targets of
-/// the
-///   neighbours by least squares, of least norm where they do not determine it; 0 if the fit fails
+///   the neighbours by least squares, of least norm where they do not determine it; 0 if the fit
+///   fails
 /// @param Targets       target of each row; 0 beyond its elements
 /// @param NumNeighbors  k, limited to 100 and to the number of rows
 /// @param Probe         as in FindNearestNeighbors

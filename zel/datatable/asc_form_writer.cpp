@@ -8,6 +8,7 @@
 #include "zel/base/ascheader_impl.h"
 #include "zel/base/ascii_impl.h"
 #include "zel/base/numbertext_impl.h"
+#include "zel/base/textwriter_impl.h"
 #include "zel/datatable/asc_form_impl.h"
 
 namespace zel::detail {
@@ -17,7 +18,6 @@ namespace {
 constexpr int kShortest = -1;
 /// Of values with a fixed number of decimals, as the vectors write them.
 constexpr std::size_t kWidth = 12;
-constexpr std::size_t kBlock = std::size_t{1} << 16;
 
 template <class Number>
 void append(std::string& text, Number x) {
@@ -59,10 +59,10 @@ bool hasOtherNames(const TDynArray<TDTNameStr, 1>& names, char initial) {
   return false;
 }
 
-class TASCWriter {
+class TASCWriter : TextWriter {
  public:
   TASCWriter(std::ostream& out, const TTableView& table, int precision)
-      : FOut(out), FTable(table), FArrays(table.Arrays), FPrecision(precision) {}
+      : TextWriter(out), FTable(table), FArrays(table.Arrays), FPrecision(precision) {}
 
   void write(std::string_view fileName, const TStr2DArray& custData) {
     writeHeader(fileName);
@@ -75,14 +75,6 @@ class TASCWriter {
   }
 
  private:
-  void flush() {
-    FOut << FText;
-    FText.clear();
-  }
-  void flushIfLong() {
-    if (FText.size() > kBlock) flush();
-  }
-
   void writeHeader(std::string_view fileName) {
     FHasAttributes = std::ranges::any_of(FArrays.FRowAtt, [](int a) { return a != 0; });
     FHasRowNames = hasOtherNames(FArrays.FRowName, 'R');
@@ -258,14 +250,12 @@ class TASCWriter {
     }
   }
 
-  std::ostream& FOut;
   const TTableView& FTable;
   const TTableArrays& FArrays;
   int FPrecision;
   bool FHasAttributes = false;
   bool FHasRowNames = false;
   bool FHasMore = false;
-  std::string FText;  ///< what is not written yet
 };
 
 }  // namespace

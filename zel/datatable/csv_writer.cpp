@@ -1,6 +1,7 @@
 #include <string>
 
 #include "zel/base/numbertext_impl.h"
+#include "zel/base/textwriter_impl.h"
 #include "zel/datatable/csv_form_impl.h"
 
 namespace zel::detail {
@@ -9,10 +10,10 @@ namespace {
 
 constexpr std::uint8_t kEmpty = 2;
 
-class TCsvWriter {
+class TCsvWriter : TextWriter {
  public:
   TCsvWriter(std::ostream& out, const TTableView& table, const TCSVExport& how)
-      : FOut(out), FTable(table), FHow(how) {}
+      : TextWriter(out), FTable(table), FHow(how) {}
 
   void write() {
     const TTableArrays& arrays = FTable.Arrays;
@@ -31,7 +32,7 @@ class TCsvWriter {
       for (std::size_t c = 0; c < FTable.Columns(); ++c) addCell(c, r);
       endRow();
     }
-    FOut << FText;
+    flush();
   }
 
  private:
@@ -72,15 +73,11 @@ class TCsvWriter {
 
   void endRow() {
     FText.back() = '\n';
-    if (FText.size() < 1 << 16) return;
-    FOut << FText;
-    FText.clear();
+    flushIfLong();
   }
 
-  std::ostream& FOut;
   const TTableView& FTable;
   const TCSVExport& FHow;
-  std::string FText;
 };
 
 }  // namespace

@@ -10,6 +10,7 @@
 
 #include "zel/base/numbertext_impl.h"
 #include "zel/base/stringhelpers.h"
+#include "zel/base/textwriter_impl.h"
 #include "zel/base/xmltags.h"
 
 namespace zel::detail {
@@ -290,9 +291,9 @@ bool ReadXmlTable(XmlReader& reader, std::string_view DataID, TXmlTable& table,
 
 namespace {
 
-class TXmlWriter {
+class TXmlWriter : public TextWriter {
  public:
-  explicit TXmlWriter(std::ostream& out) : FOut(out) {}
+  using TextWriter::TextWriter;
 
   TXmlWriter& operator<<(std::string_view text) {
     FText += text;
@@ -331,18 +332,8 @@ class TXmlWriter {
   /// @return false if no more can be written
   bool endLine() {
     FText += '\n';
-    if (FText.size() < 1 << 16) return true;
-    flush();
-    return FOut.good();
+    return flushIfLong();
   }
-  void flush() {
-    FOut << FText;
-    FText.clear();
-  }
-
- private:
-  std::ostream& FOut;
-  std::string FText;
 };
 
 /// A container with a line for each entry of a list that isWritten accepts; nothing if there are

@@ -199,11 +199,9 @@ class ZEL_API TMatrix : public TNumMatrix<double> {
   /// With AutoDetect: reads a table of numbers without bounds, each line a row. What follows "//"
   /// in a line does not count; if some lines carry the mark "//dig", only these are rows. OnChange
   /// fires once at the end, and for a resize.
-  /// @param AdjustMatrixSize  the matrix gets the size of the table, which otherwise must fit into
-  /// it
+  /// @param AdjustMatrixSize  the matrix gets the size of the table, which must fit otherwise
   /// @return false, with nothing changed, if the file cannot be read, has no rows or rows of
-  /// different
-  ///   length, a word is no number, or the table does not fit
+  ///   different length, a word is no number, or the table does not fit
   /// @throws EZELMatrixError  `: not enough memory on heap`
   bool LoadFromFile(std::string_view FileName, bool AdjustMatrixSize, bool AutoDetect);
 

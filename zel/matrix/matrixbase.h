@@ -113,8 +113,8 @@ class TNumMatrix : public TComponent {
                 int SourceRowHi, int DestCol, int DestRow);
   /// Copies elements of a vector (range clamped by the vector's rule) along Dim, from (DestCol,
   /// DestRow) on: dimColumns across one row, dimRows down one column. What falls outside is
-  /// dropped. OnChange fires for each element stored and once more at the end. Null: nothing
-  /// happens.
+  /// dropped. OnChange fires for each element stored and once more at the end. Nothing happens for
+  /// a null vector.
   void CopyFromVec(TDims Dim, const TVectorType* VecSource, int Source1stElem, int SourceLastElem,
                    int DestCol, int DestRow);
   /// The same down one column.
@@ -143,8 +143,8 @@ class TNumMatrix : public TComponent {
   void FillDiag(T value);
 
   /// Removes a column (a row); those behind it move up. Fires OnChange once.
-  /// @return false, with nothing changed, for an index outside the matrix and for the last column
-  /// (row)
+  /// @return false, with nothing changed, for an index outside the matrix and for the last
+  ///   column (row)
   bool RemoveColumn(int col);
   bool RemoveRow(int row);
   /// Exchanges two columns (rows) and fires OnChange. Outside the matrix: nothing happens.
@@ -293,8 +293,7 @@ class TNumMatrix : public TComponent {
   /// Reads a record of SaveToStream into the cells that it was written from. OnChange fires once at
   /// the end, and for a resize.
   /// @param AdjustMatrixSize  resize to HighCol x HighRow first; cells outside the record keep
-  /// their
-  ///   values
+  ///   their values
   /// @return false, with nothing changed, if the stream is null, the record is cut off or has no
   ///   proper bounds, it does not fit into the matrix, or, with AdjustMatrixSize, HighCol x HighRow
   ///   exceeds what it holds by more than 2^24 cells

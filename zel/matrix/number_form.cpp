@@ -13,6 +13,7 @@
 #include "zel/base/numbertext_impl.h"
 #include "zel/base/rounding.h"
 #include "zel/base/textreading.h"
+#include "zel/base/textwriter_impl.h"
 #include "zel/vector/files_impl.h"
 
 namespace zel::detail {
@@ -21,9 +22,9 @@ namespace {
 
 // Writing.
 
-class TNumberWriter {
+class TNumberWriter : public TextWriter {
  public:
-  TNumberWriter(std::ostream& out, TNumberFormat format) : FOut(out), FFormat(format) {}
+  TNumberWriter(std::ostream& out, TNumberFormat format) : TextWriter(out), FFormat(format) {}
 
   template <class T>
   void value(T x) {
@@ -41,21 +42,11 @@ class TNumberWriter {
   /// @return false if no more can be written
   bool separator(char c) {
     FText += c;
-    if (FText.size() < kBlock) return true;
-    flush();
-    return FOut.good();
-  }
-  void flush() {
-    FOut << FText;
-    FText.clear();
+    return flushIfLong();
   }
 
  private:
-  static constexpr std::size_t kBlock = std::size_t{1} << 16;
-
-  std::ostream& FOut;
   TNumberFormat FFormat;
-  std::string FText;
 };
 
 template <class T>

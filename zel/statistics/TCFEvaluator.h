@@ -113,9 +113,8 @@ class ZEL_API TCFEvaluator : public TComponent {
   /// confusion matrix of the last threshold of the scan is left behind.
   ///
   /// @param ROCCoords  [point][0: false-positive rate, 1: true-positive rate, 2: threshold]; a
-  /// point
-  ///   for each different estimate from the largest down, after the first object that has it, and
-  ///   one for the end
+  ///   point for each different estimate from the largest down, after the first object that has
+  ///   it, and one for the end
   /// @param BestROC  0-based point at or after which the two rates first differ most
   /// @param AUC  area under the curve through every single object. Objects with equal estimates
   ///   count in the order that the sort leaves.
