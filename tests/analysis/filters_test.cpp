@@ -1,9 +1,12 @@
 // Kernel filters, windowed-sinc kernels and recursive filters.
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <complex>
 #include <limits>
 #include <numbers>
 #include <random>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -55,9 +58,7 @@ TEST(KernelFilter, RepeatsTheEndsOfTheRange) {
       ASSERT_EQ(y(i - kLow + 1), sum) << taps << ' ' << i;
     }
     EXPECT_EQ(y(kHigh - kLow + 2), 5);
-    TVector inPlace, asKernel;
-    inPlace.Clone(&x);
-    asKernel.Clone(&kernel);
+    TVector inPlace(x.Elements()), asKernel(kernel.Elements());
     MovingKernelFilter(&inPlace, kLow, kHigh, &inPlace, &kernel);
     MovingKernelFilter(&x, kLow, kHigh, &asKernel, &asKernel);
     for (int i = 1; i <= kHigh - kLow + 1; ++i) {
@@ -116,8 +117,6 @@ TEST(SincKernels, FollowTheFormulaAndPassTheirBand) {
       EXPECT_NEAR(gainOf(*kernels[k], frequencies[f]), gains[k][f], 1e-3) << k << ' ' << f;
     }
   }
-  CalcSincLPKernel(5, 0, 1, low);
-  EXPECT_EQ(low, Numbers(5));
   CalcSincLPKernel(7, -1, 0, low);
   EXPECT_EQ(low, Numbers(7));
   CalcSincHPKernel(4, 0.5, 0, low);
@@ -140,66 +139,36 @@ double gainOf(double a0, const TMatrix& c, double frequency) {
   return std::abs(above / below);
 }
 
-// From SciPy 1.10: cheb1ap (poles divided by cosh(acosh(1 / es) / N), so that the cut-off is where
-// the ripple formula gives one half) or buttap, lp2lp or lp2hp at 2 tan(pi fc), bilinear, gain 1.
-TEST(ChebyshevDesign, AgreesWithAnotherDesignOfTheSameFilters) {
-  struct Case {
-    int poles;
-    bool highPass;
-    double cutoff, ripple;
-    Numbers a, b;
-  };
-  const Case cases[] = {
-      {4,
-       false,
-       0.1,
-       0.5,
-       {0.002780756867618, 0.01112302747047, 0.01668454120571, 0.01112302747047, 0.002780756867618},
-       {2.764030504704, -3.122852678359, 1.664553024105, -0.3502229603332}},
-      {6,
-       true,
-       0.2,
-       0,
-       {0.07011541349245, -0.4206924809547, 1.051731202387, -1.402308269849, 1.051731202387,
-        -0.4206924809547, 0.07011541349245},
-       {1.187600680176, -1.305213349289, 0.674327525298, -0.2634693482801, 0.05175303387964,
-        -0.005022526595088}},
-      {2,
-       false,
-       0.05,
-       10,
-       {0.01612788627902, 0.03225577255804, 0.01612788627902},
-       {1.685467042675, -0.7499785877915}}};
-  for (const Case& c : cases) {
-    double a0 = 0;
-    TMatrix coeffs;
-    const test::Events events(coeffs);
-    CalcChebFilterCoeffs(c.poles, c.highPass, c.cutoff, c.ripple, a0, &coeffs);
-    EXPECT_EQ(events.count, 1);
-    ASSERT_EQ(coeffs.NrOfRows(), c.poles);
-    ASSERT_EQ(coeffs.NrOfColumns(), 2);
-    EXPECT_NEAR(a0, c.a[0], 1e-12);
-    for (int k = 1; k <= c.poles; ++k) {
-      EXPECT_NEAR(coeffs(1, k), c.a[static_cast<std::size_t>(k)], 1e-12) << k;
-      EXPECT_NEAR(coeffs(2, k), c.b[static_cast<std::size_t>(k - 1)], 1e-11) << k;
-    }
-  }
+/// The gain of a Chebyshev low-pass of type 1 (of a Butterworth one without ripple) at x times the
+/// cut-off, both on the analogue scale. It is 1 at 0; the cut-off is where the power is one half of
+/// the greatest.
+double promisedGain(int poles, double ripple, double x) {
+  if (ripple < 1e-9) return 1 / std::sqrt(1 + std::pow(x, 2 * poles));
+  const double es = std::sqrt(std::pow(100 / (100 - ripple), 2) - 1);
+  const double u = x * std::cosh(std::acosh(1 / es) / poles);
+  const double t = u > 1 ? std::cosh(poles * std::acosh(u)) : std::cos(poles * std::acos(u));
+  return std::sqrt((1 + es * es) / (1 + es * es * t * t));
 }
 
 TEST(ChebyshevDesign, HasTheGainsThatItPromises) {
-  for (const int poles : {2, 8, 20}) {
-    for (const double ripple : {0.0, 1e-300, 0.5, 29.0}) {
-      for (const double cutoff : {0.2, 0.25, 0.3}) {
-        double a0;
+  for (const int poles : {2, 4, 6, 20}) {
+    for (const double ripple : {0.0, 1e-300, 0.5, 10.0, 29.0}) {
+      for (const double cutoff : {0.1, 0.2, 0.25, 0.3}) {
+        if (poles == 20 && cutoff < 0.2) continue;  // too few digits are left
+        double a0 = 0, highA0 = 0;
         TMatrix low, high;
+        const test::Events events(low);
         CalcChebFilterCoeffs(poles, false, cutoff, ripple, a0, &low);
-        const double es = std::sqrt(std::pow(100 / (100 - ripple), 2) - 1);
-        EXPECT_NEAR(gainOf(a0, low, 0), 1, 1e-6);
-        EXPECT_NEAR(gainOf(a0, low, cutoff), std::sqrt((1 + es * es) / 2), 1e-3)
-            << poles << ' ' << ripple;
-        CalcChebFilterCoeffs(poles, true, 0.5 - cutoff, ripple, a0, &high);
-        EXPECT_NEAR(gainOf(a0, high, 0.5), 1, 1e-6);
-        EXPECT_NEAR(gainOf(a0, high, 0.5 - cutoff), std::sqrt((1 + es * es) / 2), 1e-3);
+        EXPECT_EQ(events.count, 1);
+        ASSERT_EQ(low.NrOfRows(), poles);
+        CalcChebFilterCoeffs(poles, true, 0.5 - cutoff, ripple, highA0, &high);
+        const double allowed = poles == 20 ? 1e-3 : 1e-9;
+        for (const double f : {0.0, 0.05, 0.15, 0.22, 0.28, 0.4}) {
+          SCOPED_TRACE(testing::Message() << poles << ' ' << ripple << ' ' << cutoff << ' ' << f);
+          const double x = std::tan(kPi * f) / std::tan(kPi * cutoff);
+          EXPECT_NEAR(gainOf(a0, low, f), promisedGain(poles, ripple, x), allowed);
+          EXPECT_NEAR(gainOf(highA0, high, 0.5 - f), promisedGain(poles, ripple, x), allowed);
+        }
       }
     }
   }
@@ -209,17 +178,15 @@ TEST(ChebyshevDesign, RefusesWhatItCannotMake) {
   double a0 = 7;
   TMatrix c;
   const double nan = std::numeric_limits<double>::quiet_NaN();
-  const auto refuses = [&](int poles, double cutoff, double ripple, const std::string& text) {
+  const std::tuple<int, double, double, const char*> refused[] = {
+      {3, 0.6, 30, "NPoles must be even"},       {-1, 0.1, 1, "NPoles must be even"},
+      {2, 0.6, 29.5, "invalid Ripple value"},    {2, 0.6, nan, "invalid Ripple value"},
+      {22, -0.1, 0, "invalid cutoff frequency"}, {2, nan, 0, "invalid cutoff frequency"},
+      {22, 0.1, 0, "NPoles must not exceed 20"}};
+  for (const auto& [poles, cutoff, ripple, text] : refused) {
     EXPECT_THROW_MSG(CalcChebFilterCoeffs(poles, false, cutoff, ripple, a0, &c), EZELMath2Error,
-                     "CalcChebFilterCoeffs: " + text);
-  };
-  refuses(3, 0.6, 30, "NPoles must be even");
-  refuses(-1, 0.1, 1, "NPoles must be even");
-  refuses(2, 0.6, 29.5, "invalid Ripple value");
-  refuses(2, 0.6, nan, "invalid Ripple value");
-  refuses(22, -0.1, 0, "invalid cutoff frequency");
-  refuses(2, nan, 0, "invalid cutoff frequency");
-  refuses(22, 0.1, 0, "NPoles must not exceed 20");
+                     std::string("CalcChebFilterCoeffs: ").append(text));
+  }
   EXPECT_EQ(a0, 7);
   CalcChebFilterCoeffs(0, false, 0.1, 0, a0, &c);
   EXPECT_EQ(a0, 1);
@@ -233,10 +200,9 @@ TEST(ChebyshevDesign, RefusesWhatItCannotMake) {
 TVector filteredByDefinition(const TVector& x, int low, int high, double a0, const TMatrix& c,
                              const TVector& dest) {
   const int p = c.NrOfRows(), pad = p + 1, e = high + 2 * pad;
-  TVector t1, t2, result;
+  TVector t1, t2, result(dest.Elements());
   t1.Resize(e);
   t2.Resize(e);
-  result.Clone(&dest);
   for (int i = 1; i <= e; ++i) {
     double sum = a0 * x(i - pad);
     for (int k = 1; k <= p; ++k) sum += c(1, k) * x(i - k - pad) + c(2, k) * t1(i - k);
@@ -252,31 +218,23 @@ TVector filteredByDefinition(const TVector& x, int low, int high, double a0, con
 }
 
 TEST(ChebychevFilter, RunsForwardsAndBackwards) {
-  struct Case {
-    int poles, low, high, destSize;
-  };
-  for (const Case& c : {Case{2, 1, 200, 200}, Case{4, 1, 150, 200}, Case{6, 30, 90, 50},
-                        Case{4, -9, 260, 300}, Case{2, 9, 3, 20}, Case{2, -5, 0, 20}}) {
-    const TVector x(noise(200));
+  const std::array<int, 4> cases[] = {{2, 1, 200, 200},  {4, 1, 150, 200}, {6, 30, 90, 50},
+                                      {4, -9, 260, 300}, {2, 9, 3, 20},    {2, -5, 0, 20}};
+  for (const auto& [poles, low, high, destSize] : cases) {
+    TVector x(noise(200)), dest(Numbers(static_cast<std::size_t>(destSize), 8.0));
     double a0;
     TMatrix coeffs;
-    CalcChebFilterCoeffs(c.poles, false, 0.1, 0.5, a0, &coeffs);
-    TVector dest;
-    dest.Resize(c.destSize);
-    dest.Fill(8);
-    const TVector expected = filteredByDefinition(x, c.low, std::max(c.high, 1), a0, coeffs, dest);
+    CalcChebFilterCoeffs(poles, false, 0.1, 0.5, a0, &coeffs);
+    const TVector expected = filteredByDefinition(x, low, std::max(high, 1), a0, coeffs, dest);
+    const TVector whole = filteredByDefinition(x, 1, 200, a0, coeffs, x);
     const test::Events events(dest);
-    ChebychevFilter(&x, c.low, c.high, &dest, a0, &coeffs);
+    ChebychevFilter(&x, low, high, &dest, a0, &coeffs);
     EXPECT_EQ(events.count, 0);
-    for (int i = 1; i <= c.destSize; ++i) {
-      const double value = i >= c.low && i <= c.high ? expected(i) : 8;
-      ASSERT_NEAR(dest(i), value, 1e-11) << c.poles << ' ' << i;
+    for (int i = 1; i <= destSize; ++i) {
+      ASSERT_NEAR(dest(i), i >= low && i <= high ? expected(i) : 8, 1e-11) << poles << ' ' << i;
     }
-    TVector inPlace, whole(noise(200));
-    inPlace.Clone(&x);
-    ChebychevFilter(&x, 1, 200, &whole, a0, &coeffs);
-    ChebychevFilter(&inPlace, 1, 200, &inPlace, a0, &coeffs);
-    EXPECT_EQ(test::contents(inPlace), test::contents(whole));
+    ChebychevFilter(&x, 1, 200, &x, a0, &coeffs);
+    for (int i = 1; i <= 200; ++i) ASSERT_NEAR(x(i), whole(i), 1e-11) << "in place";
   }
   TMatrix oneColumn;
   TVector x{1, 2, 3}, y{0, 0, 0};

@@ -1,7 +1,9 @@
 // Small kernels on images, correlation of pictures, test signals, Gaussian kernels.
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <random>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -45,14 +47,9 @@ TEST(KernelConvolve, SumsAroundEveryCellAndReportsInnerCells) {
       const auto data = noise(rows, columns, 2);
       TDouble2DArray result;
       Numbers reported, expected;
-      ASSERT_EQ(KernelConvolve(kernel, data, result,
-                               [&](TObject* sender, int percent) {
-                                 EXPECT_EQ(sender, nullptr);
-                                 reported.push_back(percent);
-                               }),
-                0);
-      ASSERT_EQ(result.Length(0), data.Length(0));
-      ASSERT_EQ(result.Length(1), data.Length(1));
+      const auto report = [&](TObject*, int percent) { reported.push_back(percent); };
+      ASSERT_EQ(KernelConvolve(kernel, data, result, report), 0);
+      ASSERT_EQ(result.size(), data.size());
       for (int r = 0; r < rows; ++r) {
         for (int c = 0; c < columns; ++c) ASSERT_EQ(result(r, c), around(kernel, data, r, c));
       }
@@ -66,49 +63,38 @@ TEST(KernelConvolve, SumsAroundEveryCellAndReportsInnerCells) {
     }
   }
   TDouble2DArray result{{1}};
-  EXPECT_EQ(KernelConvolve(noise(3, 4, 1), result, result, {}), -1);
-  EXPECT_EQ(KernelConvolve(noise(2, 2, 1), result, result, {}), -2);
-  EXPECT_EQ(KernelConvolve(noise(4, 3, 1), result, result, {}), -2);
-  EXPECT_EQ(KernelConvolve(noise(1, 1, 1), result, result, {}), -3);
-  EXPECT_EQ(KernelConvolve({}, result, result, {}), -3);
-  EXPECT_EQ(result, (TDouble2DArray{{1}}));
-  const auto kernel = noise(3, 3, 1);
+  const std::tuple<int, int, int> refused[] = {
+      {3, 4, -1}, {2, 2, -2}, {4, 3, -2}, {1, 1, -3}, {0, 0, -3}};
+  for (const auto& [rows, columns, code] : refused) {
+    EXPECT_EQ(KernelConvolve(noise(rows, columns, 1), result, result, {}), code);
+  }
   const auto data = noise(9, 9, 1);
-  EXPECT_THROW(static_cast<void>(KernelConvolve(kernel, data, result,
-                                                [](TObject*, int) { throw EZELError("stop"); })),
-               EZELError);
   test::expectFailuresHarmless<EZELMath2Error>(
       [&] { static_cast<void>(ApplyKirschKernel(1, data, result, {})); },
       "KernelConvolve: not enough memory", [&] { EXPECT_EQ(result, (TDouble2DArray{{1}})); },
       [&] { result = TDouble2DArray{{1}}; });
-  EXPECT_EQ(KernelConvolve(kernel, {}, result, {}), 0);
+  EXPECT_EQ(KernelConvolve(noise(3, 3, 1), {}, result, {}), 0);
   EXPECT_TRUE(result.empty());
 }
 
-// The kernel of a direction is the response to a unit impulse, turned round.
+// The kernel of a direction is the response to a unit impulse, turned round; each direction turns
+// the outer cells by one more place, clockwise.
 TEST(EdgeOperators, HaveTheKernelsOfTheirDirections) {
-  const Numbers compass[] = {{-1, -1, -1, 1, -2, 1, 1, 1, 1}, {1, -1, -1, 1, -2, -1, 1, 1, 1},
-                             {1, 1, -1, 1, -2, -1, 1, 1, -1}, {1, 1, 1, 1, -2, -1, 1, -1, -1},
-                             {1, 1, 1, 1, -2, 1, -1, -1, -1}, {1, 1, 1, -1, -2, 1, -1, -1, 1},
-                             {-1, 1, 1, -1, -2, 1, -1, 1, 1}, {-1, -1, 1, -1, -2, 1, 1, 1, 1}};
-  const Numbers kirsch[] = {{-3, -3, -3, -3, 0, -3, 5, 5, 5}, {-3, -3, -3, 5, 0, -3, 5, 5, -3},
-                            {5, -3, -3, 5, 0, -3, 5, -3, -3}, {5, 5, -3, 5, 0, -3, -3, -3, -3},
-                            {5, 5, 5, -3, 0, -3, -3, -3, -3}, {-3, 5, 5, -3, 0, 5, -3, -3, -3},
-                            {-3, -3, 5, -3, 0, 5, -3, -3, 5}, {-3, -3, -3, -3, 0, 5, -3, 5, 5}};
+  const std::pair<int, int> outer[] = {{3, 3}, {3, 2}, {3, 1}, {2, 1},
+                                       {1, 1}, {1, 2}, {1, 3}, {2, 3}};
+  const Numbers compass{-1, -1, -1, 1, 1, 1, 1, 1}, kirsch{-3, -3, -3, -3, 5, 5, 5, -3};
   TDouble2DArray impulse(5, 5), result;
   impulse(2, 2) = 1;
-  const auto kernelOf = [&] {
-    Numbers cells;
-    for (int r = 3; r >= 1; --r) {
-      for (int c = 3; c >= 1; --c) cells.push_back(result(r, c));
-    }
-    return cells;
-  };
   for (int direction = 0; direction < 8; ++direction) {
-    ASSERT_EQ(ApplyCompassKernel(direction, impulse, result, {}), 0);
-    EXPECT_EQ(kernelOf(), compass[direction]) << direction;
-    ASSERT_EQ(ApplyKirschKernel(direction, impulse, result, {}), 0);
-    EXPECT_EQ(kernelOf(), kirsch[direction]) << direction;
+    for (const auto& [apply, cells, centre] :
+         {std::tuple(&ApplyCompassKernel, compass, -2), {&ApplyKirschKernel, kirsch, 0}}) {
+      ASSERT_EQ(apply(direction, impulse, result, {}), 0);
+      EXPECT_EQ(result(2, 2), centre);
+      for (std::size_t k = 0; k < 8; ++k) {
+        const auto& [r, c] = outer[(k + static_cast<std::size_t>(direction)) % 8];
+        EXPECT_EQ(result(r, c), cells[k]) << direction << ' ' << k;
+      }
+    }
   }
   EXPECT_EQ(ApplyCompassKernel(8, impulse, result, {}), -1);
   EXPECT_EQ(ApplyKirschKernel(-1, impulse, result, {}), -1);
@@ -133,15 +119,10 @@ TEST(ImageCorrelation, IsThatOfThePixelsInTheAreas) {
     const auto value = [&](TColor color) {
       double hsi[3];
       RGBtoHSI(RedOf(color), GreenOf(color), BlueOf(color), hsi[0], hsi[1], hsi[2]);
-      const std::vector<double> values{
-          double(RedOf(color)),
-          double(BlueOf(color)),
-          double(GreenOf(color)),
-          hsi[2],
-          hsi[0],
-          hsi[1],
-          double(RGBtoGray(RedOf(color), GreenOf(color), BlueOf(color)))};
-      return values[static_cast<std::size_t>(mode)];
+      const double red = RedOf(color), green = GreenOf(color), blue = BlueOf(color);
+      const double grey = RGBtoGray(RedOf(color), GreenOf(color), BlueOf(color));
+      return Numbers{
+          red, blue, green, hsi[2], hsi[0], hsi[1], grey}[static_cast<std::size_t>(mode)];
     };
     for (const auto& [area1, area2] : areas) {
       TCurveFit fit;
@@ -180,12 +161,12 @@ TEST(TestSignals, FollowTheirFormulas) {
   ASSERT_EQ(CreateGaussianPeaks(TPeakParamsList{{10, 2, 3}, {30, 5, -1}}, y), 0);
   EXPECT_NEAR(y[11], 3 / std::exp(1) - std::exp(-std::pow(18 / 5.0, 2)), 1e-15);
   EXPECT_NEAR(y[29], -1, 1e-15);
+  const TDoubleArray before = y;
   TDoubleArray two(2, 9.0);
   EXPECT_EQ(CreateSigmoidArray(two, 1, 0, 1, 1), -1);
   EXPECT_EQ(CreateGaussianPeaks({}, two), -2);
   EXPECT_EQ(CreateGaussianPeaks({}, y), -1);
-  EXPECT_NEAR(y[29], -1, 1e-15) << "unchanged";
-  EXPECT_EQ(two, TDoubleArray(2, 9.0));
+  EXPECT_EQ(y, before);
 
   TDouble2DArray peak(6, 9), flat(1, 9);
   ASSERT_EQ(Gauss2D(2, 7, 1.5, 4, peak), 0);
@@ -205,7 +186,6 @@ TEST(GaussKernels, DependOnTheDistance) {
   EXPECT_DOUBLE_EQ(CalcGaussKernelMat(&x, &rows, 2, 2), std::exp(-5 / 4.0));
   EXPECT_DOUBLE_EQ(CalcGaussKernelMat(&y, &rows, 9, 2), std::exp(-14 / 4.0));
   EXPECT_DOUBLE_EQ(CalcGaussKernel(&y, &x, 2), std::exp(-1.0)) << "the third element has no part";
-  EXPECT_EQ(CalcGaussKernel(&x, &y, 0.1), std::exp(-20));
   EXPECT_EQ(CalcGaussKernel(&x, &y, 0), std::exp(-20));
   EXPECT_EQ(CalcGaussKernel(&x, &x, 1e-200), 1);
   EXPECT_EQ(CalcGaussKernel(&x, nullptr, 1), 0);

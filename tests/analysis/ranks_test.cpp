@@ -1,4 +1,6 @@
 // Ranks with tie correction, beside their definition by counting.
+#include <algorithm>
+#include <cmath>
 #include <limits>
 #include <random>
 
@@ -11,7 +13,6 @@ namespace zel {
 namespace {
 
 constexpr double kInf = std::numeric_limits<double>::infinity();
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 TEST(Ranks, CountTheSmallerValuesAndHalfOfTheEqualOnes) {
   std::mt19937 random(7);
@@ -19,30 +20,26 @@ TEST(Ranks, CountTheSmallerValuesAndHalfOfTheEqualOnes) {
     TVector x, ranks;
     x.Resize(n);
     for (int i = 1; i <= n; ++i) x.SetVal(i, static_cast<double>(random() % 50) - 25);
-    double expectedTies = 0;
-    TVector expected;
-    expected.Resize(n);
-    for (int i = 1; i <= n; ++i) {
-      double smaller = 0, equal = 0;
-      for (const double v : x) {
-        smaller += v < x(i) ? 1 : 0;
-        equal += v == x(i) ? 1 : 0;
-      }
-      expected.SetVal(i, smaller + (equal + 1) / 2);
-      expectedTies += equal * equal - 1;  // each of the t members brings t^2 - 1
+    double ties = 0;
+    std::vector<double> expected;
+    for (const double own : x) {
+      const auto smaller = std::ranges::count_if(x, [&](double v) { return v < own; });
+      const auto equal = static_cast<double>(std::ranges::count(x, own));
+      expected.push_back(static_cast<double>(smaller) + (equal + 1) / 2);
+      ties += equal * equal - 1;  // each of the t members brings t^2 - 1
     }
-    EXPECT_EQ(CalcRanks(&x, &ranks), expectedTies);
-    EXPECT_EQ(test::contents(ranks), test::contents(expected));
+    EXPECT_EQ(CalcRanks(&x, &ranks), ties);
+    EXPECT_EQ(test::contents(ranks), expected);
     const test::Events events(x);
-    EXPECT_EQ(CalcRanks(&x, &x), expectedTies);
-    EXPECT_EQ(test::contents(x), test::contents(expected)) << "in place";
+    EXPECT_EQ(CalcRanks(&x, &x), ties);
+    EXPECT_EQ(test::contents(x), expected) << "in place";
     EXPECT_EQ(events.count, 1);
   }
 }
 
 TEST(Ranks, OfNotANumbersAndInfinitiesAndWithoutAResult) {
   TVector ranks;
-  const TVector special{kInf, kNaN, -kInf, kInf, -0.0, 0.0};
+  const TVector special{kInf, std::nan(""), -kInf, kInf, -0.0, 0.0};
   EXPECT_EQ(CalcRanks(&special, &ranks), 12);
   EXPECT_EQ(test::contents(ranks), (std::vector<double>{4.5, 6, 1, 4.5, 2.5, 2.5}));
   EXPECT_EQ(CalcRanks(&special, nullptr), 12);
