@@ -199,7 +199,7 @@ class ZEL_API TMatrix : public TNumMatrix<double> {
   /// With AutoDetect: reads a table of numbers without bounds, each line a row. What follows "//"
   /// in a line does not count; if some lines carry the mark "//dig", only these are rows. OnChange
   /// fires once at the end, and for a resize.
-  /// @param AdjustMatrixSize  the matrix gets the size of the table, which must fit otherwise
+  /// @param AdjustMatrixSize  the matrix gets the size of the table; otherwise the table must fit
   /// @return false, with nothing changed, if the file cannot be read, has no rows or rows of
   ///   different length, a word is no number, or the table does not fit
   /// @throws EZELMatrixError  `: not enough memory on heap`
