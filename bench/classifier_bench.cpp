@@ -126,7 +126,9 @@ void addValidation(std::size_t n) {
       ok = true;
     };
     run->validator.OnModelApplyRequest = [](TObject*, int, const TDoubleArray& predictors,
-                                            TDoubleArray& response) { response[0] = predictors[0]; };
+                                            TDoubleArray& response) {
+      response[0] = predictors[0];
+    };
   };
   const auto ours = [=] {
     run->trained = 0;
@@ -138,15 +140,15 @@ void addValidation(std::size_t n) {
     const TMatrix& x = *run->validator.XMat();
     const TMatrix& y = *run->validator.YMat();
     Data predictors(kVariables);
-    plainHoldOut(objects, objects / 10,
-                 [&](const std::vector<int>& list) { run->trained += list.size(); },
-                 [&](int object) {
-                   for (int c = 1; c <= kVariables; ++c) {
-                     predictors[static_cast<std::size_t>(c - 1)] = x(c, object);
-                   }
-                   const double e = predictors[0] - y(1, object);
-                   run->error += e * e;
-                 });
+    plainHoldOut(
+        objects, objects / 10, [&](const std::vector<int>& list) { run->trained += list.size(); },
+        [&](int object) {
+          for (int c = 1; c <= kVariables; ++c) {
+            predictors[static_cast<std::size_t>(c - 1)] = x(c, object);
+          }
+          const double e = predictors[0] - y(1, object);
+          run->error += e * e;
+        });
     keep(run->error);
   };
   compete("cross-validation in ten sets", n,

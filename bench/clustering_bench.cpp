@@ -88,7 +88,8 @@ double zelTree(std::size_t n, int columns, TClusterMethod method) {
   TIntMatrix tree;
   TVector heights;
   TVector positions;
-  keep(AgglomClustering(nullptr, &data, dmEuclid, method, 0.5, &tree, &heights, &positions, {}, {}));
+  keep(
+      AgglomClustering(nullptr, &data, dmEuclid, method, 0.5, &tree, &heights, &positions, {}, {}));
   return heights.Sum(0, 0);
 }
 
@@ -105,9 +106,7 @@ class RCluster {
     FR.ask("load " + file.string() + ' ' + std::to_string(rows));
     std::filesystem::remove(file);
   }
-  double heights(const std::string& method) {
-    return FR.ask(method + ' ' + std::to_string(FRows));
-  }
+  double heights(const std::string& method) { return FR.ask(method + ' ' + std::to_string(FRows)); }
 
  private:
   static constexpr const char* kCommand =
@@ -166,9 +165,9 @@ void addCenters(std::size_t n, bool withPeer) {
   };
   std::vector<Rival> rivals{{"Zel", [=] { keep(ours()[0]); }}};
   if (withPeer) rivals.push_back({"plain loop", [=] { keep(theirs()[0]); }});
-  compete("ten centres by agglomeration", n,
-          [=] { return !withPeer || std::ranges::equal(ours(), theirs(), isNear); },
-          std::move(rivals));
+  compete(
+      "ten centres by agglomeration", n,
+      [=] { return !withPeer || std::ranges::equal(ours(), theirs(), isNear); }, std::move(rivals));
 }
 
 void addNearest(std::size_t n, int columns) {

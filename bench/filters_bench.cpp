@@ -58,18 +58,19 @@ void add(const std::string& kernel, std::size_t n, std::size_t margin,
                         keep(results->theirs[0]);
                       }});
   }
-  compete(kernel, n,
-          [=] {
-            prepare();
-            zel(results->ours);
-            const auto inner = results->ours.Elements().subspan(margin, n - 2 * margin);
-            return std::ranges::all_of(peers, [&](const Peer& peer) {
-              peer.job(room(peer));
-              return areClose(inner, std::span<const double>(results->theirs)
-                                         .subspan(margin - peer.offset, n - 2 * margin));
-            });
-          },
-          std::move(rivals));
+  compete(
+      kernel, n,
+      [=] {
+        prepare();
+        zel(results->ours);
+        const auto inner = results->ours.Elements().subspan(margin, n - 2 * margin);
+        return std::ranges::all_of(peers, [&](const Peer& peer) {
+          peer.job(room(peer));
+          return areClose(inner, std::span<const double>(results->theirs)
+                                     .subspan(margin - peer.offset, n - 2 * margin));
+        });
+      },
+      std::move(rivals));
 }
 
 const TVector& signalOf(std::size_t n) {
@@ -94,7 +95,8 @@ void addSmoothers(std::size_t n, int width) {
       {{"GSL", [=](auto y) { gslMovingMedian(x(), w, y); }}});
   Data triangle(w);
   for (std::size_t k = 0; k < w; ++k) {
-    triangle[k] = static_cast<double>(std::min(k, w - 1 - k) + 1) / static_cast<double>((m + 1) * (m + 1));
+    triangle[k] =
+        static_cast<double>(std::min(k, w - 1 - k) + 1) / static_cast<double>((m + 1) * (m + 1));
   }
   add("weighted average" + of, n, m,
       [=](TVector& y) { WeightedAverageSmooth(&signalOf(n), 1, last, &y, width); },
@@ -162,32 +164,32 @@ void addPictureKernel(std::size_t n, std::size_t width) {
   const auto p = std::make_shared<Pictures>();
   const auto theirs = [=] {
     // Stored the other way round, both of them.
-    eigenPictureKernel(p->data.data(), static_cast<long>(n), static_cast<long>(n),
-                       p->kernel.data(), static_cast<long>(width), p->theirs.data());
+    eigenPictureKernel(p->data.data(), static_cast<long>(n), static_cast<long>(n), p->kernel.data(),
+                       static_cast<long>(width), p->theirs.data());
   };
   const auto ours = [=] { keep(KernelConvolve(p->kernel, p->data, p->ours, {})); };
-  compete("picture kernel, " + std::to_string(width) + " x " + std::to_string(width), n,
-          [=] {
-            const auto fill = [](TDouble2DArray& a, std::size_t side) {
-              a.SetLength(side, side);
-              std::ranges::copy(normalData(side * side), a.data());
-            };
-            fill(p->kernel, width);
-            fill(p->data, n);
-            fill(p->theirs, n);
-            ours();
-            theirs();
-            const std::size_t half = width / 2;
-            for (std::size_t r = half; r < n - half; ++r) {
-              if (!areClose(std::span<const double>(p->ours.data() + r * n + half, n - 2 * half),
-                            std::span<const double>(p->theirs.data() + r * n + half,
-                                                    n - 2 * half))) {
-                return false;
-              }
-            }
-            return true;
-          },
-          {{"Zel", ours}, {"Eigen", theirs}});
+  compete(
+      "picture kernel, " + std::to_string(width) + " x " + std::to_string(width), n,
+      [=] {
+        const auto fill = [](TDouble2DArray& a, std::size_t side) {
+          a.SetLength(side, side);
+          std::ranges::copy(normalData(side * side), a.data());
+        };
+        fill(p->kernel, width);
+        fill(p->data, n);
+        fill(p->theirs, n);
+        ours();
+        theirs();
+        const std::size_t half = width / 2;
+        for (std::size_t r = half; r < n - half; ++r) {
+          if (!areClose(std::span<const double>(p->ours.data() + r * n + half, n - 2 * half),
+                        std::span<const double>(p->theirs.data() + r * n + half, n - 2 * half))) {
+            return false;
+          }
+        }
+        return true;
+      },
+      {{"Zel", ours}, {"Eigen", theirs}});
 }
 
 void addRanks(const char* kernel, std::size_t n, double step) {

@@ -1,6 +1,6 @@
 /// @file
-/// What a user would call to cluster and to find neighbours. Compiled apart, with -O3 -march=native.
-/// Data matrices are stored by columns, an object in each row.
+/// What a user would call to cluster and to find neighbours. Compiled apart, with -O3
+/// -march=native. Data matrices are stored by columns, an object in each row.
 #pragma once
 
 #include <cstddef>

@@ -1,6 +1,6 @@
 /// @file
-/// What a user would call to filter. Compiled apart, with -O3 -march=native. Results have the length
-/// of the signal x unless it is said otherwise; windows are centred.
+/// What a user would call to filter. Compiled apart, with -O3 -march=native. Results have the
+/// length of the signal x unless it is said otherwise; windows are centred.
 #pragma once
 
 #include <cstddef>
