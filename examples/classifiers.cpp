@@ -85,7 +85,7 @@ int main(int argc, char** argv) {
   const auto point = static_cast<std::size_t>(bestPoint);
   std::cout << "area under the ROC curve " << area << "; best point: " << curve(point, 1)
             << " of the manual cars found with " << curve(point, 0) << " of the others\n";
-  for (const double threshold : {0.5, byInformedness}) {
+  for (const double threshold : {0.5, curve(point, 2)}) {
     evaluator.CalcConfusionMatrix(threshold);
     int tp = 0, fp = 0, tn = 0, fn = 0;
     double used = 0;

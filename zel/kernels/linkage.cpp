@@ -77,7 +77,7 @@ class Clusters {
  private:
   [[nodiscard]] NearestPairs::Partner search(std::size_t i) const {
     const auto later = FDistances[i].subspan(i + 1);
-    const auto found = minMax(later, {.minimum = std::numeric_limits<double>::max()});
+    const auto found = least(later);
     if (found.minIndex == kNoIndex) return {};
     return {i + 1 + found.minIndex, found.minimum};
   }
