@@ -24,7 +24,8 @@ namespace {
 
 constexpr int kLongestList = 100;
 constexpr int kLongestMean = 50;
-/// Fewer than these are compared with each other sooner than a tree is built.
+/// Fewer rows than this for each column are compared with each other sooner than by a tree, whose
+/// boxes are too large then to leave much out.
 constexpr std::size_t kFewRows = 128;
 
 using kernels::NearestList;
@@ -161,7 +162,7 @@ void MeanDistanceKNN(const TMatrix* DataMat, int NumNeighbors, int LowRow, int H
       means[i] = distances.empty() ? std::numeric_limits<double>::quiet_NaN()
                                    : kernels::mean(distances);
     };
-    if (range.columns > 0 && range.rows >= kFewRows) {
+    if (range.columns > 0 && range.rows / kFewRows >= range.columns) {
       kernels::nearestOfAll(range, length, use);
     } else {
       kernels::nearestRows(range, dmEuclid, range, length, Ties::earlierFirst,

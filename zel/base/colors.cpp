@@ -24,7 +24,7 @@ TColor RGB(int r, int g, int b) {
 }
 
 int RGBtoGray(int r, int g, int b) {
-  return (299 * component(r) + 587 * component(g) + 114 * component(b) + 500) / 1000;
+  return GrayOf(RGB(r, g, b));
 }
 
 void RGBtoHSI(int r, int g, int b, double& h, double& s, double& i) {

@@ -176,6 +176,33 @@ void nearestOf(ConstMatrix points, ConstMatrix m, int* nearest) {
   for (; j < m.rows; ++j) nearestBlock<1>(single, points, m, j, nearest);
 }
 
+// Sixteen lanes for every instruction set, the remainder in the first of them.
+double squaresOfDifferences(const double* x, const double* y, std::size_t n) {
+  constexpr std::size_t kAll = 16;
+  const hn::CappedTag<double, 8> d;
+  constexpr std::size_t kLanes = hn::MaxLanes(hn::CappedTag<double, 8>());
+  hn::Vec<decltype(d)> sums[kAll / kLanes];
+  for (auto& sum : sums) sum = hn::Zero(d);
+  std::size_t i = 0;
+  for (; i + kAll <= n; i += kAll) {
+    for (std::size_t v = 0; v < kAll / kLanes; ++v) {
+      const std::size_t at = i + v * kLanes;
+      const auto difference = hn::Sub(hn::LoadU(d, x + at), hn::LoadU(d, y + at));
+      sums[v] = hn::Add(sums[v], hn::Mul(difference, difference));
+    }
+  }
+  alignas(64) double lanes[kAll];
+  for (std::size_t v = 0; v < kAll / kLanes; ++v) hn::StoreU(sums[v], d, lanes + v * kLanes);
+  for (std::size_t k = 0; i < n; ++i, ++k) {
+    const double difference = x[i] - y[i];
+    lanes[k] += difference * difference;
+  }
+  for (std::size_t half = kAll / 2; half > 0; half /= 2) {
+    for (std::size_t k = 0; k < half; ++k) lanes[k] += lanes[k + half];
+  }
+  return lanes[0];
+}
+
 // The lower triangle of the sums of all pairs.
 void pairSums(ConstMatrix m, PairSum sum, Matrix out) {
   if (sum == PairSum::manhattan) return pairSumsOf<PairSum::manhattan, true>(m, m, out);
@@ -194,6 +221,7 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace zel::kernels {
 
+HWY_EXPORT(squaresOfDifferences);
 HWY_EXPORT(pairSums);
 HWY_EXPORT(pointSums);
 HWY_EXPORT(nearestOf);
@@ -214,6 +242,21 @@ double rowDistance(ConstMatrix m, TDistMode mode, std::size_t i, std::size_t j) 
     bb += b * b;
   }
   return pairDistance(mode, sum, aa, bb);
+}
+
+double squaredDistance(std::span<const double> x, std::span<const double> y) {
+  if (x.size() > y.size()) std::swap(x, y);
+  double sum = 0;
+  if (x.size() < 2 * 16) {
+    // Done before the choice of an instruction set is made.
+    double lanes[4] = {};
+    for (std::size_t i = 0; i < x.size(); ++i) lanes[i % 4] += (x[i] - y[i]) * (x[i] - y[i]);
+    sum = (lanes[0] + lanes[1]) + (lanes[2] + lanes[3]);
+  } else {
+    sum = HWY_DYNAMIC_DISPATCH(squaresOfDifferences)(x.data(), y.data(), x.size());
+  }
+  for (const double v : y.subspan(x.size())) sum += v * v;
+  return sum;
 }
 
 void rowDistances(ConstMatrix m, TDistMode mode, Matrix distances) {

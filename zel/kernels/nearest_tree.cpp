@@ -2,24 +2,34 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <span>
 #include <vector>
 
 #include "zel/kernels/distances.h"
-#include "zel/kernels/nearest.h"
 
 namespace zel::kernels {
 
 namespace {
 
 constexpr std::size_t kLeaf = 24;
+constexpr double kNone = std::numeric_limits<double>::infinity();
+
+/// Puts a number that is below the last into an ascending list, from which the last drops out.
+void insert(std::span<double> list, double value) {
+  std::size_t k = list.size() - 1;
+  for (; k > 0 && list[k - 1] > value; --k) list[k] = list[k - 1];
+  list[k] = value;
+}
 
 class RowTree {
  public:
   /// Takes the rows whose values are all finite; others have no neighbours.
   RowTree(ConstMatrix m, std::size_t length)
       : FColumns(m.columns),
-        FLists(kLeaf, NearestList(length, Ties::earlierFirst)),
+        FLength(length),
+        FNearest(kLeaf * length),
+        FDistances(length),
         FProbes(kLeaf * m.columns),
         FAskers(kLeaf),
         FSquares(kLeaf * kLeaf) {
@@ -43,13 +53,16 @@ class RowTree {
       if (!FNodes[n].isLeaf()) continue;
       FAsking = n;
       const Node& asking = FNodes[n];
-      for (NearestList& list : FLists) list.clear();
-      FReach = NearestList::kFree;
+      std::ranges::fill(FNearest, kNone);
+      FReach = kNone;
       meet(n);
       search(0, 0);
       for (std::size_t k = asking.begin; k < asking.end; ++k) {
-        const NearestList& list = FLists[k - asking.begin];
-        use(FRows[k], list.distances().first(list.found()));
+        const auto squares = nearest(k - asking.begin);
+        const auto end = std::ranges::lower_bound(squares, kNone);
+        std::transform(squares.begin(), end, FDistances.begin(),
+                       [](double square) { return std::sqrt(square); });
+        use(FRows[k], std::span(FDistances).first(static_cast<std::size_t>(end - squares.begin())));
       }
     }
   }
@@ -62,8 +75,10 @@ class RowTree {
     [[nodiscard]] bool isLeaf() const { return first == 0; }
   };
 
-  [[nodiscard]] Matrix cells() {
-    return {FCells.data(), FRows.size(), FColumns, FRows.size()};
+  [[nodiscard]] Matrix cells() { return {FCells.data(), FRows.size(), FColumns, FRows.size()}; }
+  /// The least squares so far of a row that asks.
+  [[nodiscard]] std::span<double> nearest(std::size_t k) {
+    return std::span(FNearest).subspan(k * FLength, FLength);
   }
   [[nodiscard]] const double* low(std::size_t node) const {
     return FBoxes.data() + node * 2 * FColumns;
@@ -112,8 +127,7 @@ class RowTree {
   [[nodiscard]] double squareTo(std::size_t node) const {
     double sum = 0;
     for (std::size_t c = 0; c < FColumns; ++c) {
-      const double gap =
-          gapTo(low(node)[c], high(node)[c], low(FAsking)[c], high(FAsking)[c]);
+      const double gap = gapTo(low(node)[c], high(node)[c], low(FAsking)[c], high(FAsking)[c]);
       sum += gap * gap;
     }
     return sum;
@@ -130,7 +144,7 @@ class RowTree {
   }
 
   void search(std::size_t node, double square) {
-    if (std::sqrt(square) > FReach) return;
+    if (square >= FReach) return;
     const Node& n = FNodes[node];
     if (n.isLeaf()) {
       if (node != FAsking) meet(node);
@@ -153,10 +167,7 @@ class RowTree {
     std::size_t count = 0;
     for (std::size_t k = 0; k < asking.end - asking.begin; ++k) {
       const std::size_t row = asking.begin + k;
-      if (leaf != FAsking &&
-          std::sqrt(squareOfRow(leaf, row)) > FLists[k].distances().back()) {
-        continue;
-      }
+      if (leaf != FAsking && squareOfRow(leaf, row) >= nearest(k).back()) continue;
       for (std::size_t c = 0; c < FColumns; ++c) FProbes[c * kLeaf + count] = cells()(row, c);
       FAskers[count++] = k;
     }
@@ -167,11 +178,14 @@ class RowTree {
     sumsFromPoints({FProbes.data(), count, FColumns, kLeaf}, dmSqrEuclid,
                    cells().block(there.begin, 0, rows, FColumns), squares);
     for (std::size_t j = 0; j < count; ++j) {
-      FLists[FAskers[j]].offerRoots(squares[j], static_cast<int>(there.begin));
+      const std::span<double> list = nearest(FAskers[j]);
+      for (const double square : squares[j]) {
+        if (square < list.back()) insert(list, square);
+      }
     }
     FReach = 0;
     for (std::size_t k = 0; k < asking.end - asking.begin; ++k) {
-      FReach = std::max(FReach, FLists[k].distances().back());
+      FReach = std::max(FReach, nearest(k).back());
     }
   }
 
@@ -180,18 +194,19 @@ class RowTree {
   std::vector<Node> FNodes;
   std::vector<double> FBoxes;  // low, then high, for each node
   std::vector<double> FCells;  // the rows in that order, by columns
-  std::vector<NearestList> FLists;  // of the rows that ask
+  std::size_t FLength;
+  std::vector<double> FNearest;    // squares for each row that asks
+  std::vector<double> FDistances;  // of one of them
   std::vector<double> FProbes;
   std::vector<std::size_t> FAskers;
   std::vector<double> FSquares;
   std::size_t FAsking = 0;
-  double FReach = 0;  // no row that asks looks farther
+  double FReach = 0;  // the squares that any of them still takes are smaller
 };
 
 }  // namespace
 
-void nearestOfAll(ConstMatrix m, std::size_t length,
-                  const UseDistances& use) {
+void nearestOfAll(ConstMatrix m, std::size_t length, const UseDistances& use) {
   RowTree tree(m, length);
   for (std::size_t r = 0; r < m.rows; ++r) {
     for (std::size_t c = 0; c < m.columns; ++c) {
