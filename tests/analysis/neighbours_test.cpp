@@ -36,6 +36,7 @@ TEST(Neighbours, AreThoseOfASort) {
     for (int r = 1; r <= n; ++r) m.SetVal(1, r, std::round(2 * m(1, r)));  // ties, but not by root
     for (int r = 1; r <= n; ++r) m.SetVal(2, r, std::round(m(2, r)) * 0.7);
     if (n > 50) m.SetVal(1, 50, kNaN);
+    if (n > 300) m.SetVal(2, 60, 1e9);
     for (const auto& probe : {TVector{0.3}, TVector{1, 0.7}, TVector{0, -0.7, 3}}) {
       list.Resize(2, 120);
       list.Fill(-1);
@@ -52,16 +53,18 @@ TEST(Neighbours, AreThoseOfASort) {
     TVector means{};
     means.Resize(n + 1);
     means.SetVal(n + 1, -1);
-    MeanDistanceKNN(&m, 60, n + 9, -4, &means);
-    for (int r = 1; r <= n; ++r) {
-      const Pairs expected = sorted(m, 1, n, TVector{m(1, r), m(2, r)});
-      const std::size_t k = std::min<std::size_t>(expected.size(), 50);
-      double sum = 0;
-      for (std::size_t i = 0; i < k; ++i) sum += expected[i].first;
-      if (r == 50 && n > 50) {
-        EXPECT_TRUE(std::isnan(means(r)));
-      } else {
-        EXPECT_NEAR(means(r), sum / static_cast<double>(k), 1e-14);
+    for (const int wanted : {60, 4}) {
+      MeanDistanceKNN(&m, wanted, n + 9, -4, &means);
+      for (int r = 1; r <= n; ++r) {
+        const Pairs expected = sorted(m, 1, n, TVector{m(1, r), m(2, r)});
+        const std::size_t k = std::min<std::size_t>(expected.size(), wanted == 60 ? 50 : 4);
+        double sum = 0;
+        for (std::size_t i = 0; i < k; ++i) sum += expected[i].first;
+        if (r == 50 && n > 50) {
+          EXPECT_TRUE(std::isnan(means(r)));
+        } else {
+          EXPECT_NEAR(means(r), sum / static_cast<double>(k), 1e-14 * (1 + means(r)));
+        }
       }
     }
     EXPECT_EQ(means(n + 1), -1);

@@ -83,9 +83,9 @@ void forPairs(const TBitmap& first, const TRect& area1, const TBitmap& second, c
   }
   const auto at = [](const TBitmap& image, const TRect& area, const Part& inside, std::int64_t dx,
                      std::int64_t dy) {
-    return inside.holds(dx, dy) ? image.GetPixel(static_cast<int>(area.Left + dx),
-                                                 static_cast<int>(area.Top + dy))
-                                : TColor{0};
+    return inside.holds(dx, dy)
+               ? image.GetPixel(static_cast<int>(area.Left + dx), static_cast<int>(area.Top + dy))
+               : TColor{0};
   };
   const auto enter = [&](std::int64_t dx, std::int64_t dy) {
     const TColor a = at(first, area1, inside1, dx, dy);

@@ -159,8 +159,8 @@ void MeanDistanceKNN(const TMatrix* DataMat, int NumNeighbors, int LowRow, int H
     const auto range = all.block(first, 0, static_cast<std::size_t>(high) - first, all.columns);
     detail::Numbers means(range.rows);
     const auto use = [&](std::size_t i, std::span<const double> distances) {
-      means[i] = distances.empty() ? std::numeric_limits<double>::quiet_NaN()
-                                   : kernels::mean(distances);
+      means[i] =
+          distances.empty() ? std::numeric_limits<double>::quiet_NaN() : kernels::mean(distances);
     };
     if (range.columns > 0 && range.rows / kFewRows >= range.columns) {
       kernels::nearestOfAll(range, length, use);

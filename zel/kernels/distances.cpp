@@ -4,8 +4,10 @@
 #include "zel/kernels/distances.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
+#include <utility>
 #include <vector>
 
 #include "zel/kernels/mirror.h"
@@ -246,16 +248,21 @@ double rowDistance(ConstMatrix m, TDistMode mode, std::size_t i, std::size_t j) 
 
 double squaredDistance(std::span<const double> x, std::span<const double> y) {
   if (x.size() > y.size()) std::swap(x, y);
-  double sum = 0;
-  if (x.size() < 2 * 16) {
+  if (y.size() < 2 * 16) {
     // Done before the choice of an instruction set is made.
     double lanes[4] = {};
-    for (std::size_t i = 0; i < x.size(); ++i) lanes[i % 4] += (x[i] - y[i]) * (x[i] - y[i]);
-    sum = (lanes[0] + lanes[1]) + (lanes[2] + lanes[3]);
-  } else {
-    sum = HWY_DYNAMIC_DISPATCH(squaresOfDifferences)(x.data(), y.data(), x.size());
+    for (std::size_t i = 0; i < y.size(); ++i) {
+      const double d = i < x.size() ? x[i] - y[i] : y[i];
+      lanes[i % 4] += d * d;
+    }
+    return (lanes[0] + lanes[1]) + (lanes[2] + lanes[3]);
   }
-  for (const double v : y.subspan(x.size())) sum += v * v;
+  const auto squares = HWY_DYNAMIC_DISPATCH(squaresOfDifferences);
+  double sum = squares(x.data(), y.data(), x.size());
+  static constexpr std::array<double, 256> kZeros{};
+  for (std::size_t i = x.size(); i < y.size(); i += kZeros.size()) {
+    sum += squares(kZeros.data(), y.data() + i, std::min(kZeros.size(), y.size() - i));
+  }
   return sum;
 }
 
