@@ -18,8 +18,10 @@ using Data = std::vector<double>;
 
 /// Two classes whose estimates overlap.
 struct Classified {
-  explicit Classified(std::size_t n) : truth(n), estimates(normalData(n)) {
+  Classified(std::size_t n, std::size_t number) : truth(n), estimates(n) {
+    const Data& all = normalData(std::max<std::size_t>(n, 100000));
     for (std::size_t i = 0; i < n; ++i) {
+      estimates[i] = all[number * n + i];
       truth[i] = (i * 2654435761u >> 9) % 3 == 0 ? 1 : 0;
       estimates[i] += 2.5 * truth[i];
     }
@@ -35,11 +37,16 @@ struct Classified {
   TMatrix matrix;
 };
 
+/// Gives one of several sets of data after the other, so that nothing learns the order of one.
 std::function<const Classified&()> classified(std::size_t n) {
-  const auto made = std::make_shared<std::unique_ptr<Classified>>();
+  const std::size_t most = std::max<std::size_t>(1, 50000 / n);
+  const auto made = std::make_shared<std::vector<std::unique_ptr<Classified>>>();
+  const auto next = std::make_shared<std::size_t>(0);
   return [=]() -> const Classified& {
-    if (!*made) *made = std::make_unique<Classified>(n);
-    return **made;
+    if (made->empty()) {
+      for (std::size_t k = 0; k < most; ++k) made->push_back(std::make_unique<Classified>(n, k));
+    }
+    return *(*made)[++*next % most];
   };
 }
 
@@ -58,11 +65,17 @@ void addRoc(std::size_t n) {
     keep(o->evaluator.OptimizeThresholds(o->curve, o->best, o->area, o->matthews, o->accuracy,
                                          o->informedness));
   };
-  const auto theirs = [=] { return plainRoc(data().truth, data().estimates); };
+  const auto theirs = [=] {
+    const Classified& one = data();
+    return plainRoc(one.truth, one.estimates);
+  };
   compete("ROC curve and thresholds", n,
           [=] {
-            ours();
-            const Roc roc = theirs();
+            const Classified& one = data();
+            one.fill(o->evaluator);
+            keep(o->evaluator.OptimizeThresholds(o->curve, o->best, o->area, o->matthews,
+                                                 o->accuracy, o->informedness));
+            const Roc roc = plainRoc(one.truth, one.estimates);
             const auto isNear = [](double a, double b) { return std::abs(a - b) < 1e-9; };
             bool same = isNear(o->area, roc.area) && isNear(o->matthews, roc.matthews) &&
                         isNear(o->accuracy, roc.accuracy) &&
@@ -80,23 +93,27 @@ void addRoc(std::size_t n) {
 
 /// Of sorted objects, as for every threshold but the first.
 void addConfusion(std::size_t n) {
-  const auto data = classified(n);
+  const auto data = std::make_shared<std::unique_ptr<Classified>>();
   const auto evaluator = std::make_shared<TCFEvaluator>();
   const auto ours = [=] { keep(evaluator->CalcConfusionMatrix(6)); };
+  const auto theirs = [=](long counts[4]) {
+    eigenConfusion((*data)->truth, (*data)->estimates, 6, counts);
+  };
   compete("confusion matrix", n,
           [=] {
-            data().fill(*evaluator);
+            *data = std::make_unique<Classified>(n, 0);
+            (*data)->fill(*evaluator);
             ours();
             int tp = 0, fp = 0, tn = 0, fn = 0;
             double threshold = 0;
             keep(evaluator->GetConfMatValues(tp, fp, tn, fn, threshold));
             long counts[4];
-            eigenConfusion(data().truth, data().estimates, 6, counts);
+            theirs(counts);
             return tp == counts[0] && fp == counts[1] && tn == counts[2] && fn == counts[3];
           },
           {{"Zel", ours}, {"Eigen", [=] {
                              long counts[4];
-                             eigenConfusion(data().truth, data().estimates, 6, counts);
+                             theirs(counts);
                              keep(static_cast<double>(counts[0]));
                            }}});
 }

@@ -178,6 +178,15 @@ void nearestOf(ConstMatrix points, ConstMatrix m, int* nearest) {
   for (; j < m.rows; ++j) nearestBlock<1>(single, points, m, j, nearest);
 }
 
+void takeRoots(double* x, std::size_t n) {
+  const hn::ScalableTag<double> d;
+  std::size_t i = 0;
+  for (; i + hn::Lanes(d) <= n; i += hn::Lanes(d)) {
+    hn::StoreU(hn::Sqrt(hn::LoadU(d, x + i)), d, x + i);
+  }
+  for (; i < n; ++i) x[i] = std::sqrt(x[i]);
+}
+
 // Sixteen lanes for every instruction set, the remainder in the first of them.
 double squaresOfDifferences(const double* x, const double* y, std::size_t n) {
   constexpr std::size_t kAll = 16;
@@ -223,6 +232,7 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace zel::kernels {
 
+HWY_EXPORT(takeRoots);
 HWY_EXPORT(squaresOfDifferences);
 HWY_EXPORT(pairSums);
 HWY_EXPORT(pointSums);
@@ -276,9 +286,14 @@ void rowDistances(ConstMatrix m, TDistMode mode, Matrix distances) {
     }
   }
   HWY_DYNAMIC_DISPATCH(pairSums)(m, pairSum(mode), distances);
+  const auto takeRoots = HWY_DYNAMIC_DISPATCH(takeRoots);
   for (std::size_t i = 0; i < n; ++i) {
     double* const column = distances.column(i);
     column[i] = 0;
+    if (mode == dmEuclid) {
+      takeRoots(column + i + 1, n - i - 1);
+      continue;
+    }
     for (std::size_t j = i + 1; j < n; ++j) {
       column[j] = pairDistance(mode, column[j], squares[i], squares[j]);
     }
