@@ -73,6 +73,24 @@ TEST(Neighbours, AreThoseOfASort) {
   }
 }
 
+TEST(Neighbours, OfAllRowsAmongScatteredOnes) {
+  for (const int columns : {1, 3, 6}) {
+    TMatrix m;
+    test::fillNormal(m, columns, 900);
+    TVector means, probe;
+    means.Resize(900);
+    probe.Resize(columns);
+    MeanDistanceKNN(&m, 10, 1, 900, &means);
+    for (int r = 1; r <= 900; ++r) {
+      for (int c = 1; c <= columns; ++c) probe.SetVal(c, m(c, r));
+      double sum = 0;
+      const Pairs expected = sorted(m, 1, 900, probe);
+      for (std::size_t i = 0; i < 10; ++i) sum += expected[i].first;
+      ASSERT_NEAR(means(r), sum / 10, 1e-14) << columns << ' ' << r;
+    }
+  }
+}
+
 TEST(Neighbours, ByACallersDistance) {
   TMatrix m, list{{-1, -1}, {-1, -1}};
   m.Resize(1, 9);

@@ -80,10 +80,12 @@ TEST(ClusterCommand, TableAndPictures) {
   expectWords(readBytes(folder.file("p.svg")), {"1 (3)", "2 (2)"});
   EXPECT_EQ(0, runZel(folder, "cluster x.csv --clusters 5 --method ward --plot all.svg").status);
   const JsonFields json(
-      runZel(folder, "cluster x.csv --clusters 1 --method flexible --flexible 1 --json").output);
+      runZel(folder, "cluster x.csv --clusters 1 --method flexible --flexible 1 --by name --json")
+          .output);
   expectFields(json,
                "assignment/1/row 3 assignment/1/name c assignment/4/cluster 1 "
-               "unions/0/first 3 unions/0/second 5 positions/8 3.375 within 8",
+               "unions/0/first 3 unions/0/second 5 positions/8 3.375 clusters/0/classes/1 0 "
+               "clusters/0/classes/2 1 within 8",
                1e-14);
 }
 
