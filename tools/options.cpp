@@ -3,7 +3,6 @@
 #include <CLI/CLI.hpp>
 
 #include "clusters.h"
-#include "smoothers.h"
 #include "table_file.h"
 
 namespace tool {
@@ -339,7 +338,7 @@ CLI::App* addSmooth(CLI::App& program, SmoothOptions& options) {
       addCommand(program, "smooth", "Smooth, differentiate or filter a column: table, picture",
                  options, kSmoothHelp);
   addSeries(*command, options.column);
-  command->add_option("--method", options.method, methodWords() + " [mean]")->option_text("NAME");
+  command->add_option("--method", options.method, "one of those below [mean]")->option_text("NAME");
   command->add_option("--width", options.width, "values of the window, odd [5, 7, 31]")
       ->check(CLI::Range(1, 1000000000))
       ->option_text("N");

@@ -10,7 +10,7 @@
 
 namespace tool {
 
-/// The methods that --method names, for its help.
+/// The methods that --method names, for messages.
 std::string methodWords();
 
 /// A series after a smoother, a derivative or a filter.
