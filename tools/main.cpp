@@ -30,6 +30,8 @@ constexpr const char* kHelp = R"(Examples:
   zel correlate data/iris.csv
   zel fit data/faithful.csv --x eruptions --y waiting
   zel pca data/iris.csv --color Species --plot iris_pca.png
+  zel cluster data/iris.csv --by Species --plot iris_clusters.png
+  zel smooth data/sunspots.asc --method median --width 11
   zel spectrum data/sunspots.asc
   zel wavelet data/sunspots.asc
   zel crosstab data/mtcars.csv cyl gear
@@ -83,6 +85,8 @@ int main(int argc, char** argv) {
   tool::CorrelateOptions correlateOptions;
   tool::FitOptions fitOptions;
   tool::PcaOptions pcaOptions;
+  tool::ClusterOptions clusterOptions;
+  tool::SmoothOptions smoothOptions;
   tool::SpectrumOptions spectrumOptions;
   tool::WaveletOptions waveletOptions;
   tool::CrosstabOptions crosstabOptions;
@@ -94,6 +98,8 @@ int main(int argc, char** argv) {
        [&] { return tool::correlate(correlateOptions); }},
       {tool::addFit(program, fitOptions), [&] { return tool::fit(fitOptions); }},
       {tool::addPca(program, pcaOptions), [&] { return tool::pca(pcaOptions); }},
+      {tool::addCluster(program, clusterOptions), [&] { return tool::cluster(clusterOptions); }},
+      {tool::addSmooth(program, smoothOptions), [&] { return tool::smooth(smoothOptions); }},
       {tool::addSpectrum(program, spectrumOptions),
        [&] { return tool::spectrum(spectrumOptions); }},
       {tool::addWavelet(program, waveletOptions), [&] { return tool::wavelet(waveletOptions); }},

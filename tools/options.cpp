@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "clusters.h"
 #include "table_file.h"
 
 namespace tool {
@@ -82,6 +83,50 @@ Examples:
   zel pca data/iris.csv
   zel pca data/iris.csv --color Species --plot iris_pca.png
   zel pca data/USArrests.csv --mode covariance --json
+)";
+
+constexpr const char* kClusterHelp = R"(
+The methods:
+  kmeans    partition about means: of several starts from rows drawn at random
+            the one of the least sum of squares; --starts 0 takes the first rows
+Trees, in which the two nearest clusters become one until a single one is left,
+cut into --clusters; the distance of two clusters is
+  single    that of their nearest objects
+  complete  that of their farthest objects
+  upgma     the mean one of their objects (average linkage of other programs)
+  average   the mean one of the two parts that the younger is made of
+  ward      by Ward's formula, from the distances as they are, not squared
+  flexible  f (d1 + d2) + (1 - 2 f) d12, f from 0.5 to 1 by --flexible
+Each variable is divided by its standard deviation first, unless --raw is given.
+Clusters are numbered by size. Rows with a missing value are left out. The picture
+of a partition shows each row by its first two principal components, that of a tree
+the tree, both coloured by the clusters.
+
+Examples:
+  zel cluster data/iris.csv --by Species
+  zel cluster data/iris.csv --by Species --plot clusters.png
+  zel cluster data/USArrests.csv --method complete --clusters 4 --plot tree.png
+)";
+
+constexpr const char* kSmoothHelp = R"(
+The column is taken as a series of values at equal distances of time. The methods:
+  mean, median, triangle  moving average, median and triangular average
+  polynomial              value of a parabola through the window (Savitzky-Golay)
+  slope, curvature        first and second derivative of that parabola by the time
+  lowpass, highpass, bandpass, bandstop
+                          convolution with a windowed-sinc kernel of --width taps
+  chebyshev-low, chebyshev-high
+                          recursive filter of --poles, forwards and then backwards,
+                          so that nothing is shifted; --ripple 0: Butterworth
+The first and last half window repeats the first and last whole one; the kernels
+continue the series with its first and last value, the recursive filters with its
+mean. Frequencies are in cycles per unit of the sample time.
+
+Examples:
+  zel smooth data/sunspots.asc
+  zel smooth data/sunspots.asc --method median --width 11 --plot smooth.png
+  zel smooth data/sunspots.asc --method lowpass --cutoff 0.05 --json
+  zel smooth data/sunspots.asc --method chebyshev-low --cutoff 0.05
 )";
 
 constexpr const char* kSpectrumHelp = R"(
@@ -253,6 +298,70 @@ CLI::App* addPca(CLI::App& program, PcaOptions& options) {
                    "colour the picture by the words or numbers of this column")
       ->option_text("COL");
   addPicture(*command, options.picture, "the scores of the first two components");
+  addJson(*command, options.json);
+  return command;
+}
+
+CLI::App* addCluster(CLI::App& program, ClusterOptions& options) {
+  CLI::App* command = addCommand(program, "cluster",
+                                 "Cluster rows by k-means or as a tree: clusters, members, picture",
+                                 options, kClusterHelp);
+  addColumns(*command, options.columns);
+  command->add_option("--method", options.method, "kmeans, " + treeWords() + " [kmeans]")
+      ->option_text("NAME");
+  command->add_option("--clusters", options.clusters, "so many clusters [3]")
+      ->check(CLI::Range(1, 1000000))
+      ->option_text("K");
+  command->add_flag("--raw", options.raw, "take the values as they are, not standardised");
+  command->add_option("--starts", options.starts, "starts of kmeans; 0: the first rows [25]")
+      ->check(CLI::Range(0, 1000))
+      ->option_text("N");
+  command->add_option("--seed", options.seed, "of the random starts [1]")
+      ->check(CLI::Range(1, 1000000000))
+      ->option_text("S");
+  command
+      ->add_option("--distance", options.distance,
+                   "of rows in a tree: euclid, squared or manhattan [euclid]")
+      ->option_text("NAME");
+  command->add_option("--flexible", options.flexible, "parameter of flexible [0.625]")
+      ->check(CLI::Range(0.5, 1.0))
+      ->option_text("F");
+  command->add_option("--by", options.by, "count the rows of each class of this column, too")
+      ->option_text("COL");
+  addPicture(*command, options.picture, "the clusters or the tree");
+  addJson(*command, options.json);
+  return command;
+}
+
+CLI::App* addSmooth(CLI::App& program, SmoothOptions& options) {
+  CLI::App* command =
+      addCommand(program, "smooth", "Smooth, differentiate or filter a column: table, picture",
+                 options, kSmoothHelp);
+  addSeries(*command, options.column);
+  command->add_option("--method", options.method, "one of those below [mean]")->option_text("NAME");
+  command->add_option("--width", options.width, "values of the window, odd [5, 7, 31]")
+      ->check(CLI::Range(1, 1000000000))
+      ->option_text("N");
+  command->add_option("--sample-time", options.sampleTime, "time between two values [1]")
+      ->option_text("T");
+  command->add_option("--cutoff", options.cutoff, "frequency of a filter, two of a band")
+      ->delimiter(',')
+      ->allow_extra_args(false)
+      ->option_text("F[,F]");
+  command
+      ->add_option("--window", options.window,
+                   "of a kernel: rectangle, hamming or blackman [hamming]")
+      ->option_text("NAME");
+  command->add_option("--poles", options.poles, "of a recursive filter, even [4]")
+      ->check(CLI::Range(2, 20))
+      ->option_text("P");
+  command->add_option("--ripple", options.ripple, "of its pass band, in percent, 0 to 29 [0.5]")
+      ->check(CLI::Range(0.0, 29.0))
+      ->option_text("R");
+  command->add_option("--rows", options.rows, "print so many rows at most [20]")
+      ->check(CLI::Range(1, 1000000000))
+      ->option_text("N");
+  addPicture(*command, options.picture, "the series and the result");
   addJson(*command, options.json);
   return command;
 }

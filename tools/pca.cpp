@@ -135,7 +135,9 @@ Result pca(const PcaOptions& options) {
   const Components components = componentsOf(file, choice.columns, options.mode == "correlation");
   if (!options.picture.empty()) {
     drawScores(options.picture, pictureTitle(file), components,
-               categoriesOf(colors, components, file.rows()), options.mode == "correlation");
+               categoriesOf(colors, components, file.rows()),
+               "Principal components of the " + options.mode +
+                   "s, n = " + std::to_string(components.rows));
   }
   if (options.json) return {jsonText(file, components, options), choice.note};
   std::string text = tableText(file, components, options);

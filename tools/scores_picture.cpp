@@ -15,7 +15,7 @@ namespace {
 /// Colours that stay apart for the colour-blind (P. Tol, Colour schemes, 2021, "bright" and more).
 constexpr const char* kColours[] = {"#4477aa", "#ee6677", "#228833", "#ccbb44", "#66ccee",
                                     "#aa3377", "#994400", "#88aa00", "#555555", "#bb99dd"};
-constexpr std::size_t kMostCategories = std::size(kColours);
+static_assert(std::size(kColours) == kMostColours);
 constexpr std::size_t kMostArrows = 20;
 
 /// Uses the variables and the data that the caller puts before it.
@@ -86,19 +86,21 @@ std::vector<std::string> differentOnes(const std::vector<std::string>& categorie
   for (const std::string& category : categories) {
     if (std::find(found.begin(), found.end(), category) != found.end()) continue;
     found.push_back(category);
-    if (found.size() > kMostCategories) break;
+    if (found.size() > kMostColours) break;
   }
   return found;
 }
 
 }  // namespace
 
+const char* colourOf(std::size_t k) { return kColours[k % kMostColours]; }
+
 void drawScores(const std::string& fileName, const std::string& title, const Components& components,
-                const std::vector<std::string>& categories, bool standardised) {
+                const std::vector<std::string>& categories, const std::string& subtitle) {
   const std::vector<std::string> groups = differentOnes(categories);
-  if (groups.size() > kMostCategories) {
+  if (groups.size() > kMostColours) {
     throw Failure("the picture " + printable(fileName) + " was not written: it has colours for " +
-                  std::to_string(kMostCategories) + " categories, and --color has more");
+                  std::to_string(kMostColours) + " categories, and --color has more");
   }
   const std::vector<double>& x = components.scores[0];
   const std::vector<double>& y = components.scores[1];
@@ -142,10 +144,8 @@ void drawScores(const std::string& fileName, const std::string& title, const Com
   const double height = plotHeight + kHead + kFoot;
   std::string script =
       gnuplotVariable("title", gnuplotText(title, 95)) +
-      gnuplotVariable("subtitle", gnuplotText(std::string("Principal components of the ") +
-                                              (standardised ? "correlations" : "covariances") +
-                                              ", n = " + std::to_string(components.rows) +
-                                              (arrows.empty() ? "" : "; arrows: loadings"))) +
+      gnuplotVariable("subtitle",
+                      gnuplotText(subtitle + (arrows.empty() ? "" : "; arrows: loadings"), 110)) +
       gnuplotVariable("xTitle", gnuplotText(axisTitle(components, 0))) +
       gnuplotVariable("yTitle", gnuplotText(axisTitle(components, 1))) +
       gnuplotVariable("low", shortest(low)) + gnuplotVariable("high", shortest(high)) +
@@ -160,7 +160,7 @@ void drawScores(const std::string& fileName, const std::string& title, const Com
     const std::string name = "$group" + std::to_string(g);
     script += name + " << EOD\n" + blocks[g] + "EOD\n";
     plot += (g == 0 ? "plot " : ", ") + name + " using 1:2 with points pt 7 ps 0.5 lc rgb '" +
-            kColours[g] + "' ";
+            colourOf(g) + "' ";
     plot += groups.empty()
                 ? "notitle"
                 : "title " + gnuplotText(groups[g].empty() ? "(missing)" : groups[g], 30);

@@ -23,7 +23,7 @@ std::size_t columnOf(const Table& file, const std::string& wanted) {
 
 }  // namespace
 
-Series seriesOf(const Table& table, const std::string& wanted) {
+Series seriesOf(const Table& table, const std::string& wanted, const std::string& user) {
   const std::size_t c = columnOf(table, wanted);
   const Column& column = table.columns[c];
   const std::string what =
@@ -32,7 +32,7 @@ Series seriesOf(const Table& table, const std::string& wanted) {
     const int row = column.missingRows[0];
     const std::string name = printable(table.rowName(row), 30);
     throw Failure(what + ": row " + std::to_string(row) + (name.empty() ? "" : " (" + name + ')') +
-                  " has no value, and a transform takes a series without gaps");
+                  " has no value, and " + user + " takes a series without gaps");
   }
   return {what, column.title(), table.values(c)};
 }

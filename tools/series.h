@@ -17,8 +17,10 @@ struct Series {
 };
 
 /// The column with the given name or number; the only one if none is given.
+/// @param user  what it is for, for messages
 /// @throws Failure  there is no such column, there are several, or a row has no value
-Series seriesOf(const Table& table, const std::string& wanted);
+Series seriesOf(const Table& table, const std::string& wanted,
+                const std::string& user = "a transform");
 
 /// A block of data for gnuplot, a place and a value in each line. Of a long series each line of the
 /// plot gets the extremes of what falls on the same place.

@@ -9,6 +9,7 @@
 
 #include "tests/support/containers.h"
 #include "tests/support/expect_message.h"
+#include "tests/support/same_bits.h"
 #include "zel/analysis/Zel_math2.h"
 
 namespace zel {
@@ -137,6 +138,15 @@ TEST(ImageCorrelation, IsThatOfThePixelsInTheAreas) {
           << mode;
     }
   }
+  TBitmap wide(1300, 1), other(1300, 1);
+  fillWithNoise(wide, 3);
+  fillWithNoise(other, 4);
+  TCurveFit fit;
+  for (int x = 0; x < 1300; ++x) {
+    fit.EnterStatValue(GreenOf(wide.GetPixel(x, 0)), GreenOf(other.GetPixel(x, 0)));
+  }
+  const TRect row{0, 0, 1299, 0};
+  EXPECT_NEAR(CalcImgCorrelation(&wide, &other, row, row, icmGreen), fit.GetRxy(), 1e-15);
   const TRect all{0, 0, 16, 11};
   EXPECT_EQ(CalcImgCorrelation(&a, &a, all, all, icmHue), 1);
   EXPECT_EQ(CalcImgCorrelation(&a, nullptr, all, all, icmRed), 0);
@@ -161,6 +171,8 @@ TEST(TestSignals, FollowTheirFormulas) {
   ASSERT_EQ(CreateGaussianPeaks(TPeakParamsList{{10, 2, 3}, {30, 5, -1}}, y), 0);
   EXPECT_NEAR(y[11], 3 / std::exp(1) - std::exp(-std::pow(18 / 5.0, 2)), 1e-15);
   EXPECT_NEAR(y[29], -1, 1e-15);
+  ASSERT_EQ(CreateGaussianPeaks(TPeakParamsList{{1, 1, 1}}, y), 0);
+  EXPECT_DOUBLE_EQ(y[26], std::exp(-26 * 26));
   const TDoubleArray before = y;
   TDoubleArray two(2, 9.0);
   EXPECT_EQ(CreateSigmoidArray(two, 1, 0, 1, 1), -1);
@@ -194,6 +206,8 @@ TEST(GaussKernels, DependOnTheDistance) {
   wide.Fill(0.1);
   const TVector shorter(Numbers(600, 0.2));
   EXPECT_DOUBLE_EQ(CalcGaussKernelMat(&shorter, &wide, 1, 3), std::exp(-10 / 9.0));
+  for (int c = 1; c <= 1000; ++c) wide.SetVal(c, 1, 1.0 / c);
+  test::expectSameBits([&] { return Numbers{CalcGaussKernelMat(&shorter, &wide, 1, 3)}; });
 }
 
 }  // namespace

@@ -37,6 +37,7 @@ TEST(Neighbours, AreThoseOfASort) {
     for (int r = 1; r <= n; ++r) m.SetVal(1, r, std::round(2 * m(1, r)));  // ties, but not by root
     for (int r = 1; r <= n; ++r) m.SetVal(2, r, std::round(m(2, r)) * 0.7);
     if (n > 50) m.SetVal(1, 50, kNaN);
+    if (n > 300) m.SetVal(2, 60, 1e9);
     for (const auto& probe : {TVector{0.3}, TVector{1, 0.7}, TVector{0, -0.7, 3}}) {
       list.Resize(2, 120);
       list.Fill(-1);
@@ -53,21 +54,41 @@ TEST(Neighbours, AreThoseOfASort) {
     TVector means{};
     means.Resize(n + 1);
     means.SetVal(n + 1, -1);
-    MeanDistanceKNN(&m, 60, n + 9, -4, &means);
-    for (int r = 1; r <= n; ++r) {
-      const Pairs expected = sorted(m, 1, n, TVector{m(1, r), m(2, r)});
-      const std::size_t k = std::min<std::size_t>(expected.size(), 50);
-      double sum = 0;
-      for (std::size_t i = 0; i < k; ++i) sum += expected[i].first;
-      if (r == 50 && n > 50) {
-        EXPECT_TRUE(std::isnan(means(r)));
-      } else {
-        EXPECT_NEAR(means(r), sum / static_cast<double>(k), 1e-14);
+    for (const int wanted : {60, 4}) {
+      MeanDistanceKNN(&m, wanted, n + 9, -4, &means);
+      for (int r = 1; r <= n; ++r) {
+        const Pairs expected = sorted(m, 1, n, TVector{m(1, r), m(2, r)});
+        const std::size_t k = std::min<std::size_t>(expected.size(), wanted == 60 ? 50 : 4);
+        double sum = 0;
+        for (std::size_t i = 0; i < k; ++i) sum += expected[i].first;
+        if (r == 50 && n > 50) {
+          EXPECT_TRUE(std::isnan(means(r)));
+        } else {
+          EXPECT_NEAR(means(r), sum / static_cast<double>(k), 1e-14 * (1 + means(r)));
+        }
       }
     }
     EXPECT_EQ(means(n + 1), -1);
     MeanDistanceKNN(&m, 0, n, n, &means);
     EXPECT_EQ(means(n), 0) << "itself alone";
+  }
+}
+
+TEST(Neighbours, OfAllRowsAmongScatteredOnes) {
+  for (const int columns : {1, 3, 6}) {
+    TMatrix m;
+    test::fillNormal(m, columns, 900);
+    TVector means, probe;
+    means.Resize(900);
+    probe.Resize(columns);
+    MeanDistanceKNN(&m, 10, 1, 900, &means);
+    for (int r = 1; r <= 900; ++r) {
+      for (int c = 1; c <= columns; ++c) probe.SetVal(c, m(c, r));
+      double sum = 0;
+      const Pairs expected = sorted(m, 1, 900, probe);
+      for (std::size_t i = 0; i < 10; ++i) sum += expected[i].first;
+      ASSERT_NEAR(means(r), sum / 10, 1e-14) << columns << ' ' << r;
+    }
   }
 }
 

@@ -189,8 +189,21 @@ TEST(Smoothing, SumsWindowsAccurately) {
   x.Resize(3000);
   y.Resize(3000);
   for (int i = 1; i <= 3000; ++i) x.SetVal(i, i % 3 == 0 ? 1e16 : i % 3 == 1 ? 1 : -1e16);
-  MovingAverageSmooth(&x, 1, 3000, &y, 999);
-  for (const double v : y) ASSERT_NEAR(v, 1.0 / 3, 1e-16);
+  for (const int winSize : {99, 999}) {
+    MovingAverageSmooth(&x, 1, 3000, &y, winSize);
+    for (const double v : y) ASSERT_NEAR(v, 1.0 / 3, 1e-16) << winSize;
+  }
+  for (int i = 1; i <= 3000; ++i) x.SetVal(i, (i % 3 == 0 ? 1 : i % 3 == 1 ? 1e-17 : -1) * 3);
+  WeightedAverageSmooth(&x, 1, 3000, &y, 99);
+  for (int i = 50; i <= 2951; ++i) {
+    int large = 0, small = 0;
+    for (int k = -49; k <= 49; ++k) {
+      const int weight = 50 - std::abs(k);
+      const int kind = (i + k) % 3;
+      kind == 1 ? small += weight : large += kind == 0 ? weight : -weight;
+    }
+    ASSERT_DOUBLE_EQ(y(i) * 2500, 3 * large + small * x(1)) << i;
+  }
 }
 
 TEST(Smoothing, MediansOfAllKindsOfValuesAreThoseOfQuartiles) {
@@ -249,8 +262,10 @@ TEST(Smoothing, HasTheSameBitsOnEveryInstructionSet) {
     y.Resize(1111);
     for (const auto& routine : kRoutines) {
       for (int i = 1; i <= 1111; ++i) x.SetVal(i, x(i) / 3);
-      routine.smooth(&x, 2, 1110, &y, 17);
-      all.insert(all.end(), y.begin(), y.end());
+      for (const int winSize : {17, 25}) {
+        routine.smooth(&x, 2, 1110, &y, winSize);
+        all.insert(all.end(), y.begin(), y.end());
+      }
     }
     const TVector kernel(signal(38));
     MovingKernelFilter(&x, 1, 1111, &y, &kernel);

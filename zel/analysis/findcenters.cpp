@@ -2,13 +2,13 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdio>
-#include <limits>
 #include <vector>
 
 #include "zel/analysis/kmeans.h"
 #include "zel/analysis/matrix_view_impl.h"
 #include "zel/analysis/memory_impl.h"
 #include "zel/kernels/distances.h"
+#include "zel/kernels/minmax.h"
 #include "zel/kernels/nearest_pairs.h"
 #include "zel/kernels/sums.h"
 
@@ -81,7 +81,7 @@ class Agglomerate {
  private:
   kernels::NearestPairs::Partner Search(std::size_t i) {
     const auto squares = SquaresFrom(i, i + 1, FRows - i - 1);
-    const auto found = kernels::minMax(squares, {.minimum = std::numeric_limits<double>::max()});
+    const auto found = kernels::least(squares);
     if (found.minIndex == kernels::kNoIndex) return {};
     return {i + 1 + found.minIndex, found.minimum};
   }

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "zel/analysis/memory_impl.h"
@@ -44,15 +45,14 @@ class Progress {
   std::int64_t FDone = 0;
 };
 
-TDouble2DArray convolve(const TDouble2DArray& kernel, const TDouble2DArray& data,
-                        const TOnPercentDoneEvent& feedback) {
+/// @param result  of the shape of the data; not the data
+void convolve(const TDouble2DArray& kernel, const TDouble2DArray& data, TDouble2DArray& result,
+              const TOnPercentDoneEvent& feedback) {
   const std::size_t n = kernel.Length(0);
   const std::size_t half = n / 2;
   const std::size_t rows = data.Length(0);
   const std::size_t columns = data.Length(1);
-  TDouble2DArray result;
-  result.SetLength(rows, columns);
-  if (result.empty()) return result;
+  if (result.empty()) return;
   kernels::ClampedWindows windows({kernel.data(), n, n, half}, columns);
   std::vector<const double*> around(n);
   const auto about = [&](std::size_t row) {
@@ -72,7 +72,6 @@ TDouble2DArray convolve(const TDouble2DArray& kernel, const TDouble2DArray& data
     windows.edges(about(row), result[row].data());
     if (!isInner(row)) windows.inner(around.data(), result[row].data());
   }
-  return result;
 }
 
 using Compass = std::array<double, 9>;
@@ -97,7 +96,18 @@ int applyTurned(const Compass& kernel, int direction, const TDouble2DArray& data
 int KernelConvolve(const TDouble2DArray& Kernel, const TDouble2DArray& Data, TDouble2DArray& Result,
                    const TOnPercentDoneEvent& Feedback) {
   if (const int fault = faultOf(Kernel); fault != 0) return fault;
-  Result = detail::GuardFit("KernelConvolve", [&] { return convolve(Kernel, Data, Feedback); });
+  detail::GuardFit("KernelConvolve", [&] {
+    // Nothing but the handler may fail once the first cell is written, so without one a result of
+    // the right shape takes the cells itself.
+    const bool fits = Result.Length(0) == Data.Length(0) && Result.Length(1) == Data.Length(1);
+    if (fits && !Feedback && &Result != &Data && &Result != &Kernel) {
+      return convolve(Kernel, Data, Result, Feedback);
+    }
+    TDouble2DArray fresh;
+    fresh.SetLength(Data.Length(0), Data.Length(1));
+    convolve(Kernel, Data, fresh, Feedback);
+    Result = std::move(fresh);
+  });
   return 0;
 }
 

@@ -15,6 +15,7 @@
 #include "zel/kernels/least_squares.h"
 #include "zel/kernels/nearest.h"
 #include "zel/kernels/nearest_rows.h"
+#include "zel/kernels/nearest_tree.h"
 #include "zel/kernels/sums.h"
 
 namespace zel {
@@ -23,6 +24,9 @@ namespace {
 
 constexpr int kLongestList = 100;
 constexpr int kLongestMean = 50;
+/// Fewer rows than this for each column are compared with each other sooner than by a tree, whose
+/// boxes are too large then to leave much out.
+constexpr std::size_t kFewRows = 128;
 
 using kernels::NearestList;
 using kernels::Ties;
@@ -154,12 +158,18 @@ void MeanDistanceKNN(const TMatrix* DataMat, int NumNeighbors, int LowRow, int H
     const kernels::ConstMatrix all = detail::ViewOf(*DataMat);
     const auto range = all.block(first, 0, static_cast<std::size_t>(high) - first, all.columns);
     detail::Numbers means(range.rows);
-    kernels::nearestRows(range, dmEuclid, range, length, Ties::earlierFirst,
-                         [&](std::size_t i, const NearestList& list) {
-                           means[i] = list.found() > 0
-                                          ? kernels::mean(list.distances().first(list.found()))
-                                          : std::numeric_limits<double>::quiet_NaN();
-                         });
+    const auto use = [&](std::size_t i, std::span<const double> distances) {
+      means[i] =
+          distances.empty() ? std::numeric_limits<double>::quiet_NaN() : kernels::mean(distances);
+    };
+    if (range.columns > 0 && range.rows / kFewRows >= range.columns) {
+      kernels::nearestOfAll(range, length, use);
+    } else {
+      kernels::nearestRows(range, dmEuclid, range, length, Ties::earlierFirst,
+                           [&](std::size_t i, const NearestList& list) {
+                             use(i, list.distances().first(list.found()));
+                           });
+    }
     MeanDist->CopyFromArray(means, low);
   });
 }

@@ -30,7 +30,7 @@ enum TKnnWMode : std::uint8_t { kwmGauss, kwmAverage, kwmMedian, kwmLinear, kwmB
 ///   neighbours.
 /// Nothing happens for null or without rows.
 /// @throws EZELMath2Error  "MeanDistanceKNN: not enough memory"; nothing is changed then
-/// O(rows^2 * columns).
+/// O(rows log rows) for few columns, by a tree of boxes; up to O(rows^2 * columns) for many.
 ZEL_API void MeanDistanceKNN(const TMatrix* DataMat, int NumNeighbors, int LowRow, int HighRow,
                              TVector* MeanDist);
 

@@ -23,9 +23,7 @@ TColor RGB(int r, int g, int b) {
   return static_cast<TColor>(component(r) | component(g) << 8 | component(b) << 16);
 }
 
-int RGBtoGray(int r, int g, int b) {
-  return (299 * component(r) + 587 * component(g) + 114 * component(b) + 500) / 1000;
-}
+int RGBtoGray(int r, int g, int b) { return GrayOf(RGB(r, g, b)); }
 
 void RGBtoHSI(int r, int g, int b, double& h, double& s, double& i) {
   r = component(r);

@@ -17,6 +17,12 @@ using TColor = std::uint32_t;
 [[nodiscard]] constexpr int GreenOf(TColor c) { return static_cast<int>((c >> 8) & 0xFFU); }
 [[nodiscard]] constexpr int BlueOf(TColor c) { return static_cast<int>((c >> 16) & 0xFFU); }
 
+/// Grey value of a colour, as RGBtoGray.
+[[nodiscard]] constexpr int GrayOf(TColor c) {
+  const std::uint32_t luma = 299 * (c & 0xFFU) + 587 * (c >> 8 & 0xFFU) + 114 * (c >> 16 & 0xFFU);
+  return static_cast<int>((luma + 500) / 1000);
+}
+
 /// Grey value 0..255: luma 0.299 r + 0.587 g + 0.114 b (ITU-R BT.601), rounded to nearest.
 [[nodiscard]] ZEL_API int RGBtoGray(int r, int g, int b);
 

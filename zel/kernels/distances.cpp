@@ -4,8 +4,10 @@
 #include "zel/kernels/distances.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
+#include <utility>
 #include <vector>
 
 #include "zel/kernels/mirror.h"
@@ -176,6 +178,42 @@ void nearestOf(ConstMatrix points, ConstMatrix m, int* nearest) {
   for (; j < m.rows; ++j) nearestBlock<1>(single, points, m, j, nearest);
 }
 
+void takeRoots(double* x, std::size_t n) {
+  const hn::ScalableTag<double> d;
+  std::size_t i = 0;
+  for (; i + hn::Lanes(d) <= n; i += hn::Lanes(d)) {
+    hn::StoreU(hn::Sqrt(hn::LoadU(d, x + i)), d, x + i);
+  }
+  for (; i < n; ++i) x[i] = std::sqrt(x[i]);
+}
+
+// Sixteen lanes for every instruction set, the remainder in the first of them.
+double squaresOfDifferences(const double* x, const double* y, std::size_t n) {
+  constexpr std::size_t kAll = 16;
+  const hn::CappedTag<double, 8> d;
+  constexpr std::size_t kLanes = hn::MaxLanes(hn::CappedTag<double, 8>());
+  hn::Vec<decltype(d)> sums[kAll / kLanes];
+  for (auto& sum : sums) sum = hn::Zero(d);
+  std::size_t i = 0;
+  for (; i + kAll <= n; i += kAll) {
+    for (std::size_t v = 0; v < kAll / kLanes; ++v) {
+      const std::size_t at = i + v * kLanes;
+      const auto difference = hn::Sub(hn::LoadU(d, x + at), hn::LoadU(d, y + at));
+      sums[v] = hn::Add(sums[v], hn::Mul(difference, difference));
+    }
+  }
+  alignas(64) double lanes[kAll];
+  for (std::size_t v = 0; v < kAll / kLanes; ++v) hn::StoreU(sums[v], d, lanes + v * kLanes);
+  for (std::size_t k = 0; i < n; ++i, ++k) {
+    const double difference = x[i] - y[i];
+    lanes[k] += difference * difference;
+  }
+  for (std::size_t half = kAll / 2; half > 0; half /= 2) {
+    for (std::size_t k = 0; k < half; ++k) lanes[k] += lanes[k + half];
+  }
+  return lanes[0];
+}
+
 // The lower triangle of the sums of all pairs.
 void pairSums(ConstMatrix m, PairSum sum, Matrix out) {
   if (sum == PairSum::manhattan) return pairSumsOf<PairSum::manhattan, true>(m, m, out);
@@ -194,6 +232,8 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace zel::kernels {
 
+HWY_EXPORT(takeRoots);
+HWY_EXPORT(squaresOfDifferences);
 HWY_EXPORT(pairSums);
 HWY_EXPORT(pointSums);
 HWY_EXPORT(nearestOf);
@@ -216,6 +256,26 @@ double rowDistance(ConstMatrix m, TDistMode mode, std::size_t i, std::size_t j) 
   return pairDistance(mode, sum, aa, bb);
 }
 
+double squaredDistance(std::span<const double> x, std::span<const double> y) {
+  if (x.size() > y.size()) std::swap(x, y);
+  if (y.size() < 2 * 16) {
+    // Done before the choice of an instruction set is made.
+    double lanes[4] = {};
+    for (std::size_t i = 0; i < y.size(); ++i) {
+      const double d = i < x.size() ? x[i] - y[i] : y[i];
+      lanes[i % 4] += d * d;
+    }
+    return (lanes[0] + lanes[1]) + (lanes[2] + lanes[3]);
+  }
+  const auto squares = HWY_DYNAMIC_DISPATCH(squaresOfDifferences);
+  double sum = squares(x.data(), y.data(), x.size());
+  static constexpr std::array<double, 256> kZeros{};
+  for (std::size_t i = x.size(); i < y.size(); i += kZeros.size()) {
+    sum += squares(kZeros.data(), y.data() + i, std::min(kZeros.size(), y.size() - i));
+  }
+  return sum;
+}
+
 void rowDistances(ConstMatrix m, TDistMode mode, Matrix distances) {
   const std::size_t n = m.rows;
   std::vector<double> squares(n);
@@ -226,9 +286,14 @@ void rowDistances(ConstMatrix m, TDistMode mode, Matrix distances) {
     }
   }
   HWY_DYNAMIC_DISPATCH(pairSums)(m, pairSum(mode), distances);
+  const auto takeRoots = HWY_DYNAMIC_DISPATCH(takeRoots);
   for (std::size_t i = 0; i < n; ++i) {
     double* const column = distances.column(i);
     column[i] = 0;
+    if (mode == dmEuclid) {
+      takeRoots(column + i + 1, n - i - 1);
+      continue;
+    }
     for (std::size_t j = i + 1; j < n; ++j) {
       column[j] = pairDistance(mode, column[j], squares[i], squares[j]);
     }

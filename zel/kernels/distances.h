@@ -22,6 +22,10 @@ namespace zel::kernels {
 /// @throws std::bad_alloc  before anything is written
 void rowDistances(ConstMatrix m, TDistMode mode, Matrix distances);
 
+/// Squared Euclidean distance of two points, the shorter one of which goes on with zeros. Plain
+/// sums, over four lanes for fewer than 32 coordinates, else over sixteen.
+[[nodiscard]] double squaredDistance(std::span<const double> x, std::span<const double> y);
+
 /// What the distances of the rows of m from each of some points sum up: squared differences, or for
 /// dmManhattan magnitudes of differences. Bit for bit the sums of rowDistance.
 /// @param points  one in each row, with as many columns as m

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 #include "zel/kernels/nearest_pairs.h"
 
@@ -77,7 +78,7 @@ class Clusters {
  private:
   [[nodiscard]] NearestPairs::Partner search(std::size_t i) const {
     const auto later = FDistances[i].subspan(i + 1);
-    const auto found = minMax(later, {.minimum = std::numeric_limits<double>::max()});
+    const auto found = least(later);
     if (found.minIndex == kNoIndex) return {};
     return {i + 1 + found.minIndex, found.minimum};
   }
@@ -112,6 +113,80 @@ class Clusters {
   std::vector<std::size_t> FPlaces;  // of the clusters that are left, ascending
 };
 
+/// An edge of a tree over objects.
+struct Edge {
+  std::size_t a, b;
+  double length;
+};
+
+/// The minimum spanning tree, the shortest edge first; empty if two of its edges have one length,
+/// if one is not below the largest double, or if a distance is not a number. The lengths are those
+/// of every such tree, so the clusters that they unite one after the other are those of single
+/// linkage. Method: Prim, Bell Syst. Tech. J. 36 (1957) 1389; Gower and Ross, Appl. Stat. 18
+/// (1969) 54.
+std::vector<Edge> distinctSpanningTree(ConstMatrix distances) {
+  const std::size_t n = distances.rows;
+  std::vector<Edge> tree;
+  tree.reserve(n - 1);
+  // Of the objects outside the tree.
+  std::vector<std::size_t> outside(n - 1);
+  std::vector<std::size_t> partner(n - 1, 0);
+  std::vector<double> length(n - 1, std::numeric_limits<double>::infinity());
+  for (std::size_t k = 0; k < outside.size(); ++k) outside[k] = k + 1;
+  bool isNumber = true;
+  for (std::size_t last = 0; !outside.empty();) {
+    const double* const from = distances.column(last);
+    for (std::size_t k = 0; k < outside.size(); ++k) {
+      const double d = from[outside[k]];
+      isNumber &= d == d;
+      if (d < length[k]) {
+        length[k] = d;
+        partner[k] = last;
+      }
+    }
+    const std::size_t best = least(length).minIndex;
+    if (!isNumber || best == kNoIndex) return {};
+    last = outside[best];
+    tree.push_back({partner[best], last, length[best]});
+    for (auto* list : {&outside, &partner}) {
+      (*list)[best] = list->back();
+      list->pop_back();
+    }
+    length[best] = length.back();
+    length.pop_back();
+  }
+  std::ranges::sort(tree, {}, &Edge::length);
+  const auto equal = std::ranges::adjacent_find(tree, {}, &Edge::length);
+  if (equal != tree.end()) tree.clear();
+  return tree;
+}
+
+/// Unites the clusters of objects along edges; each has the place of its highest object.
+class Forest {
+ public:
+  explicit Forest(std::size_t n) : FAbove(n), FLabels(n) {
+    for (std::size_t i = 0; i < n; ++i) FAbove[i] = FLabels[i] = i;
+  }
+  Merge unite(const Edge& edge, std::size_t label) {
+    std::size_t i = placeOf(edge.a);
+    std::size_t j = placeOf(edge.b);
+    if (i > j) std::swap(i, j);
+    const Merge merge{FLabels[i], FLabels[j], edge.length};
+    FAbove[i] = j;
+    FLabels[j] = label;
+    return merge;
+  }
+
+ private:
+  std::size_t placeOf(std::size_t i) {
+    for (; FAbove[i] != i; i = FAbove[i]) FAbove[i] = FAbove[FAbove[i]];
+    return i;
+  }
+
+  std::vector<std::size_t> FAbove;
+  std::vector<std::size_t> FLabels;
+};
+
 }  // namespace
 
 std::vector<Merge> agglomerate(Matrix distances, Linkage linkage, double f, Poll goOn) {
@@ -119,6 +194,15 @@ std::vector<Merge> agglomerate(Matrix distances, Linkage linkage, double f, Poll
   std::vector<Merge> merges;
   if (n < 2) return merges;
   merges.reserve(n - 1);
+  if (linkage == Linkage::single) {
+    const std::vector<Edge> tree = distinctSpanningTree(distances);
+    Forest forest(n);
+    for (const Edge& edge : tree) {
+      if (!goOn()) return merges;
+      merges.push_back(forest.unite(edge, n + merges.size()));
+    }
+    if (!tree.empty()) return merges;
+  }
   Clusters clusters(distances, linkage, f);
   while (merges.size() + 1 < n && goOn()) {
     merges.push_back(clusters.mergeNearest(n + merges.size()));

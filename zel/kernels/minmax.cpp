@@ -15,20 +15,20 @@ namespace {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// Small enough that searching the winning block again costs nothing beside the pass.
+// Small enough that the second look at the winning block costs nothing beside the pass.
 constexpr std::size_t kBlock = 1024;
 
-/// Position of the first element of the block that is best in the direction of isBetter.
-template <class T, class IsBetter>
-std::size_t firstBest(const T* x, std::size_t from, std::size_t to, T start, IsBetter isBetter) {
-  std::size_t best = kNoIndex;
-  for (std::size_t i = from; i < to; ++i) {
-    if (isBetter(x[i], start)) {
-      start = x[i];
-      best = i;
-    }
+/// Position of the first element from `from` on that equals the value; there is one.
+template <class T>
+std::size_t firstEqual(const T* x, std::size_t from, std::size_t to, T value) {
+  const hn::ScalableTag<T> d;
+  const auto wanted = hn::Set(d, value);
+  for (; from + hn::Lanes(d) <= to; from += hn::Lanes(d)) {
+    const std::intptr_t lane = hn::FindFirstTrue(d, hn::Eq(hn::LoadU(d, x + from), wanted));
+    if (lane >= 0) return from + static_cast<std::size_t>(lane);
   }
-  return best;
+  while (x[from] != value) ++from;
+  return from;
 }
 
 template <class T>
@@ -71,13 +71,11 @@ void findMinMax(const T* x, std::size_t n, MinMax<T>& result) {
     }
   }
   if (minBlock != kNoIndex) {
-    result.minIndex = firstBest(x, minBlock, HWY_MIN(n, minBlock + kBlock), result.minimum,
-                                [](T a, T b) { return a < b; });
+    result.minIndex = firstEqual(x, minBlock, HWY_MIN(n, minBlock + kBlock), minimum);
     result.minimum = x[result.minIndex];
   }
   if (maxBlock != kNoIndex) {
-    result.maxIndex = firstBest(x, maxBlock, HWY_MIN(n, maxBlock + kBlock), result.maximum,
-                                [](T a, T b) { return a > b; });
+    result.maxIndex = firstEqual(x, maxBlock, HWY_MIN(n, maxBlock + kBlock), maximum);
     result.maximum = x[result.maxIndex];
   }
 }

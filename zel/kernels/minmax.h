@@ -42,6 +42,12 @@ struct MinMaxStart<std::int32_t> {
 [[nodiscard]] MinMax<std::int32_t> minMax(std::span<const std::int32_t> x,
                                           MinMaxStart<std::int32_t> start = {});
 
+/// The first of the least elements, if it is below the largest double; no maximum is looked for.
+[[nodiscard]] inline MinMax<double> least(std::span<const double> x) {
+  using Limits = std::numeric_limits<double>;
+  return minMax(x, {.minimum = Limits::max(), .maximum = Limits::infinity()});
+}
+
 /// No element differs from the first.
 template <class T>
 [[nodiscard]] bool isConstant(std::span<const T> x) {

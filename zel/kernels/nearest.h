@@ -40,10 +40,8 @@ class NearestList {
   void offer(double distance, int number) {
     if (FDistances.empty() || !(distance <= FDistances.back())) return;
     const std::span<const double> list(FDistances);
-    const std::size_t place =
-        FTies == Ties::laterFirst
-            ? placeInSorted(list, distance, true, true)
-            : static_cast<std::size_t>(std::ranges::upper_bound(list, distance) - list.begin());
+    const std::size_t place = FTies == Ties::laterFirst ? placeInSorted(list, distance, true, true)
+                                                        : placeBehindEqual(list, distance);
     if (!insertAt(std::span(FDistances), distance, place)) return;
     insertAt(std::span(FNumbers), number, place);
     FFound = std::min(FFound + 1, FNumbers.size());
@@ -73,6 +71,16 @@ class NearestList {
   [[nodiscard]] std::size_t found() const { return FFound; }
 
  private:
+  [[nodiscard]] static std::size_t placeBehindEqual(std::span<const double> list, double distance) {
+    // No branch of a short search can be foreseen, so counting is quicker.
+    constexpr std::size_t kShort = 32;
+    if (list.size() > kShort) {
+      return static_cast<std::size_t>(std::ranges::upper_bound(list, distance) - list.begin());
+    }
+    std::size_t place = 0;
+    for (const double d : list) place += d <= distance ? 1 : 0;
+    return place;
+  }
   [[nodiscard]] double limitOfSquares() const {
     // A little above the square of the last distance, whatever its rounding.
     return FDistances.empty() ? -1.0 : FDistances.back() * FDistances.back() * (1 + 1e-15);

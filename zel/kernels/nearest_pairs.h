@@ -62,8 +62,7 @@ class NearestPairs {
   template <class Search>
   std::pair<std::size_t, std::size_t> nearest(Search&& search) {
     while (true) {
-      const std::size_t i =
-          minMax(FBounds, {.minimum = std::numeric_limits<double>::max()}).minIndex;
+      const std::size_t i = least(FBounds).minIndex;
       if (i == kNoIndex) return {i, i};
       if (!FStale[i]) return {i, FPartners[i]};
       const Partner found = search(i);

@@ -21,6 +21,12 @@ namespace hn = hwy::HWY_NAMESPACE;
 
 #include "zel/kernels/double_double-inl.h"
 
+constexpr std::size_t kBlocks = 8;
+
+/// Between these widths the time does not grow with the width, and the sums lose nothing that
+/// counts.
+constexpr bool isByBlocks(std::size_t width) { return width >= 24 && width <= 4096; }
+
 /// Values hi + lo; without lo they are plain numbers.
 struct Values {
   const double* hi;
@@ -81,19 +87,81 @@ void sumWindows(const Values& x, std::size_t width, double* hi, double* lo, std:
   }
 }
 
+/// The same for windows that start in as many whole groups of kBlocks blocks of `width` values as
+/// there are; returns their number. Each window is the end of a block and the beginning of the next
+/// (van Herk, Pattern Recogn. Lett. 13 (1992) 517); the lanes belong to neighbouring blocks.
+/// @param ends  room for 2 kBlocks width numbers
+template <bool kHasLow>
+std::size_t sumBlocks(const Values& x, std::size_t width, double* hi, double* lo, std::size_t count,
+                      double* ends) {
+  const hn::CappedTag<double, kBlocks> d;
+  using Vec = hn::Vec<decltype(d)>;
+  constexpr std::size_t kLanes = hn::MaxLanes(hn::CappedTag<double, kBlocks>());
+  constexpr std::size_t kVectors = kBlocks / kLanes;
+  const hn::RebindToSigned<decltype(d)> di;
+  const auto step = static_cast<std::int64_t>(width);
+  const auto places =
+      hn::Mul(hn::ConvertTo(d, hn::Iota(di, 0)), hn::Set(d, static_cast<double>(step)));
+  const auto strides = hn::ConvertTo(di, places);
+  const auto addAt = [&](Twofold<Vec>& sum, std::size_t v, std::size_t at) HWY_ATTR {
+    const std::size_t from = at + v * kLanes * width;
+    const Twofold<Vec> s = twoSum(sum.hi, hn::GatherIndex(d, x.hi + from, strides));
+    sum.hi = s.hi;
+    sum.lo = hn::Add(sum.lo, s.lo);
+    if constexpr (kHasLow) sum.lo = hn::Add(sum.lo, hn::GatherIndex(d, x.lo + from, strides));
+  };
+  std::size_t done = 0;
+  for (; done + kBlocks * width <= count; done += kBlocks * width) {
+    Twofold<Vec> sums[kVectors];
+    for (auto& sum : sums) sum = {hn::Zero(d), hn::Zero(d)};
+    for (std::size_t o = width; o-- > 0;) {
+      for (std::size_t v = 0; v < kVectors; ++v) {
+        addAt(sums[v], v, done + o);
+        double* const to = ends + 2 * (o * kBlocks + v * kLanes);
+        hn::StoreU(sums[v].hi, d, to);
+        hn::StoreU(sums[v].lo, d, to + kLanes);
+      }
+    }
+    for (auto& sum : sums) sum = {hn::Zero(d), hn::Zero(d)};
+    for (std::size_t o = 0; o < width; ++o) {
+      for (std::size_t v = 0; v < kVectors; ++v) {
+        const double* const from = ends + 2 * (o * kBlocks + v * kLanes);
+        const Twofold<Vec> s = twoSum(hn::LoadU(d, from), sums[v].hi);
+        const Vec low = hn::Add(hn::Add(s.lo, hn::LoadU(d, from + kLanes)), sums[v].lo);
+        const std::size_t at = done + o + v * kLanes * width;
+        hn::ScatterIndex(s.hi, d, hi + at, strides);
+        hn::ScatterIndex(low, d, lo + at, strides);
+        if (o + 1 < width) addAt(sums[v], v, done + width + o);
+      }
+    }
+  }
+  return done;
+}
+
+/// Sums of `width` values, the cheaper way.
+template <bool kHasLow>
+void sumAll(const Values& x, std::size_t width, double* hi, double* lo, std::size_t count,
+            double* ends) {
+  const std::size_t done =
+      isByBlocks(width) ? sumBlocks<kHasLow>(x, width, hi, lo, count, ends) : 0;
+  if (done == count) return;
+  sumWindows<kHasLow>({x.hi + done, x.lo + done}, width, hi + done, lo + done, count - done);
+}
+
 /// Sums over the windows that start at the first `count` of x.
 Values sumTile(const double* x, std::size_t width, WindowShape shape, double* work,
                std::size_t length, std::size_t count) {
   double* const hi = work;
   double* const lo = work + length;
+  double* const ends = work + 5 * length;
   if (shape == WindowShape::flat) {
-    sumWindows<false>({x, x}, width, hi, lo, count);
+    sumAll<false>({x, x}, width, hi, lo, count, ends);
     return {hi, lo};
   }
-  sumWindows<false>({x, x}, width, hi, lo, count + width - 1);
+  sumAll<false>({x, x}, width, hi, lo, count + width - 1, ends);
   double* const hi2 = work + 2 * length;
   double* const lo2 = work + 3 * length;
-  sumWindows<true>({hi, lo}, width, hi2, lo2, count);
+  sumAll<true>({hi, lo}, width, hi2, lo2, count, ends);
   return {hi2, lo2};
 }
 
@@ -157,9 +225,9 @@ void windowMeans(std::span<const double> x, std::size_t width, WindowShape shape
   const std::size_t count = x.size() - more;
   // The sums of a tile stay in the cache; what neighbouring tiles compute twice stays small.
   constexpr std::size_t kTile = 512;
-  const std::size_t tile = std::min(count, std::max(kTile, 2 * more));
+  const std::size_t tile = std::min(count, std::max(kTile, 8 * width));
   const std::size_t length = tile + more;
-  const Scratch work(5 * length);
+  const Scratch work(5 * length + 16 * width);
   const auto w = static_cast<double>(width);
   const double divisor = shape == WindowShape::flat ? w : w * w;
   for (std::size_t at = 0; at < count; at += tile) {
