@@ -101,7 +101,8 @@ TYPED_TEST(ArrayFamilies, RangesAreThoseOfLoopsOverTheIndices) {
     ASSERT_EQ(call([&](auto... i) { return StdDevArray(a, i..., result[1]); }), status);
     MeanArray(cells, 0, static_cast<int>(cells.size()) - 1, result[2]);
     StdDevArray(cells, 0, static_cast<int>(cells.size()) - 1, result[3]);
-    EXPECT_TRUE(result[0] == result[2] && result[1] == result[3]);
+    EXPECT_DOUBLE_EQ(result[0], result[2]);
+    EXPECT_EQ(result[1], result[3]);
     const T least = cells.empty() ? T{0} : cells[cells.size() / 2];
     ASSERT_EQ(
         call([&](auto... i) { return CountValues(a, i..., T{-9}, least); }),
@@ -131,7 +132,7 @@ TYPED_TEST(ArrayFamilies, WholeArraysAreThoseOfLoopsOverTheCells) {
     Array a = this->filled(extents);
     const Array b = this->filled(extents);
     const T scalar = *b.begin();
-    const Wide s(scalar);
+    const auto s = static_cast<Wide>(scalar);
     Array r = b;
     const auto expect = [&](int status, auto operation) {
       Array expected = b;

@@ -54,6 +54,18 @@ struct TBinaryHeader {
   [[nodiscard]] std::uint64_t LayerSize() const { return Product(Size(Columns), Size(Rows)); }
   [[nodiscard]] std::uint64_t TimeSlotSize() const { return Product(LayerSize(), Size(Layers)); }
 
+  /// Copies the fields of arrays.
+  const TBinaryHeader& Give(int& columns, int& rows, int& layers, int& timeSlots, std::string& id,
+                            int& format) const {
+    columns = Columns;
+    rows = Rows;
+    layers = Layers;
+    timeSlots = TimeSlots;
+    id = DataID.view();
+    format = Format;
+    return *this;
+  }
+
   static std::uint64_t Size(int n) { return n < 0 ? 0 : static_cast<std::uint64_t>(n); }
   static std::uint64_t Product(std::uint64_t a, std::uint64_t b) {
     return b != 0 && a > UINT64_MAX / b ? UINT64_MAX : a * b;

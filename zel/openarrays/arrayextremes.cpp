@@ -51,20 +51,28 @@ kernels::MinMax<T> extremes(std::span<const T> x) {
   return found;
 }
 
-/// The same of numbers that become doubles block by block; without the places.
+/// The same in lanes, which the compiler makes vectors of; without the places.
 kernels::MinMax<float> extremes(std::span<const float> x) {
-  std::array<double, 1024> block;
-  auto limits = kLimits<double>;
-  bool isNumber = false;
-  for (std::size_t first = 0; first < x.size(); first += block.size()) {
-    const auto part = x.subspan(first, std::min(block.size(), x.size() - first));
-    std::ranges::copy(part, block.begin());
-    const auto found = kernels::minMax(std::span<const double>(block.data(), part.size()), limits);
-    limits = {found.minimum, found.maximum};
-    isNumber = isNumber || !std::ranges::all_of(part, [](float f) { return std::isnan(f); });
-  }
-  if (!isNumber) return {x.front(), x.front()};
-  return {static_cast<float>(limits.minimum), static_cast<float>(limits.maximum)};
+  constexpr std::size_t kLanes = 16;
+  constexpr float kInfinity = std::numeric_limits<float>::infinity();
+  std::array<float, kLanes> low;
+  std::array<float, kLanes> high;
+  low.fill(kInfinity);
+  high.fill(-kInfinity);
+  const auto take = [&](const float* first, std::size_t n) {
+    for (std::size_t k = 0; k < n; ++k) {
+      low[k] = first[k] < low[k] ? first[k] : low[k];
+      high[k] = first[k] > high[k] ? first[k] : high[k];
+    }
+  };
+  std::size_t i = 0;
+  for (; i + kLanes <= x.size(); i += kLanes) take(x.data() + i, kLanes);
+  take(x.data() + i, x.size() - i);
+  const float least = *std::ranges::min_element(low);
+  const float most = *std::ranges::max_element(high);
+  // Only not-a-number leaves both as they were.
+  return least > most ? kernels::MinMax<float>{x.front(), x.front()}
+                      : kernels::MinMax<float>{least, most};
 }
 
 template <class T>

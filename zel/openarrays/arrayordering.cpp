@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <utility>
+#include <vector>
 
-#include "zel/kernels/comb_sort.h"
+#include "zel/kernels/comb_order.h"
 #include "zel/openarrays/cells_impl.h"
 
 namespace zel {
@@ -20,9 +22,16 @@ template <class T>
 int sortWithPlaces(bool ascending, std::span<T> data, TIntArray& index) {
   const std::size_t n = data.size();
   if (n < 2) return kEmpty;
-  return detail::StoreResult("SortArray", detail::TExtents<1>{n}, index, [&](int* places) {
-    kernels::combSortOrder(data, std::span(places, n), 1, n - 1, ascending);
+  TIntArray places;
+  detail::GuardArrays("SortArray", [&] {
+    places.resize(n);
+    std::vector<std::uint64_t> order(n);
+    kernels::combOrderFast(data, std::span(order), n - 1, ascending);
+    std::ranges::transform(order, places.begin(),
+                           [](std::uint64_t place) { return static_cast<int>(place) + 1; });
   });
+  index.swap(places);
+  return kDone;
 }
 
 int sortedOnce(TIntArray& a, bool ascending) {
