@@ -80,7 +80,7 @@ int meanOf(const TBlock<const T, Rank>& a, const TCorner<Rank>& low, const TCorn
   TBox<Rank> box;
   if (const int fault = detail::TakeBox(a, low, high, box); fault != kDone) return fault;
   if (box.counts.back() >= kLongRun) {
-    kernels::DoubleDouble sum;
+    kernels::DoubleDouble sum{0, 0};
     detail::ForEachRun(a, box, [&](std::span<const T> run) { sum = sum + kernels::sum(run); });
     const auto count = static_cast<double>(detail::CountOf<Rank>(box.counts));
     const kernels::DoubleDouble quotient = sum / count;
