@@ -75,7 +75,7 @@ template <class T, int Rank>
 int meanOf(const TBlock<const T, Rank>& a, const TCorner<Rank>& low, const TCorner<Rank>& high,
            double& mean) {
   // Shorter runs are faster copied together than summed one by one.
-  constexpr std::size_t kLongRun = 64;
+  constexpr std::size_t kLongRun = 512;
   mean = 0;
   TBox<Rank> box;
   if (const int fault = detail::TakeBox(a, low, high, box); fault != kDone) return fault;
