@@ -60,12 +60,12 @@ TEST(ArrayStatistics, ExtremesSpreadAndPercentiles) {
   const TInt2DArray a{{3, 1}, {1, 5}, {5, 4}};
   int n[6];
   EXPECT_EQ((Codes{MaxArray(a, n[0], n[1]), n[0], n[1], MinArray(a, n[0], n[1]), n[0], n[1],
-                   MaxArray(TIntArray(3, INT_MIN), n[0]), n[0], MaxArray(TIntArray(), n[0]), n[0]}),
+                   MaxArray(TIntArray(4, INT_MIN), n[0]), n[0], MaxArray(TIntArray(), n[0]), n[0]}),
             (Codes{5, 1, 1, 1, 0, 1, INT_MIN, 0, INT_MIN, -1}));
   EXPECT_EQ(MinMaxArray(a, 1, 1, 2, 1, n[0], n[1], n[2], n[3], n[4], n[5]), 0);
   EXPECT_EQ(Codes(n, n + 6), (Codes{4, 5, 2, 1, 1, 1}));
   TSingleArray singles(3000, 2);
-  singles[2500] = -HUGE_VALF;
+  singles[2999] = -HUGE_VALF;
   singles[0] = NAN;
   float low = 0;
   float high = 0;

@@ -96,7 +96,7 @@ TEST(Frequencies, CountEachCellOnceAndCheckInOrder) {
   EXPECT_EQ((TIntArray{FrequDistOfArray(a, mask, 0, 1, 1, 2, 0, 10, 1, counts, under, over, most),
                        under, over, counts[0], counts[1]}),
             (TIntArray{0, 0, 1, 1, 1}));
-  EXPECT_EQ(FrequDistOfArray(TDoubleArray{5, 1, 1}, 1, 2, 0, 1, 1, counts, under, over, most), 0);
+  EXPECT_EQ(FrequDistOfArray(TDoubleArray{1, 1, 0}, 0, 1, 0, 1, 1, counts, under, over, most), 0);
   const auto code = [&](int low, int high, double first, double last, double width) {
     return FrequDistOfArray(a, {}, low, 0, high, 0, first, last, width, counts, under, over, most);
   };
