@@ -19,8 +19,7 @@ const double kNan = std::nan("");
 
 TEST(ArrayCopies, ColumnsRowsAndShapes) {
   const TInt2DArray a{{1, 2, 3}, {4, 5, 6}};  // two columns of three rows
-  TIntArray v;
-  TIntArray w;
+  TIntArray v, w;
   EXPECT_EQ((Codes{CopyArrayColumn(a, 1, 1, 2, v), CopyArrayRow(a, 2, 0, 1, w),
                    CopyArrayColumn(a, 2, 0, 0, w), CopyArrayColumn(a, 2, 2, 1, w),
                    CopyArrayRow(a, -1, 0, 1, w), CopyArrayRow(a, 3, 1, 2, w)}),
@@ -67,18 +66,22 @@ TEST(ArrayStatistics, ExtremesSpreadAndPercentiles) {
   TSingleArray singles(3000, 2);
   singles[2999] = -HUGE_VALF;
   singles[0] = NAN;
-  float low = 0;
-  float high = 0;
+  float low = 0, high = 0;
   EXPECT_TRUE(MinMaxArray(singles, low, high) == 0 && low == -HUGE_VALF && high == 2);
   EXPECT_EQ(MaxArray(TDoubleArray{kNan, -HUGE_VAL}), -HUGE_VAL);
-  double mean = 0;
-  double spread = 0;
+  double mean = 0, spread = 0;
   for (const double scale : {1e-310, 1.0, 1e300}) {
     EXPECT_EQ(StdDevArray(TDoubleArray{scale, 2 * scale, 3 * scale}, 0, 2, spread), 0);
     EXPECT_DOUBLE_EQ(spread, scale);
     StdDevArray(TDoubleArray{scale, 3 * scale}, 0, 1, spread);
     EXPECT_DOUBLE_EQ(spread, scale * std::sqrt(2));
   }
+  // Long runs, which are summed apart, and a sum beyond the range.
+  TDouble2DArray long2(3, 1000);
+  FillArray(long2, 1e308, 0, 0, 2, 600);
+  EXPECT_TRUE(MeanArray(long2, 1, 0, 2, 601, mean) == 0 && mean < 1e308 && mean > 0.998e308);
+  FillArray(long2, 1, 0, 1, 1, 998);
+  EXPECT_TRUE(MeanArray(long2, 0, 1, 1, 999, mean) == 0 && mean == 998.0 / 999);
   EXPECT_EQ(MeanVarArray(TIntArray{9, 1, 2, 9}, 1, 2, mean, spread), 0);
   EXPECT_TRUE(mean == 1.5 && spread == 0.5);
   for (const auto& [prob, value] : {std::pair(50, 3), {100, 4}, {12, 1}, {13, 2}, {-1, 1}}) {
@@ -90,9 +93,7 @@ TEST(ArrayStatistics, ExtremesSpreadAndPercentiles) {
 class ArrayMatrices : public test::WithProgress {};
 
 TEST_F(ArrayMatrices, AreThoseOfTheMatrix) {
-  TMatrix a;
-  TMatrix b;
-  TMatrix result;
+  TMatrix a, b, result;
   test::fillNormal(a, 4, 6);
   test::fillNormal(b, 3, 4);
   const auto arrayOf = [](const TMatrix& m) {
@@ -187,8 +188,7 @@ TEST(ArraySearch, CodesAndPositions) {
                    FindInSortedArray(0.9, odd, true), FindInSortedArray(kNan, odd, true),
                    FindInSortedArray(4, TDoubleArray{7, 5, 3, 1}, false)}),
             (Codes{1, -2, 0, -2, 1, -2, 1, -1, 2, 3, -2, -2, 2}));
-  double low = 0;
-  double high = 0;
+  double low = 0, high = 0;
   EXPECT_TRUE(IsDichotomous(TDoubleArray{5, 2, 5, 2}, low, high) && low == 2 && high == 5);
 }
 

@@ -25,6 +25,7 @@ Filled fillSlowly(TDynArray<T, 2>& a, int x, int y, T value, Belongs belongs) {
   const int rows = static_cast<int>(a.Length(1));
   TBool2DArray in(columns + 2, rows + 2);  // with a border
   in(x + 1, y + 1) = true;
+  a(x, y) = value;
   Filled filled{1, y, y, x, x};
   for (bool grows = true; grows;) {
     grows = false;
@@ -33,19 +34,16 @@ Filled fillSlowly(TDynArray<T, 2>& a, int x, int y, T value, Belongs belongs) {
         const bool touches = in(c, r + 1) || in(c + 2, r + 1) || in(c + 1, r) || in(c + 1, r + 2);
         if (in(c + 1, r + 1) || !touches || !belongs(a(c, r))) continue;
         grows = in(c + 1, r + 1) = true;
+        a(c, r) = value;
         const auto& [n, highRow, lowRow, lowColumn, highColumn] = filled;
         filled = {n + 1, std::max(highRow, r), std::min(lowRow, r), std::min(lowColumn, c),
                   std::max(highColumn, c)};
       }
     }
   }
-  for (int c = 1; c <= columns; ++c) {
-    for (int r = 1; r <= rows; ++r) {
-      if (in(c, r)) a(c - 1, r - 1) = value;
-    }
-  }
   return filled;
 }
+
 TEST(FloodFill, IsTheRegionOnRandomImages) {
   std::mt19937 random(3);
   const auto below = [&](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
@@ -55,19 +53,16 @@ TEST(FloodFill, IsTheRegionOnRandomImages) {
     return k;
   };
   for (int trial = 0; trial < 600; ++trial) {
-    const int columns = 1 + below(12);
-    const int rows = 1 + below(12);
+    const int columns = 1 + below(12), rows = 1 + below(12);
     TInt2DArray a(columns, rows);
     TDouble2DArray b(columns, rows);
     for (int& cell : a) cell = below(5) < 3 ? 0 : below(3);
     for (double& cell : b) cell = 0.5 * below(7);
-    const int x = below(columns);
-    const int y = below(rows);
+    const int x = below(columns), y = below(rows);
     TInt2DArray slow = a;
     const int seed = a(x, y);
     const Filled region = fillSlowly(slow, x, y, 9, [=](int cell) { return cell == seed; });
-    EXPECT_EQ(fill(x, y, 9, std::ref(a)), region);
-    EXPECT_EQ(a, slow);
+    EXPECT_TRUE(fill(x, y, 9, std::ref(a)) == region && a == slow);
     EXPECT_EQ(fill(x, y, 9, std::ref(a))[0], -2);
     EXPECT_EQ(fill(columns, y, 8, std::ref(a))[0] + fill(x, -1, 8, std::ref(a))[0], -2);
 
@@ -77,16 +72,13 @@ TEST(FloodFill, IsTheRegionOnRandomImages) {
     TDouble2DArray slowly = b;
     const Filled band = fillSlowly(slowly, x, y, value,
                                    [=](double cell) { return std::fabs(cell - centre) <= 0.5; });
-    EXPECT_EQ(fill(x, y, -0.5, value, std::ref(b)), band);
-    EXPECT_EQ(b, slowly);
+    EXPECT_TRUE(fill(x, y, -0.5, value, std::ref(b)) == band && b == slowly);
   }
 }
 
 TEST(Frequencies, CountEachCellOnceAndCheckInOrder) {
   TIntArray counts;
-  int under = 0;
-  int over = 0;
-  int most = 0;
+  int under = 0, over = 0, most = 0;
   const TDouble2DArray a{{-0.1, 0, 0.99}, {10.5, 11, 1}};
   TBool2DArray mask(2, 3);
   EXPECT_EQ(FrequDistOfArray(a, mask, 0, 0, 0, 0, 0, 10, 1, counts, under, over, most), 0);
@@ -160,15 +152,12 @@ class ArrayFiles : public testing::Test {
     EXPECT_EQ(ReadBinaryArrayHeader(name(), n[0], n[1], n[2], n[3], id, n[4]), 0);
     EXPECT_EQ(testing::PrintToString(n), shape);
     const std::string bytes = zel_test::readBytes(name());
-    EXPECT_EQ(bytes.size() % 4096, 0u);
-    for (const std::size_t cut : {std::size_t{0}, std::size_t{4095}, bytes.size() - 1}) {
-      zel_test::writeBytes(name(), bytes.substr(0, cut));
-      EXPECT_EQ(LoadBinaryArray(name(), b, id), -3);
+    // Cut off, and with an announced extent that the file does not hold.
+    for (const std::string& bad : {bytes.substr(0, 4095), bytes.substr(0, bytes.size() - 1),
+                                   "\xFF\xFF\xFF\x7F" + bytes.substr(4)}) {
+      zel_test::writeBytes(name(), bad);
+      EXPECT_TRUE(LoadBinaryArray(name(), b, id) == -3 && b == a);
     }
-    // An announced extent that the file does not hold.
-    zel_test::writeBytes(name(), "\xFF\xFF\xFF\x7F" + bytes.substr(4));
-    EXPECT_EQ(LoadBinaryArray(name(), b, id), -3);
-    EXPECT_EQ(b, a);
   }
 
   const zel_test::TempDir folder_;
