@@ -13,11 +13,11 @@ namespace {
 constexpr std::string_view kCommentMark = "//";
 constexpr std::string_view kLayersWord = "layers";
 
-/// Takes a line, without its end, off the front of a text.
+/// Takes a line, without its end and carriage returns before it, off the front of a text.
 std::string_view takeLine(std::string_view& text) {
   std::string_view line = text.substr(0, text.find('\n'));
   text.remove_prefix(std::min(line.size() + 1, text.size()));
-  if (line.ends_with('\r')) line.remove_suffix(1);
+  while (line.ends_with('\r')) line.remove_suffix(1);
   return line;
 }
 

@@ -36,7 +36,8 @@ ZEL_API int StoreArray(std::string_view FName, const TInt3DArray& Arr, std::stri
 /// Reads a text file of StoreArray, or a number file of a matrix, of which a vector needs one with
 /// a single column. Integers are rounded, ties to even, and limited. Arr gets the extents of the
 /// file.
-/// @param Comment  receives the comment, its lines separated by line feeds
+/// @param Comment  receives the comment, its lines separated by line feeds, without carriage
+///   returns at their ends
 /// @return 0; -3 if the file cannot be read, -4 if it is not one of an array of this rank, or is
 ///   cut off; Arr and Comment are unchanged then
 /// @throws EZELError  "LoadArray: not enough memory"; nothing changes then
