@@ -64,12 +64,11 @@ TYPED_TEST_SUITE(ArrayFamilies, Kinds);
 /// Ranges of every kind, also invalid ones: fill, copy, mean, deviation, count.
 TYPED_TEST(ArrayFamilies, RangesAreThoseOfLoopsOverTheIndices) {
   using T = typename TestFixture::T;
-  using Corner = typename TestFixture::Corner;
   for (int trial = 0; trial < 400; ++trial) {
-    const Corner extents = this->corner(1, 5);
-    const Corner room = this->corner(3, 8);
-    const Corner place = this->corner(0, 2);
-    Corner low, high;
+    const auto extents = this->corner(1, 5);
+    const auto room = this->corner(3, 8);
+    const auto place = this->corner(0, 2);
+    auto low = extents, high = extents;
     bool isRange = true, fits = true;
     for (std::size_t d = 0; d < low.size(); ++d) {
       const bool slips = this->below(16) == 0;
@@ -83,7 +82,7 @@ TYPED_TEST(ArrayFamilies, RangesAreThoseOfLoopsOverTheIndices) {
     auto target = this->filled(room), pasted = target;
     std::vector<T> cells;
     if (isRange) {
-      this->visit(low, high, [&](Corner i) {
+      this->visit(low, high, [&](auto i) {
         cells.push_back(this->at(a, i, extents));
         this->at(filled, i, extents) = 7;
         for (std::size_t d = 0; d < i.size(); ++d) i[d] += place[d] - low[d];
@@ -113,12 +112,11 @@ TYPED_TEST(ArrayFamilies, RangesAreThoseOfLoopsOverTheIndices) {
 TYPED_TEST(ArrayFamilies, WholeArraysAreThoseOfLoopsOverTheCells) {
   using T = typename TestFixture::T;
   using Array = typename TestFixture::Array;
-  using Corner = typename TestFixture::Corner;
   using Wide = typename TestFixture::Wide;
   constexpr int kRank = TestFixture::kRank;
   for (int trial = 0; trial < 60; ++trial) {
-    const Corner extents = this->corner(1, 5);
-    Corner high = extents;
+    const auto extents = this->corner(1, 5);
+    auto high = extents;
     for (int& k : high) --k;
     Array a = this->filled(extents);
     const Array b = this->filled(extents);
@@ -145,11 +143,11 @@ TYPED_TEST(ArrayFamilies, WholeArraysAreThoseOfLoopsOverTheCells) {
     expect(AbsValArray(r), [](Wide x, Wide) { return static_cast<T>(x) < 0 ? Wide{0} - x : x; });
     const auto limits = std::pair(*std::ranges::min_element(a), *std::ranges::max_element(a));
     auto found = std::pair(T{0}, T{0});
-    EXPECT_TRUE(MinMaxArray(a, found.first, found.second) == 0 && found == limits);
-    EXPECT_EQ(std::pair(MinArray(a), MaxArray(a)), limits);
+    EXPECT_TRUE(MinMaxArray(a, found.first, found.second) == 0 && found == limits &&
+                std::pair(MinArray(a), MaxArray(a)) == limits);
     for (std::size_t d = 0; d < kRank; ++d) {
       Array expected = a;
-      this->visit({}, high, [&](Corner i) {
+      this->visit({}, high, [&](auto i) {
         const T x = this->at(a, i, extents);
         i[d] = high[d] - i[d];
         this->at(expected, i, extents) = x;
