@@ -63,7 +63,6 @@ bool isInside(int index, std::size_t extent) { return isRange(index, index, exte
 template <class T, int Rank>
 int copyBox(const TBlock<const T, Rank>& source, const TBox<Rank>& box, const TCorner<Rank>& place,
             const TBlock<T, Rank>& dest) {
-  if (dest.empty()) return kEmpty;
   detail::TExtents<Rank> low;
   for (std::size_t d = 0; d < Rank; ++d) {
     if (!isInside(place[d], dest.extents[d])) return kInvalid;
@@ -88,12 +87,14 @@ int copyBox(const TBlock<const T, Rank>& source, const TBox<Rank>& box, const TC
 template <class T, int Rank>
 int copyBlock(const TBlock<const T, Rank>& source, const TCorner<Rank>& place,
               const TBlock<T, Rank>& dest) {
-  return source.empty() ? kEmpty : copyBox(source, {{}, source.extents}, place, dest);
+  if (source.empty() || dest.empty()) return kEmpty;
+  return copyBox(source, {{}, source.extents}, place, dest);
 }
 
 template <class T, int Rank>
 int copyBlock(const TBlock<const T, Rank>& source, const TCorner<Rank>& low,
               const TCorner<Rank>& high, const TCorner<Rank>& place, const TBlock<T, Rank>& dest) {
+  if (dest.empty()) return kEmpty;
   TBox<Rank> box;
   const int fault = detail::TakeBox(source, low, high, box);
   return fault == kDone ? copyBox(source, box, place, dest) : fault;
