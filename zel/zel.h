@@ -15,6 +15,7 @@
 #include "zel/foundation/Zel_complex.h"
 #include "zel/foundation/Zel_math1.h"
 #include "zel/matrix/Zel_matrix.h"
+#include "zel/openarrays/Zel_openarrays.h"
 #include "zel/statistics/Zel_statis.h"
 #include "zel/transforms/Zel_fourier.h"
 #include "zel/transforms/Zel_wavelet.h"

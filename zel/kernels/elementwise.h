@@ -48,12 +48,48 @@ void scale(std::span<T> x, T factor) {
   }
 }
 
+/// The operations of combineEach; integers wrap.
+struct Sum {
+  template <class T>
+  constexpr T operator()(T a, T b) const {
+    return detail::wrapped(a, b, [](auto x, auto y) { return x + y; });
+  }
+};
+struct Difference {
+  template <class T>
+  constexpr T operator()(T a, T b) const {
+    return detail::wrapped(a, b, [](auto x, auto y) { return x - y; });
+  }
+};
+struct Product {
+  template <class T>
+  constexpr T operator()(T a, T b) const {
+    return detail::wrapped(a, b, [](auto x, auto y) { return x * y; });
+  }
+};
+
+/// result[i] = operation(x[i], y[i]); the result may be x or y.
+template <class T, class Operation>
+void combineEach(std::span<const T> x, std::span<const T> y, T* result, Operation operation) {
+  for (std::size_t i = 0; i < x.size(); ++i) result[i] = operation(x[i], y[i]);
+}
+
+/// result[i] = operation(x[i], value); the result may be x.
+template <class T, class Operation>
+void combineEach(std::span<const T> x, T value, T* result, Operation operation) {
+  for (std::size_t i = 0; i < x.size(); ++i) result[i] = operation(x[i], value);
+}
+
+/// x[i] = x[i] + factor y[i].
+template <class T>
+void accumulate(std::span<T> x, std::span<const T> y, T factor) {
+  for (std::size_t i = 0; i < x.size(); ++i) x[i] = Sum()(x[i], Product()(factor, y[i]));
+}
+
 /// result[i] = x[i] y[i].
 template <class T>
 void multiplyEach(std::span<const T> x, std::span<const T> y, T* result) {
-  for (std::size_t i = 0; i < x.size(); ++i) {
-    result[i] = detail::wrapped(x[i], y[i], [](auto a, auto b) { return a * b; });
-  }
+  combineEach(x, y, result, Product());
 }
 
 template <class T>

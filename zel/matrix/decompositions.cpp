@@ -9,6 +9,7 @@
 #include "zel/kernels/products.h"
 #include "zel/matrix/TMatrix.h"
 #include "zel/matrix/container_impl.h"
+#include "zel/matrix/rules_impl.h"
 
 namespace zel {
 
@@ -43,25 +44,32 @@ double DiagonalProduct(double sign, kernels::ConstMatrix m) {
 
 }  // namespace
 
+bool detail::InvertCells(TDouble2DArray& cells) {
+  const std::size_t n = cells.Length(0);
+  TDouble2DArray inverse(n, n);
+  const auto view = [n](TDouble2DArray& a) { return kernels::Matrix{a.data(), n, n, n}; };
+  std::vector<std::size_t> pivots(n);
+  int sign = 1;
+  const auto status =
+      kernels::luDecompose(view(cells), pivots, sign, kMayGoOn, kStepAndAsk, view(inverse));
+  if (status != LuStatus::done ||
+      !kernels::luInverse(view(cells), pivots, view(inverse), kStepAndAsk)) {
+    return false;
+  }
+  cells.swap(inverse);
+  return true;
+}
+
 bool TMatrix::Invert() {
   const int n = NrOfColumns();
   if (n != NrOfRows() || n < 1) return false;
-  // On copies, so that a lack of storage or a hook that throws leaves the matrix as it was.
-  TDouble2DArray factors;
-  TDouble2DArray inverse;
-  const auto size = static_cast<std::size_t>(n);
-  const auto view = [&](TDouble2DArray& a) { return kernels::Matrix{a.data(), size, size, size}; };
+  // On a copy, so that a lack of storage or a hook that throws leaves the matrix as it was.
+  TDouble2DArray cells;
   const bool done = Guarded([&] {
-    CopyToArray(factors, 0, 0, 0, 0);
-    inverse.SetLength(n, n);
-    std::vector<std::size_t> pivots(size);
-    int sign = 1;
-    const auto status =
-        kernels::luDecompose(view(factors), pivots, sign, kMayGoOn, kStepAndAsk, view(inverse));
-    return status == LuStatus::done &&
-           kernels::luInverse(view(factors), pivots, view(inverse), kStepAndAsk);
+    CopyToArray(cells, 0, 0, 0, 0);
+    return detail::InvertCells(cells);
   });
-  TakeOver(done ? inverse : factors, n, n);
+  TakeOver(cells, n, n);
   Changed();
   return done;
 }

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "zel/base/Zel_univconst.h"
+#include "zel/base/array.h"
 #include "zel/base/random.h"
 #include "zel/kernels/minmax.h"
 #include "zel/kernels/order_statistics.h"
@@ -28,6 +29,14 @@ double RankedValue(std::span<const T> values, double prob) {
   const std::size_t rank = kernels::percentileRank(values.size(), std::isnan(prob) ? 0 : prob);
   return static_cast<double>(kernels::selectPair(values, rank).at);
 }
+
+/// Inverse of a square array, in place, at least one by one: LU decomposition with implicit row
+/// scaling and partial pivoting. A progress step and a poll of AbortMathProc for each column of the
+/// decomposition and of the inverse.
+/// @return false after an abort, or if a row holds nothing but zeros or a pivot is below 1E-100 in
+///   magnitude; cells then holds what the decomposition has made of it
+/// @throws std::bad_alloc
+[[nodiscard]] bool InvertCells(TDouble2DArray& cells);
 
 /// Index drawn from low..high.
 inline int RandomBetween(int low, int high) { return low + Random(high - low + 1); }

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "zel/base/Zel_univconst.h"
+#include "zel/kernels/edge_values.h"
 #include "zel/kernels/minmax.h"
 #include "zel/kernels/moments.h"
 #include "zel/kernels/rows.h"
@@ -190,28 +191,11 @@ void TNumMatrix<T>::MeanVec(TDims Dim, TVector* Means) const {
 template <class T>
 void TNumMatrix<T>::EdgeVector(TOrientation Orient, TEdgeOp EdgeOp, TVector* DestVec) const {
   if (!DestVec) return;
-  // Every element of T is an extreme that may be found here, the smallest integer too.
-  constexpr kernels::MinMaxStart<T> start{std::numeric_limits<T>::max(),
-                                          std::numeric_limits<T>::lowest()};
-  const auto aggregate = [&](std::span<const T> x) -> double {
-    switch (EdgeOp) {
-      case eoMin:
-        return x.empty() ? uc_MaxDouble : static_cast<double>(kernels::minMax(x, start).minimum);
-      case eoMax:
-        return x.empty() ? -uc_MaxDouble : static_cast<double>(kernels::minMax(x, start).maximum);
-      case eoSum:
-        return kernels::sum(x).hi;
-      case eoMean:
-        return kernels::mean(x);
-    }
-    return 0;
-  };
-  const TDims dim = Orient == orVertical ? dimRows : dimColumns;
   std::vector<double> result;
   Guarded([&] {
-    result.resize(static_cast<std::size_t>(std::max(1, dim == dimRows ? FNRow : FNCol)));
-    detail::Along(dim, View(),
-                  [&](std::size_t k, std::span<const T> x) { result[k] = aggregate(x); });
+    const int edges = Orient == orVertical ? FNRow : FNCol;
+    result.resize(static_cast<std::size_t>(std::max(1, edges)));
+    kernels::edgeValues<T>(View(), Orient, EdgeOp, result);
   });
   DestVec->Resize(static_cast<int>(result.size()));
   for (std::size_t k = 0; k < result.size(); ++k)
