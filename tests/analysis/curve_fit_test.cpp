@@ -1,19 +1,9 @@
 // Data, statistics, ranks and files of TCurveFit, and its fits of y as it is. Values beside are
 // R's.
-#include <array>
-#include <cmath>
-#include <limits>
-#include <random>
-#include <string>
-#include <vector>
-
-#include <gtest/gtest.h>
-
 #include "tests/base/temp_dir.h"
 #include "tests/matrix/matrices.h"
-#include "tests/support/expect_message.h"
+#include "tests/support/testing.h"
 #include "zel/analysis/Zel_math2.h"
-#include "zel/analysis/pair_sums_impl.h"
 #include "zel/base/Zel_univconst.h"
 #include "zel/kernels/rank_correlation.h"
 
@@ -23,8 +13,6 @@ namespace {
 using Pairs = std::vector<std::array<double, 2>>;
 using Numbers = std::vector<double>;
 
-constexpr double kInf = std::numeric_limits<double>::infinity();
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kMost = std::numeric_limits<double>::max();
 
 void enter(TCurveFit& fit, const Pairs& pairs) {
@@ -44,76 +32,24 @@ Numbers stateOf(TCurveFit& fit) {
 
 const Pairs kTied{{1, 2}, {2, 1}, {2, 3}, {3, 3}, {4, 5}, {4, 4}, {4, 4}, {5, 8}, {6, 7}, {7, 7}};
 
-TEST(CurveFitSums, ForgetRemovedPairs) {
+TEST(CurveFitData, RemovedPairsAreForgotten) {
   std::mt19937_64 random(1);
   std::normal_distribution<double> normal;
-  const Pairs strange{{0, 0},         {-1, 3},         {1e-31, -1e-40}, {1e300, 1e-300},
-                      {kMost, kMost}, {-kMost, kMost}, {5e-324, 2},     {kInf, 1},
-                      {-kInf, kNaN},  {0, kInf}};
-  detail::TPairSums plain, sums;
+  const Pairs strange{{0, 0},      {1e300, 1e-300}, {kMost, kMost}, {-kMost, kMost},
+                      {5e-324, 2}, {kInf, 1},       {-kInf, kNaN},  {1e-31, -1e-40}};
+  TCurveFit plain, fit;
   for (int k = 0; k < 200; ++k) {
     const double x = 1e3 * normal(random), y = normal(random);
-    plain.Add(x, y);
-    sums.Add(x, y);
-    for (const auto& [u, v] : strange) sums.Add(u, v);
-  }
-  for (int k = 0; k < 200; ++k) {
-    for (const auto& [u, v] : strange) sums.Remove(u, v);
+    plain.EnterStatValue(x, y);
+    fit.EnterStatValue(x, y);
+    enter(fit, strange);
+    while (fit.NumData() > k + 1) fit.RemoveStatValue(k + 1);
   }
   for (const bool isFlipped : {false, true}) {
-    for (int s = 0; s < detail::kPairSums; ++s) {
-      const auto a = sums.Value(static_cast<detail::TPairSum>(s));
-      const auto b = plain.Value(static_cast<detail::TPairSum>(s));
-      EXPECT_EQ(a.hi, b.hi) << s << isFlipped;
-      EXPECT_EQ(a.lo, b.lo) << s << isFlipped;
-    }
-    sums.Flip();
-    plain.Flip();
+    EXPECT_EQ(stateOf(fit), stateOf(plain)) << isFlipped;
+    fit.FlipXY();
+    plain.FlipXY();
   }
-}
-
-/// Each sum with its term; of the sums that exchange their roles with x and y, the first one's. A 0
-/// takes substitutes.
-TEST(CurveFitSums, HoldTheirTerms) {
-  using namespace detail;
-  using Ext = Extended;
-  static constexpr auto ln = [](Ext v) { return v > 0 ? std::log(v) : 0; };
-  static constexpr auto inverse = [](Ext v) { return v == 0 ? uc_MaxReal : 1 / v; };
-  struct Term {
-    TPairSum sum, turned;
-    Ext (*of)(Ext x, Ext y);
-  };
-  constexpr Term terms[] = {
-      {sumx, sumy, [](Ext x, Ext) { return x; }},
-      {sumxq, sumyq, [](Ext x, Ext) { return x * x; }},
-      {sumx2y, sumxy2, [](Ext x, Ext y) { return x * x * y; }},
-      {sumx3, sumy3, [](Ext x, Ext) { return x * x * x; }},
-      {sumx4, sumy4, [](Ext x, Ext) { return x * x * x * x; }},
-      {sum1byx, sum1byy, [](Ext x, Ext) { return inverse(x); }},
-      {sum1byxq, sum1byyq, [](Ext x, Ext) { return inverse(x) * inverse(x); }},
-      {sumybyx, sumxbyy, [](Ext x, Ext y) { return inverse(x) * y; }},
-      {sumlnx, sumlny, [](Ext x, Ext) { return ln(x); }},
-      {sumlnxq, sumlnyq, [](Ext x, Ext) { return ln(x) * ln(x); }},
-      {sumylnx, sumxlny, [](Ext x, Ext y) { return y * ln(x); }},
-      {sumxlnx, sumylny, [](Ext x, Ext) { return x * ln(x); }},
-      {sumlnxbyy, sumlnybyx, [](Ext x, Ext y) { return y == 0 ? 0 : ln(x) / y; }},
-      {sumyqlnx, sumxqlny, [](Ext x, Ext y) { return y * y * ln(x); }},
-      {SumDiffq, SumDiffq, [](Ext x, Ext y) { return (x - y) * (x - y); }},
-      {sumxy, sumxy, [](Ext x, Ext y) { return x * y; }},
-      {sum1byxy, sum1byxy, [](Ext x, Ext y) { return inverse(x) * inverse(y); }},
-      {sumlnxlny, sumlnxlny, [](Ext x, Ext y) { return ln(x) * ln(y); }}};
-  TPairSums sums;
-  sums.Add(2, 8);
-  sums.Add(0, 5);
-  EXPECT_EQ(sums.Value(sumDiff).hi, -11);
-  for (const auto& [sum, turned, of] : terms) {
-    const Ext plain = of(2, 8) + of(0, 5), other = of(8, 2) + of(5, 0);
-    EXPECT_LE(std::abs(sums.Value(sum).hi - plain), 1e-18L * std::abs(plain)) << int{sum};
-    EXPECT_LE(std::abs(sums.Value(turned).hi - other), 1e-18L * std::abs(other)) << int{turned};
-  }
-  EXPECT_TRUE(TPairSums::Faults(0, 5).contains(cfeXEQ0));
-  EXPECT_TRUE(TPairSums::Faults(0, 5).contains(cfeXLE0));
-  EXPECT_FALSE(TPairSums::Faults(0, 5).contains(cfeYLE0));
 }
 
 TEST(CurveFitData, PairsAreEnteredRemovedAndExchanged) {

@@ -1,20 +1,11 @@
-#include <gtest/gtest.h>
-
-#include <array>
-#include <cmath>
-#include <limits>
-#include <string>
-#include <vector>
-
-#include "tests/support/expect_message.h"
 #include "zel/analysis/Zel_math2.h"
+
+#include "tests/support/testing.h"
 
 namespace zel {
 namespace {
 
 using Result = std::array<double, 4>;  // k0, k1, k2, FitQual
-constexpr double kInf = std::numeric_limits<double>::infinity();
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 template <auto fit>
 Result run(const TCurveFit& pairs) {

@@ -1,11 +1,10 @@
 #include "zel/analysis/Zel_math2.h"
 
-#include <gtest/gtest.h>
-
 #include <set>
 
 #include "tests/matrix/matrices.h"
 #include "tests/support/data_file.h"
+#include "tests/support/testing.h"
 
 namespace zel {
 namespace {

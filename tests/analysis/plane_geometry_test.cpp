@@ -1,13 +1,5 @@
 // Straight lines and polygons.
-#include <cmath>
-#include <limits>
-#include <numbers>
-#include <random>
-#include <vector>
-
-#include <gtest/gtest.h>
-
-#include "tests/support/expect_message.h"
+#include "tests/support/testing.h"
 #include "zel/analysis/Zel_math2.h"
 #include "zel/analysis/Zel_sline.h"
 #include "zel/base/Zel_univconst.h"
@@ -16,7 +8,6 @@
 namespace zel {
 namespace {
 
-constexpr double kPi = std::numbers::pi;
 using Polygon = std::vector<TPointDouble>;
 
 const Polygon kSquare{{0, 0}, {1, 0}, {1, 1}, {0, 1}};

@@ -1,17 +1,11 @@
 // Regressions beside R's lm, svd and pls, on Longley's data.
-#include <cmath>
-#include <limits>
-
-#include <gtest/gtest.h>
-
 #include "tests/matrix/matrices.h"
 #include "tests/support/data_file.h"
+#include "tests/support/testing.h"
 #include "zel/analysis/Zel_math2.h"
 
 namespace zel {
 namespace {
-
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 /// Six regressors, a constant if wanted, and the employment.
 struct Longley {
@@ -119,8 +113,8 @@ TEST(Regression, RefusesWhatDoesNotFit) {
   EXPECT_FALSE(MultiLinReg(&x, &shorter, &b, nullptr, isNearSingular));
   EXPECT_FALSE(isNearSingular);
   EXPECT_FALSE(RidgeReg(&x, &y, -1, &b, nullptr, isNearSingular));
-  EXPECT_FALSE(RidgeReg(&x, &y, kInfinity, &b, nullptr, isNearSingular));
-  y.SetVal(2, kInfinity);
+  EXPECT_FALSE(RidgeReg(&x, &y, kInf, &b, nullptr, isNearSingular));
+  y.SetVal(2, kInf);
   EXPECT_FALSE(MultiLinReg(&x, &y, &b, nullptr, isNearSingular));
   expectRelative(b, {7, 8}, 0);
 }

@@ -1,22 +1,11 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <array>
-#include <cmath>
-#include <functional>
-#include <limits>
-#include <random>
-#include <vector>
-
-#include "tests/support/expect_message.h"
 #include "zel/analysis/Zel_math2.h"
+
+#include "tests/support/testing.h"
 
 namespace zel {
 namespace {
 
 using Values = std::vector<double>;
-constexpr double kInf = std::numeric_limits<double>::infinity();
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 const Values kX{0.5, 1, 1.75, 2.5, 3, 4.25, 5, 6.5, 8, 9};
 const Values kY{2.125, 3.5, 3.25, 4.75, 4.5, 5.75, 5.5, 5.25, 3.5, 2.75};

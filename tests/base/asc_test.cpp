@@ -1,11 +1,5 @@
-#include <gtest/gtest.h>
-
-#include <climits>
-#include <sstream>
-#include <tuple>
-#include <vector>
-
 #include "tests/base/temp_dir.h"
+#include "tests/support/testing.h"
 #include "zel/base/Zel_filesys.h"
 #include "zel/base/Zel_stringl.h"
 

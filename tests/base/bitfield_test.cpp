@@ -1,12 +1,6 @@
 #include "zel/base/Zel_dstruct.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <climits>
-#include <random>
-#include <vector>
-
+#include "tests/support/testing.h"
 #include "zel/base/errors.h"
 
 namespace zel {

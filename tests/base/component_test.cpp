@@ -1,13 +1,6 @@
 #include "zel/base/component.h"
 
-#include <gtest/gtest.h>
-
-#include <array>
-#include <cmath>
-#include <limits>
-#include <memory>
-
-#include "tests/support/expect_message.h"
+#include "tests/support/testing.h"
 #include "zel/base/Zel_zelbase.h"
 
 namespace zel {

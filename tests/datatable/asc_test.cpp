@@ -1,14 +1,9 @@
 // Tables in the ASC form: exact round trips, files of the other containers, pasting, and what
 // cannot be read.
-#include <limits>
-#include <random>
-#include <string>
-
-#include <gtest/gtest.h>
-
 #include "tests/base/temp_dir.h"
 #include "tests/datatable/table_model.h"
 #include "tests/datatable/tables.h"
+#include "tests/support/testing.h"
 #include "zel/analysis/TCurveFit.h"
 #include "zel/datatable/Zel_datatable.h"
 #include "zel/vector/TVector.h"
@@ -21,9 +16,7 @@ using test::makeRandom;
 using test::randomText;
 using test::recordEvents;
 using zel_test::readBytes;
-using zel_test::TempDir;
-
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
+using TableAsc = zel_test::InFolder;
 
 /// Rows and what stands behind them, as the writer writes them.
 std::string bodyOf(const TDataTable& T) {
@@ -33,10 +26,9 @@ std::string bodyOf(const TDataTable& T) {
   return text.substr(text.find("nominal variables\n") + 18);
 }
 
-TEST(TableAsc, RoundTripsAreExact) {
+TEST_F(TableAsc, RoundTripsAreExact) {
   std::mt19937_64 random(11);
-  const TempDir folder;
-  const std::string file = folder.file("x.asc");
+  const std::string file = path("x.asc");
   for (int trial = 0; trial < 200 && !HasFailure(); ++trial) {
     TDataTable T, Read, Copy;
     makeRandom(T, random);
@@ -72,16 +64,15 @@ TEST(TableAsc, RoundTripsAreExact) {
   }
 }
 
-TEST(TableAsc, SharesItsFormWithTheOtherContainers) {
-  const TempDir folder;
-  const std::string file = folder.file("x.asc");
+TEST_F(TableAsc, SharesItsFormWithTheOtherContainers) {
+  const std::string file = path("x.asc");
   TDataTable T;
-  TVector V{1.5, kInfinity, -2};
+  TVector V{1.5, kInf, -2};
   ASSERT_EQ(V.ExportAsASC(file, 3, "a vector"), 0);
   ASSERT_EQ(T.ImportASC(file), 0);
   EXPECT_EQ(T.Comment(), "a vector");
   EXPECT_EQ(T.GetRowName(3), "R-3");
-  EXPECT_EQ(T(1, 2), kInfinity);
+  EXPECT_EQ(T(1, 2), kInf);
 
   T.SetElem(1, 2, 2.25);
   T.SetCellState(1, 3, 1);
@@ -123,7 +114,7 @@ TEST(TableAsc, SharesItsFormWithTheOtherContainers) {
             "the rows do not tell\n;colnames\t2=\"a\\x0D\\x0Ab\"\n;end\n");
 }
 
-TEST(TableAsc, WhatCannotBeReadLeavesTheTable) {
+TEST_F(TableAsc, WhatCannotBeReadLeavesTheTable) {
   TDataTable T;
   T.SetElem(1, 1, 7);
   std::string events;
@@ -173,7 +164,7 @@ TEST(TableAsc, WhatCannotBeReadLeavesTheTable) {
   EXPECT_EQ(T.ExportAsASC("/dev/full", -1), -1);
 }
 
-TEST(TableAsc, PastesWithAndWithoutIdentifiers) {
+TEST_F(TableAsc, PastesWithAndWithoutIdentifiers) {
   const TClipboard clip{
       "c\n2\n2\nTRUE TRUE FALSE\ncolour x\n0 4 -1.5\n9 2 7\n;more\n;scales 1=Ordinal\n"
       ";categories 1 2=\"Red\" 4=\"blue\"\n;states 2 2=66\n;end\n"};

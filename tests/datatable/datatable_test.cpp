@@ -1,15 +1,9 @@
 #include "zel/datatable/Zel_datatable.h"
 
-#include <gtest/gtest.h>
-
-#include <array>
-#include <random>
-#include <stdexcept>
-
 #include "tests/base/temp_dir.h"
 #include "tests/datatable/table_model.h"
 #include "tests/matrix/matrices.h"
-#include "tests/support/expect_message.h"
+#include "tests/support/testing.h"
 #include "zel/kernels/fingerprint.h"
 
 namespace zel::test {

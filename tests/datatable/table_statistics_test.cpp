@@ -1,18 +1,5 @@
 // Statistics of the cells of a table and transformations of its values, against plain loops.
-#include <algorithm>
-#include <cmath>
-#include <functional>
-#include <limits>
-#include <numeric>
-#include <random>
-#include <span>
-#include <string>
-#include <tuple>
-#include <vector>
-
-#include <gtest/gtest.h>
-
-#include "tests/support/expect_message.h"
+#include "tests/support/testing.h"
 #include "zel/base/progress.h"
 #include "zel/datatable/Zel_datatable.h"
 #include "zel/kernels/moments.h"

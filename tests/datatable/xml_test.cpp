@@ -1,15 +1,8 @@
 // Tables as XML: exact round trips, what others write, and what is damaged.
-#include <cmath>
-#include <limits>
-#include <random>
-#include <sstream>
-#include <string>
-
-#include <gtest/gtest.h>
-
 #include "tests/base/temp_dir.h"
 #include "tests/datatable/table_model.h"
 #include "tests/datatable/tables.h"
+#include "tests/support/testing.h"
 #include "zel/base/numbertext.h"
 #include "zel/base/xmltags.h"
 #include "zel/datatable/Zel_datatable.h"
@@ -19,7 +12,7 @@ namespace {
 
 using test::expectIdentical;
 using zel_test::readBytes;
-using zel_test::TempDir;
+using TableXml = zel_test::InFolder;
 
 /// Reads as a caller does who scans for tags himself.
 struct TScanningTable : TDataTable {
@@ -34,18 +27,17 @@ struct TScanningTable : TDataTable {
   }
 };
 
-TEST(TableXml, RoundTripsExactly) {
+TEST_F(TableXml, RoundTripsExactly) {
   std::mt19937_64 random(3);
   for (int trial = 0; trial < 80; ++trial) {
     TDataTable T, Read;
     test::makeRandom(T, random);
     const std::string id = "a" + test::randomText(random, 90);
-    const TempDir folder;
-    ASSERT_TRUE(T.SaveAsXMLFile(folder.file("x"), -1, id));
-    const std::string whole = readBytes(folder.file("x"));
+    ASSERT_TRUE(T.SaveAsXMLFile(path("x"), -1, id));
+    const std::string whole = readBytes(path("x"));
     TDataTable Small, FromFile, Scanned;
     TScanningTable Scanning;
-    ASSERT_TRUE(FromFile.LoadFromXMLFile(folder.file("x"), id));
+    ASSERT_TRUE(FromFile.LoadFromXMLFile(path("x"), id));
     EXPECT_EQ(Scanning.scan("<?x?>" + whole), 1);
     std::stringstream stream;
     stream << "<m><n/><k>";
@@ -83,7 +75,7 @@ TEST(TableXml, RoundTripsExactly) {
   }
 }
 
-TEST(TableXml, ReadsWhatOthersWrite) {
+TEST_F(TableXml, ReadsWhatOthersWrite) {
   std::istringstream in(readBytes(ZEL_FUZZ_CORPUS "/table_xml/by_hand.xml"));
   TDataTable T, Copied;
   std::string events, expected, message;
@@ -106,7 +98,7 @@ TEST(TableXml, ReadsWhatOthersWrite) {
   EXPECT_EQ(message, "there is no table with this identifier");
 }
 
-TEST(TableXml, DamageLeavesTheTable) {
+TEST_F(TableXml, DamageLeavesTheTable) {
   TDataTable T;
   T.SetElem(1, 1, 7);
   T.OnChange = T.OnChangeSetup = [](TObject*) { FAIL() << "nothing has changed"; };
@@ -142,7 +134,7 @@ TEST(TableXml, DamageLeavesTheTable) {
   EXPECT_EQ(T(1, 1), 7);
 }
 
-TEST(TableXml, WritesAllOrNothing) {
+TEST_F(TableXml, WritesAllOrNothing) {
   TDataTable T;
   EXPECT_FALSE(T.SaveAsXMLFile("/dev/full", -1, ""));
   EXPECT_FALSE(T.SaveAsXMLFile("/nowhere/x.xml", -1, ""));

@@ -1,15 +1,7 @@
 // Limits, rounding and signs; logarithms and trigonometric functions; compensated sums.
-#include <algorithm>
-#include <climits>
-#include <cmath>
-#include <cstdint>
-#include <numbers>
-
 #include <math.h>
 
-#include <gtest/gtest.h>
-
-#include "tests/support/expect_message.h"
+#include "tests/support/testing.h"
 #include "zel/foundation/Zel_math1.h"
 
 using namespace zel;

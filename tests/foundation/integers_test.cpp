@@ -1,15 +1,6 @@
 #include "zel/foundation/integers.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <climits>
-#include <functional>
-#include <limits>
-#include <numeric>
-#include <utility>
-
-#include "tests/support/expect_message.h"
+#include "tests/support/testing.h"
 #include "zel/base/random.h"
 #include "zel/foundation/bits.h"
 

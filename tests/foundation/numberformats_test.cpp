@@ -1,23 +1,12 @@
 // Angles, integers and floating-point numbers as text, and bit patterns. The digits of references
 // come from exact rational arithmetic.
-#include <bit>
-#include <climits>
-#include <cmath>
-#include <cstdint>
-#include <limits>
-#include <random>
-#include <string>
-#include <tuple>
-
-#include <gtest/gtest.h>
-
-#include "tests/support/expect_message.h"
 #include "zel/foundation/Zel_math1.h"
+
+#include "tests/support/testing.h"
 
 namespace zel {
 namespace {
 
-constexpr double kInf = HUGE_VAL;
 constexpr bool kHas80Bits = std::numeric_limits<Extended>::digits == 64;
 
 TEST(DegreeToStr, WritesEveryNotation) {

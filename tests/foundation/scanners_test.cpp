@@ -1,18 +1,8 @@
 // Numbers, angles and dates read out of a text.
-#include <algorithm>
-#include <array>
 #include <charconv>
-#include <cmath>
-#include <cstdint>
-#include <limits>
-#include <random>
-#include <string>
-#include <tuple>
-#include <type_traits>
-
-#include <gtest/gtest.h>
 
 #include "tests/support/hostile.h"
+#include "tests/support/testing.h"
 #include "zel/foundation/Zel_math1.h"
 
 namespace zel {

@@ -1,15 +1,7 @@
 // Sorting, selecting and exchanging in plain arrays.
 #include "zel/foundation/sorting.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <array>
-#include <climits>
-#include <cmath>
-#include <string>
-#include <tuple>
-
+#include "tests/support/testing.h"
 #include "zel/base/array.h"
 #include "zel/base/progress.h"
 #include "zel/base/random.h"

@@ -1,12 +1,7 @@
 #include "zel/kernels/jacobi.h"
 
-#include <cmath>
-#include <random>
-#include <vector>
-
-#include <gtest/gtest.h>
-
 #include "tests/support/same_bits.h"
+#include "tests/support/testing.h"
 #include "zel/base/types.h"
 
 namespace zel::kernels {

@@ -1,15 +1,7 @@
 #include "zel/kernels/products.h"
 
-#include <algorithm>
-#include <bit>
-#include <cmath>
-#include <cstddef>
-#include <functional>
-#include <limits>
-#include <random>
-#include <vector>
-
 #include "tests/support/spaced_matrix.h"
+#include "tests/support/testing.h"
 
 namespace zel::kernels {
 namespace {

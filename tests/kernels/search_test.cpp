@@ -1,22 +1,11 @@
 #include "zel/kernels/search.h"
 
-#include <algorithm>
-#include <cmath>
-#include <cstddef>
-#include <cstdint>
-#include <limits>
-#include <random>
-#include <span>
-#include <vector>
-
-#include "gtest/gtest.h"
+#include "tests/support/testing.h"
 #include "zel/kernels/sorted_list.h"
 
 namespace zel::kernels {
 namespace {
 
-constexpr double kInf = std::numeric_limits<double>::infinity();
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr auto kMin = std::numeric_limits<std::int32_t>::min();
 constexpr auto kMax = std::numeric_limits<std::int32_t>::max();
 

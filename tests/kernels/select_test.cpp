@@ -1,18 +1,8 @@
 #include "zel/kernels/select.h"
 
-#include <algorithm>
-#include <cstddef>
-#include <cstdint>
-#include <iterator>
-#include <span>
-#include <string>
-#include <type_traits>
-#include <utility>
-#include <vector>
-
-#include "gtest/gtest.h"
 #include "tests/support/key_shapes.h"
 #include "tests/support/simd_targets.h"
+#include "tests/support/testing.h"
 #include "zel/kernels/bracket.h"
 #include "zel/kernels/comb_sort.h"
 
@@ -136,32 +126,6 @@ TYPED_TEST(Select, BracketCountsPlaceEveryKey) {
       }
     }
   });
-}
-
-// Any two keys as the bracket of any position: the pair is right or not given.
-TYPED_TEST(Select, BracketGivesThePairOnlyIfItHoldsBothPositions) {
-  const std::vector<TypeParam> sorted{1, 2, 2, 3, 4, 4, 4, 6};
-  auto keys = sorted;
-  std::rotate(keys.begin(), keys.begin() + 5, keys.end());
-  std::vector<TypeParam> room(keys.size() + kBracketSlack);
-  std::size_t found = 0;
-  for (std::size_t k = 0; k < keys.size(); ++k) {
-    const TypeParam next = sorted[std::min(k + 1, keys.size() - 1)];
-    for (const TypeParam low : sorted) {
-      for (const TypeParam high : sorted) {
-        if (high < low) continue;
-        SelectedPair<TypeParam> pair;
-        const auto outcome = selectBetween(std::span<const TypeParam>(keys), k, low, high,
-                                           std::span<TypeParam>(room), pair);
-        const bool held = low <= sorted[k] && next <= high;
-        ASSERT_EQ(outcome == Bracketing::Found, held) << k << ' ' << low << ' ' << high;
-        if (!held) continue;
-        ASSERT_TRUE(pair.at == sorted[k] && pair.next == next) << k << ' ' << low << ' ' << high;
-        ++found;
-      }
-    }
-  }
-  EXPECT_GT(found, keys.size());
 }
 
 TYPED_TEST(Select, BracketStopsBeforeItsRoomEnds) {

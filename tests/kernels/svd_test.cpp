@@ -1,14 +1,7 @@
 #include "zel/kernels/svd.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <limits>
-#include <string>
-#include <vector>
-
 #include "tests/support/spaced_matrix.h"
+#include "tests/support/testing.h"
 
 namespace zel::kernels {
 namespace {

@@ -1,9 +1,6 @@
-#include <cmath>
-#include <cstdint>
-
 #include "tests/matrix/matrices.h"
 #include "tests/support/data_file.h"
-#include "tests/support/expect_message.h"
+#include "tests/support/testing.h"
 
 namespace zel {
 namespace {

@@ -1,9 +1,5 @@
-#include <climits>
-#include <cmath>
-#include <sstream>
-
 #include "tests/matrix/matrices.h"
-#include "tests/support/expect_message.h"
+#include "tests/support/testing.h"
 #include "zel/base/random.h"
 
 namespace zel {

@@ -1,7 +1,6 @@
-#include <cmath>
-
 #include "tests/matrix/matrices.h"
 #include "tests/support/simd_targets.h"
+#include "tests/support/testing.h"
 
 namespace zel {
 namespace {

@@ -1,10 +1,5 @@
-#include <climits>
-#include <functional>
-#include <map>
-#include <sstream>
-
 #include "tests/matrix/matrices.h"
-#include "tests/support/expect_message.h"
+#include "tests/support/testing.h"
 
 namespace zel {
 namespace {

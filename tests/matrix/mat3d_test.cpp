@@ -1,10 +1,5 @@
-#include <algorithm>
-#include <climits>
-#include <cmath>
-#include <random>
-
 #include "tests/matrix/matrices.h"
-#include "tests/support/expect_message.h"
+#include "tests/support/testing.h"
 #include "zel/base/random.h"
 
 namespace zel {

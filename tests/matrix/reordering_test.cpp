@@ -1,8 +1,7 @@
-#include <array>
-#include <cmath>
 #include <set>
 
 #include "tests/matrix/matrices.h"
+#include "tests/support/testing.h"
 #include "zel/kernels/comb_sort.h"
 
 namespace zel {

@@ -1,8 +1,8 @@
 #include <atomic>
-#include <cmath>
 #include <thread>
 
 #include "tests/matrix/matrices.h"
+#include "tests/support/testing.h"
 
 namespace zel {
 namespace {

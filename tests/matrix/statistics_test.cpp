@@ -1,8 +1,5 @@
-#include <algorithm>
-#include <cmath>
-
 #include "tests/matrix/matrices.h"
-#include "tests/support/expect_message.h"
+#include "tests/support/testing.h"
 #include "zel/base/Zel_univconst.h"
 #include "zel/base/progress.h"
 

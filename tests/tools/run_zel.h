@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "tests/base/temp_dir.h"
+#include "tests/tools/json_fields.h"
 
 namespace zel_test {
 
@@ -46,13 +47,6 @@ inline void expectFailure(const ZelRun& run, const std::string& sentence) {
 /// Words of arguments with the sentences that refuse them.
 using Refusals = std::vector<std::pair<std::string, const char*>>;
 
-inline void expectRefusals(const TempDir& folder, const std::string& command,
-                           const Refusals& refusals) {
-  for (const auto& [arguments, sentence] : refusals) {
-    expectFailure(runZel(folder, command + ' ' + arguments), sentence);
-  }
-}
-
 inline void expectWords(const std::string& text, const std::vector<std::string>& words) {
   for (const std::string& word : words) EXPECT_NE(std::string::npos, text.find(word)) << word;
 }
@@ -63,5 +57,21 @@ inline std::string ascText(const std::string& values) {
          std::to_string(std::count(values.begin(), values.end(), '\n')) +
          "\t;nr. of rows\nFALSE FALSE FALSE FALSE\t;flags\n" + values;
 }
+
+/// A test of the program, which runs in a folder of its own.
+class ToolTest : public InFolder {
+ protected:
+  [[nodiscard]] ZelRun runZel(const std::string& arguments, const std::string& before = "") const {
+    return zel_test::runZel(folder, arguments, before);
+  }
+  [[nodiscard]] JsonFields jsonOf(const std::string& arguments) const {
+    return JsonFields(runZel(arguments).output);
+  }
+  void expectRefusals(const std::string& command, const Refusals& refusals) const {
+    for (const auto& [arguments, sentence] : refusals) {
+      expectFailure(runZel(command + ' ' + arguments), sentence);
+    }
+  }
+};
 
 }  // namespace zel_test

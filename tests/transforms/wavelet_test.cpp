@@ -1,17 +1,6 @@
 // The wavelet transform against its definition, written down once more, and its invariants.
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <bit>
-#include <climits>
-#include <cmath>
-#include <limits>
-#include <numeric>
-#include <random>
-#include <vector>
-
-#include "tests/support/expect_message.h"
 #include "tests/support/failing_storage.h"
+#include "tests/support/testing.h"
 #include "zel/transforms/Zel_wavelet.h"
 
 namespace {

@@ -1,11 +1,5 @@
-#include <algorithm>
-#include <climits>
-#include <cmath>
-#include <random>
-#include <sstream>
-
 #include "tests/support/containers.h"
-#include "tests/support/expect_message.h"
+#include "tests/support/testing.h"
 #include "zel/foundation/randoms.h"
 #include "zel/vector/Zel_vector.h"
 

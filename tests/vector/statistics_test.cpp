@@ -1,10 +1,5 @@
-#include <climits>
-#include <cmath>
-#include <limits>
-#include <random>
-
 #include "tests/support/containers.h"
-#include "tests/support/expect_message.h"
+#include "tests/support/testing.h"
 #include "zel/vector/Zel_vector.h"
 
 namespace zel {
