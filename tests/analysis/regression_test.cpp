@@ -4,7 +4,7 @@
 #include "tests/support/testing.h"
 #include "zel/analysis/Zel_math2.h"
 
-namespace zel {
+namespace zel::test {
 namespace {
 
 /// Six regressors, a constant if wanted, and the employment.
@@ -12,8 +12,8 @@ struct Longley {
   TMatrix x, y;
   TVector target;
   explicit Longley(bool withConstant) {
-    test::loadCsv("longley.csv", 0, 6, x);
-    test::loadCsv("longley.csv", 6, 1, y);
+    loadCsv("longley.csv", 0, 6, x);
+    loadCsv("longley.csv", 6, 1, y);
     target.SetElements(y.Column(1));
     if (!withConstant) return;
     TMatrix wide;
@@ -131,11 +131,10 @@ TEST(Regression, FailedAllocationsChangeNoResult) {
     for (TMatrix* m : {&scores, &loadings}) m->Resize(1, 1), m->SetVal(1, 1, 7);
   };
   const auto unchanged = [&] {
-    for (const TVector* v : {&b, &errors, &variance})
-      EXPECT_EQ(test::contents(*v), std::vector{7.0});
+    for (const TVector* v : {&b, &errors, &variance}) EXPECT_EQ(contents(*v), std::vector{7.0});
     for (const TMatrix* m : {&scores, &loadings}) EXPECT_EQ((*m)(1, 1), 7);
   };
-  test::expectFailuresHarmless<EZELMath2Error>(
+  expectFailuresHarmless<EZELMath2Error>(
       [&] { EXPECT_TRUE(MultiLinReg(&x, &y, &b, &errors, isNearSingular)); },
       "MultiLinReg: not enough memory", unchanged, prepare);
   EXPECT_NEAR(b(1), 0.642857142857142857, 1e-15);
@@ -143,9 +142,9 @@ TEST(Regression, FailedAllocationsChangeNoResult) {
     EXPECT_TRUE(SimPLS(&design, &target, 1, false, &scores, &loadings, nullptr, nullptr, nullptr,
                        nullptr, &variance, nullptr, nullptr));
   };
-  test::expectFailuresHarmless<EZELMath2Error>(leastSquares, "SimPLS: not enough memory", unchanged,
-                                               prepare);
+  expectFailuresHarmless<EZELMath2Error>(leastSquares, "SimPLS: not enough memory", unchanged,
+                                         prepare);
 }
 
 }  // namespace
-}  // namespace zel
+}  // namespace zel::test

@@ -91,17 +91,6 @@ TEST(LongintItem, IsLittleEndianTwosComplement) {
   }
 }
 
-TEST(StreamItems, FailWhenCutOff) {
-  for (std::size_t size = 0; size < 10; ++size) {
-    TMemoryStream s(std::string(size, '\x7F'));
-    bool fail = false;
-    EXPECT_EQ(ReadExtendedFromStream(s, fail), 0);
-    EXPECT_TRUE(fail);
-    EXPECT_EQ(ReadLongintFromStream(s, fail), 0);
-    EXPECT_TRUE(fail);
-  }
-}
-
 TEST(TMemoryStream, AppendsToWhatItHolds) {
   TMemoryStream s("abc");
   s << "def";

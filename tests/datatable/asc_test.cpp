@@ -8,13 +8,9 @@
 #include "zel/datatable/Zel_datatable.h"
 #include "zel/vector/TVector.h"
 
-namespace zel {
+namespace zel::test {
 namespace {
 
-using test::expectIdentical;
-using test::makeRandom;
-using test::randomText;
-using test::recordEvents;
 using zel_test::readBytes;
 using TableAsc = zel_test::InFolder;
 
@@ -207,4 +203,4 @@ TEST_F(TableAsc, PastesWithAndWithoutIdentifiers) {
 }
 
 }  // namespace
-}  // namespace zel
+}  // namespace zel::test

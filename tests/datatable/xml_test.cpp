@@ -7,10 +7,9 @@
 #include "zel/base/xmltags.h"
 #include "zel/datatable/Zel_datatable.h"
 
-namespace zel {
+namespace zel::test {
 namespace {
 
-using test::expectIdentical;
 using zel_test::readBytes;
 using TableXml = zel_test::InFolder;
 
@@ -31,8 +30,8 @@ TEST_F(TableXml, RoundTripsExactly) {
   std::mt19937_64 random(3);
   for (int trial = 0; trial < 80; ++trial) {
     TDataTable T, Read;
-    test::makeRandom(T, random);
-    const std::string id = "a" + test::randomText(random, 90);
+    makeRandom(T, random);
+    const std::string id = "a" + randomText(random, 90);
     ASSERT_TRUE(T.SaveAsXMLFile(path("x"), -1, id));
     const std::string whole = readBytes(path("x"));
     TDataTable Small, FromFile, Scanned;
@@ -79,7 +78,7 @@ TEST_F(TableXml, ReadsWhatOthersWrite) {
   std::istringstream in(readBytes(ZEL_FUZZ_CORPUS "/table_xml/by_hand.xml"));
   TDataTable T, Copied;
   std::string events, expected, message;
-  test::recordEvents(T, events);
+  recordEvents(T, events);
   ASSERT_TRUE(T.ReadFromXMLStream(in, "two & three", message)) << message;
   EXPECT_EQ(T.Comment(), "a<b>\xC3\xA4");
   EXPECT_EQ(T.GetColName(1), "C-1");
@@ -91,7 +90,7 @@ TEST_F(TableXml, ReadsWhatOthersWrite) {
   EXPECT_EQ(T.GetCellState(1, 2), 66);
   EXPECT_EQ(T(2, 1), -std::numeric_limits<double>::infinity());
   EXPECT_NE(T(2, 2), T(2, 2));
-  test::recordEvents(Copied, expected);
+  recordEvents(Copied, expected);
   Copied.CopyContentsFrom(&T);
   EXPECT_EQ(events, expected);
   EXPECT_FALSE(T.ReadFromXMLStream(in, "5", message));
@@ -152,4 +151,4 @@ TEST_F(TableXml, WritesAllOrNothing) {
 }
 
 }  // namespace
-}  // namespace zel
+}  // namespace zel::test

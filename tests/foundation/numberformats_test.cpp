@@ -12,13 +12,9 @@ constexpr bool kHas80Bits = std::numeric_limits<Extended>::digits == 64;
 TEST(DegreeToStr, WritesEveryNotation) {
   const std::tuple<double, TDegreeFormat, int, const char*> cases[] = {
       {-0.5, dfDegMin, 1, "-0° 30.0'"},
-      {12.5, dfDegrees, 2, "12.50°"},
       {-12.5, dfNumber, 99, "-12.50000000"},
-      {12.5, dfNumber, -1, "12"},
-      {48.0627777777, dfDegMinSec, 3, "48°  3' 46.000\""},
       {-1.0 / 3, dfDegMinSec, 8, "-0° 20'  0.00000000\""},
       {359.99999999, dfDegMinSec, 4, "360°  0'  0.0000\""},
-      {59.9999 / 60, dfDegMin, 2, "1°  0.00'"},
       {123456789012.34567, dfDegMinSec, 8, "123456789012° 20' 44.42138672\""},
       {-1e23, dfDegMin, 0, "-99999999999999991611392°   0'"},
       {0.025, dfDegMin, 0, "0°   2'"},  // 1.5 minutes

@@ -1,6 +1,6 @@
+#include "zel/kernels/histogram.h"
 #include "tests/support/testing.h"
 #include "zel/kernels/elementwise.h"
-#include "zel/kernels/histogram.h"
 
 namespace zel::kernels {
 namespace {

@@ -95,39 +95,6 @@ TYPED_TEST(Select, EmptyGivesZeroAndConstantsStayInPlace) {
   }
 }
 
-// The selection's cost: a fixed number of passes also where nearly all values are equal. Counted by
-// the size of what a bracket around the equal value leaves for the next round.
-TYPED_TEST(Select, BracketCountsPlaceEveryKey) {
-  test::forEachTarget([&] {
-    for (const std::size_t n : {0u, 1u, 7u, 2047u, 2048u, 2049u, 9000u}) {
-      for (const auto& shape : keyShapes<TypeParam>(n, 12)) {
-        if (shape.name.starts_with("NaN")) continue;
-        SCOPED_TRACE(shape.name + ", n = " + std::to_string(n));
-        const std::span<const TypeParam> keys(shape.keys);
-        const auto count = [&](auto rule) {
-          return static_cast<std::size_t>(std::count_if(keys.begin(), keys.end(), rule));
-        };
-        for (const auto& range : {std::pair{0, 4}, {4, 4}, {-3, 200}, {-1000000, 30000000}}) {
-          const auto low = static_cast<TypeParam>(range.first);
-          const auto high = static_cast<TypeParam>(range.second);
-          std::vector<TypeParam> inside(n + kBracketSlack);
-          const auto counts = placeKeys(keys, low, high, std::span<TypeParam>(inside));
-          ASSERT_FALSE(counts.overflow || counts.unordered);
-          ASSERT_EQ(counts.below, count([&](auto key) { return key < low; }));
-          ASSERT_EQ(counts.atLow, count([&](auto key) { return key == low; }));
-          ASSERT_EQ(counts.atHigh, count([&](auto key) { return key == high && low < high; }));
-          ASSERT_EQ(counts.above, count([&](auto key) { return key > high; }));
-          std::vector<TypeParam> expected;
-          std::copy_if(keys.begin(), keys.end(), std::back_inserter(expected),
-                       [&](auto key) { return low < key && key < high; });
-          inside.resize(counts.inside);
-          ASSERT_EQ(inside, expected);
-        }
-      }
-    }
-  });
-}
-
 TYPED_TEST(Select, BracketStopsBeforeItsRoomEnds) {
   const std::vector<TypeParam> keys(100000, TypeParam(5));
   std::vector<TypeParam> room(kBracketSlack + 5000 + 64, TypeParam(77));

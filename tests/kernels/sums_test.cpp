@@ -238,21 +238,20 @@ TEST(MeanVariance, RangeAndNonFiniteValues) {
 
 /// The two formulas in long double from the exact central moments.
 Shape exactShape(const std::vector<double>& x) {
-  const ExactPowerSums s(x, 4);
-  const BigInt n(s.n);
-  // n^(k-1) times the k-th central sum, integers scaled by 2^(1074 k).
-  const BigInt m2 = n * s.s2 - s.s1 * s.s1;
-  const BigInt m3 = n * n * s.s3 - BigInt(3) * n * s.s1 * s.s2 + BigInt(2) * s.s1 * s.s1 * s.s1;
-  const BigInt m4 = n * n * n * s.s4 - BigInt(4) * n * n * s.s1 * s.s3 +
-                    BigInt(6) * n * s.s1 * s.s1 * s.s2 - BigInt(3) * s.s1 * s.s1 * s.s1 * s.s1;
-  if (m2.isZero()) return {0, 0};
-  // Ratios that do not depend on the unit: m3^2 / m2^3 and m4 / m2^2.
-  const long double count = static_cast<long double>(s.n);
-  const long double ratio3 = BigInt::quotient<long double>(m3 * m3, m2 * m2 * m2);
-  const long double ratio4 = BigInt::quotient<long double>(m4, m2 * m2);
-  const long double sign = m3.isNegative() ? -1 : 1;
-  const long double shrink = (count - 1) / count;
-  return {static_cast<double>(sign * std::sqrt(ratio3 * shrink * shrink * shrink)),
+  const ExactPowerSums s(x);
+  if (s.spread().isZero()) return {0, 0};
+  BigInt m2, m3, m4;  // sums of powers of the deviations times n
+  for (const double v : x) {
+    const BigInt d = BigInt(s.n) * BigInt::scaled(v) - s.s1, d2 = d * d;
+    m2 = m2 + d2;
+    m3 = m3 + d2 * d;
+    m4 = m4 + d2 * d2;
+  }
+  const auto n = static_cast<long double>(s.n), shrink = (n - 1) / n;
+  const long double ratio3 = n * BigInt::quotient<long double>(m3 * m3, m2 * m2 * m2);
+  const long double ratio4 = n * BigInt::quotient<long double>(m4, m2 * m2);
+  const long double skewness = std::sqrt(ratio3 * shrink * shrink * shrink);
+  return {static_cast<double>(m3.isNegative() ? -skewness : skewness),
           static_cast<double>(ratio4 * shrink * shrink - 3)};
 }
 

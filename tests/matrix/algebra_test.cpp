@@ -2,15 +2,12 @@
 #include "tests/support/data_file.h"
 #include "tests/support/testing.h"
 
-namespace zel {
+namespace zel::test {
 namespace {
 
-using test::contents;
-using test::Events;
-using test::fillNormal;
 using Values = std::vector<double>;
 
-class MatrixAlgebra : public test::WithProgress {};
+class MatrixAlgebra : public WithProgress {};
 
 TEST_F(MatrixAlgebra, ElementwiseArithmetic) {
   TMatrix a{{1, 2}, {3, 4}};
@@ -54,15 +51,10 @@ int plus(int sum, int x, int y) {
 TYPED_TEST(MatrixProducts, FollowTheirDefinition) {
   using T = typename TypeParam::value_type;
   using Vector = std::conditional_t<std::is_same_v<T, int>, TIntVector, TVector>;
-  for (const auto& [rows, inner, columns] : std::vector<std::array<int, 3>>{{1, 1, 1},
-                                                                            {3, 5, 2},
-                                                                            {20, 17, 33},
-                                                                            {35, 35, 35},
-                                                                            {1030, 70, 3},
-                                                                            {70, 1030, 3},
-                                                                            {70, 3, 70},
-                                                                            {0, 2, 3},
-                                                                            {2, 0, 3}}) {
+  constexpr int kShapes[][3] = {{1, 1, 1},    {3, 5, 2},     {20, 17, 33},
+                                {35, 35, 35}, {1030, 70, 3}, {70, 1030, 3},
+                                {70, 3, 70},  {0, 2, 3},     {2, 0, 3}};
+  for (const auto& [rows, inner, columns] : kShapes) {
     SCOPED_TRACE(testing::Message() << rows << ' ' << inner << ' ' << columns);
     TypeParam a, b, at, bt, result;
     fillNormal(a, inner, rows, 1);
@@ -292,7 +284,7 @@ TEST_F(MatrixAlgebra, HatMatrixProjects) {
 /// are R's.
 TEST_F(MatrixAlgebra, PublishedMatrix) {
   TMatrix m, cross;
-  test::loadCsv("USArrests.csv", 1, 4, m);
+  loadCsv("USArrests.csv", 1, 4, m);
   EXPECT_NEAR(m.Norm(ntSpectral) / 1419.0613950977229, 1, 4e-15);
   EXPECT_TRUE(m.Square(&cross, 1));
   EXPECT_NEAR(cross.Determinant() / 52034066198275760, 1, 1e-13);
@@ -302,4 +294,4 @@ TEST_F(MatrixAlgebra, PublishedMatrix) {
 }
 
 }  // namespace
-}  // namespace zel
+}  // namespace zel::test

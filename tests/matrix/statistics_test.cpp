@@ -3,10 +3,9 @@
 #include "zel/base/Zel_univconst.h"
 #include "zel/base/progress.h"
 
-namespace zel {
+namespace zel::test {
 namespace {
 
-using test::contents;
 using Values = std::vector<double>;
 
 /// A vector with the elements of a rectangle, whose statistics follow the same rules.
@@ -34,14 +33,11 @@ std::vector<double> statistics(const auto& x, auto... range) {
 
 TEST(MatrixStatistics, RectanglesGiveWhatTheirElementsGive) {
   TMatrix m;
-  test::fillNormal(m, 7, 40);
+  fillNormal(m, 7, 40);
   m.SAdd(10);
-  for (const auto& [c1, r1, c2, r2] : std::vector<std::array<int, 4>>{{1, 1, 7, 40},
-                                                                      {2, 1, 5, 40},
-                                                                      {3, 4, 3, 30},
-                                                                      {1, 8, 7, 8},
-                                                                      {2, 3, 3, 39},
-                                                                      {4, 4, 4, 4}}) {
+  constexpr int kRectangles[][4] = {{1, 1, 7, 40}, {2, 1, 5, 40}, {3, 4, 3, 30},
+                                    {1, 8, 7, 8},  {2, 3, 3, 39}, {4, 4, 4, 4}};
+  for (const auto& [c1, r1, c2, r2] : kRectangles) {
     const TVector v = cellsOf(m, c1, r1, c2, r2);
     ProcStat = 0;
     EXPECT_EQ(statistics(m, c1, r1, c2, r2), statistics(v, 0, 0));
@@ -105,7 +101,7 @@ TEST(MatrixStatistics, BadArgumentsOfTheMeansAreNamed) {
 
 TEST(MatrixStatistics, SampledPercentiles) {
   TMatrix m;
-  test::fillNormal(m, 20, 100);
+  fillNormal(m, 20, 100);
   EXPECT_EQ(m.Percentile(30, 0, 0, 0, 0, 0), m.Percentile(30, 0, 0, 0, 0));
   EXPECT_EQ(m.Percentile(30, 1, 1, 2, 50, 100), m.Percentile(30, 1, 1, 2, 50));
   // 1500 draws: the sample's median lies between the 40th and 60th percentile but for odds of
@@ -132,7 +128,7 @@ TEST(MatrixStatistics, CountsAndThresholds) {
 
 TEST(MatrixStatistics, EdgeVectorsAggregateLines) {
   TMatrix m;
-  test::fillNormal(m, 5, 37);
+  fillNormal(m, 5, 37);
   m.SetVal(2, 3, NAN);
   TVector rows, columns;
   for (const TEdgeOp op : {eoMin, eoMax, eoSum, eoMean}) {
@@ -160,7 +156,7 @@ TEST(MatrixStatistics, EdgeVectorsAggregateLines) {
 
 TEST(MatrixStatistics, NormalisationsByColumnAndByRow) {
   TMatrix m;
-  test::fillNormal(m, 4, 25);
+  fillNormal(m, 4, 25);
   m.SAdd(3);
   m.Fill(2, 2, 0, 0, 1.5);  // no spread
   struct TNormal {
@@ -175,7 +171,7 @@ TEST(MatrixStatistics, NormalisationsByColumnAndByRow) {
     centres.Resize(3);  // one too short, which is nobody's fault
     scales.Resize(4);
     scales.Fill(-1);
-    test::Events events(copy);
+    Events events(copy);
     byColumn(copy);
     EXPECT_EQ(events.count, 1);
     byRow(turned);
@@ -216,8 +212,8 @@ TEST(MatrixStatistics, NormalisationsByColumnAndByRow) {
 
 TEST(MatrixStatistics, CorrelationOfAllElements) {
   TMatrix a, b;
-  test::fillNormal(a, 3, 20, 1);
-  test::fillNormal(b, 3, 20, 2);
+  fillNormal(a, 3, 20, 1);
+  fillNormal(b, 3, 20, 2);
   EXPECT_EQ(a.Correlate(&a), 1);
   const TVector x(a.Elements());
   const TVector y(b.Elements());
@@ -230,4 +226,4 @@ TEST(MatrixStatistics, CorrelationOfAllElements) {
 }
 
 }  // namespace
-}  // namespace zel
+}  // namespace zel::test

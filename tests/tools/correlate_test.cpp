@@ -27,7 +27,7 @@ void expectCorrelations(const JsonFields& json, int k, const std::vector<double>
   }
 }
 
-// R 4.2.2: cor(iris[, 1:4]), cor(USArrests)
+// R 4.2.2: cor(iris[, 1:4])
 TEST_F(Correlate, RealDataAsR) {
   const ZelRun iris = runZel("correlate '" ZEL_TEST_DATA "/iris.csv' --json");
   EXPECT_EQ(0, iris.status);
@@ -35,12 +35,8 @@ TEST_F(Correlate, RealDataAsR) {
   expectCorrelations(JsonFields(iris.output), 4,
                      {1, -0.11756978413300206, 0.87175377588658320, 0.81794112627157578, 1,
                       -0.42844010433053969, -0.36612593253643910, 1, 0.96286543140279601, 1});
-  const ZelRun arrests = runZel("correlate '" ZEL_TEST_DATA "/USArrests.csv' --json");
-  EXPECT_EQ("", arrests.errors);
-  expectFields(JsonFields(arrests.output),
-               "rows 50 variables/0/name Murder variables/0/column 2 n/3/0 50 correlation/2/3 "
-               "0.41134123562409930",
-               2e-15);
+  expectFields(JsonFields(iris.output),
+               "rows 150 variables/0/name Sepal.Length variables/1/column 2 n/3/0 150");
 }
 
 // R 4.2.2: cor(cbind(x, y, z), use = "pairwise.complete.obs"); one is constant where x is known,

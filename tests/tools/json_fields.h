@@ -2,16 +2,7 @@
 /// A strict little JSON reader for tests.
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <cctype>
-#include <cmath>
-#include <cstdlib>
-#include <map>
-#include <sstream>
-#include <stdexcept>
-#include <string>
-#include <string_view>
+#include "tests/support/testing.h"
 
 namespace zel_test {
 

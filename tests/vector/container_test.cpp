@@ -3,7 +3,7 @@
 #include "zel/foundation/randoms.h"
 #include "zel/vector/Zel_vector.h"
 
-namespace zel {
+namespace zel::test {
 namespace {
 
 template <class V>
@@ -13,9 +13,6 @@ TYPED_TEST_SUITE(Vectors, Both);
 
 template <class V>
 using Values = std::vector<typename V::value_type>;
-
-using test::contents;
-using test::Events;
 
 TYPED_TEST(Vectors, NewVectorIsOneZero) {
   TypeParam v;
@@ -64,7 +61,7 @@ TYPED_TEST(Vectors, FailedAllocationsNameTheVectorAndChangeNothing) {
   other.SaveToStream(record, 0, 0);
   double q = 0;
   const auto expectHarmless = [&](const std::string& message, auto operation) {
-    test::expectFailuresHarmless<EZELVectorError>(
+    expectFailuresHarmless<EZELVectorError>(
         operation, "Component \"V1\": not enough memory" + message,
         [&] {
           EXPECT_EQ(contents(v), (Values<TypeParam>{1, 2}));
@@ -90,7 +87,7 @@ TYPED_TEST(Vectors, FailedAllocationsNameTheVectorAndChangeNothing) {
   }
   MathFeedBackProc = nullptr;
   TComponent owner;
-  const test::FailingStorage fail(0);
+  const FailingStorage fail(0);
   EXPECT_THROW_MSG(TypeParam w(&owner), EZELVectorError,
                    "Component \"\": not enough memory on heap");
   EXPECT_EQ(owner.ComponentCount(), 0) << "a half-made object leaves its owner";
@@ -99,20 +96,13 @@ TYPED_TEST(Vectors, FailedAllocationsNameTheVectorAndChangeNothing) {
 TEST(VectorTypes, RangesAreClamped) {
   TVector v;
   v.Resize(10);
-  using Range = std::pair<int, int>;
-  for (const auto& [given, valid] : std::vector<std::pair<Range, Range>>{
-           {{0, 0}, {1, 10}},
-           {{0, 5}, {1, 5}},
-           {{5, 0}, {1, 5}},
-           {{7, 3}, {3, 7}},
-           {{-4, 99}, {1, 10}},
-           {{12, 15}, {10, 10}},
-           {{-9, -3}, {1, 1}},
-           {{INT_MAX, INT_MIN}, {1, 10}},
-       }) {
+  const std::pair<int, int> cases[][2] = {
+      {{0, 0}, {1, 10}},   {{0, 5}, {1, 5}},     {{5, 0}, {1, 5}},   {{7, 3}, {3, 7}},
+      {{-4, 99}, {1, 10}}, {{12, 15}, {10, 10}}, {{-9, -3}, {1, 1}}, {{INT_MAX, INT_MIN}, {1, 10}}};
+  for (const auto& [given, valid] : cases) {
     auto [low, high] = given;
     v.MakeValidElemRange(low, high);
-    EXPECT_EQ(Range(low, high), valid) << given.first << ' ' << given.second;
+    EXPECT_EQ(std::pair(low, high), valid) << given.first << ' ' << given.second;
   }
 }
 
@@ -355,4 +345,4 @@ TEST(Vector, PrintsAndConverts) {
 }
 
 }  // namespace
-}  // namespace zel
+}  // namespace zel::test

@@ -3,11 +3,9 @@
 #include "tests/support/testing.h"
 #include "zel/vector/Zel_vector.h"
 
-namespace zel {
+namespace zel::test {
 namespace {
 
-using test::contents;
-using test::Events;
 using Values = std::vector<double>;
 
 class VectorFiles : public zel_test::InFolder {
@@ -215,4 +213,4 @@ TEST_F(VectorFiles, AscErrorsAreTold) {
 }
 
 }  // namespace
-}  // namespace zel
+}  // namespace zel::test

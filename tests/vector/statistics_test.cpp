@@ -2,7 +2,7 @@
 #include "tests/support/testing.h"
 #include "zel/vector/Zel_vector.h"
 
-namespace zel {
+namespace zel::test {
 namespace {
 
 template <class V>
@@ -135,16 +135,13 @@ TYPED_TEST(VectorStatistics, HistogramBins) {
   const auto histogram = [&](int low, int high, T last, T width, TIntVector* into) {
     return v.Histogram(low, high, 0, last, width, into, counts[0], counts[1], counts[2]);
   };
-  struct Case {
-    int low, high;
-    std::vector<int> bins, counts;  // counts: underflow, overflow, most
-  };
-  for (const auto& [low, high, bins, expected] : std::vector<Case>{{1, 4, {1, 1, 1}, {0, 1, 1}},
-                                                                   {1, 8, {4, 1, 1}, {1, 1, 4}},
-                                                                   {4, 1, {0, 0, 0}, {0, 0, 0}}}) {
+  for (const auto& [low, high, bins, expected] :
+       {std::tuple(1, 4, std::vector{1, 1, 1}, std::vector{0, 1, 1}),
+        {1, 8, {4, 1, 1}, {1, 1, 4}},
+        {4, 1, {0, 0, 0}, {0, 0, 0}}}) {
     EXPECT_TRUE(histogram(low, high, 2, 1, &histo));
-    EXPECT_EQ(test::contents(histo), bins);
-    EXPECT_EQ(std::vector<int>(counts, counts + 3), expected);
+    EXPECT_EQ(contents(histo), bins);
+    EXPECT_EQ(std::vector<int>(counts, counts + 3), expected) << "underflow, overflow, most";
   }
   EXPECT_FALSE(histogram(1, 4, 2, 1, nullptr));
   if constexpr (isReal) {
@@ -157,7 +154,7 @@ TYPED_TEST(VectorStatistics, HistogramBins) {
   EXPECT_EQ(histo.NrOfElem(), 3);
   EXPECT_TRUE(histogram(1, 4, 499, 1, &histo));
   EXPECT_EQ(histo.NrOfElem(), 500);
-  test::Events events(histo);
+  Events events(histo);
   histogram(1, 4, 2, 1, &histo);
   EXPECT_EQ(events.count, 1 + 1 + 3) << "resize, clear, a count for each value in a bin";
 }
@@ -172,7 +169,7 @@ TEST(VectorStatisticsInt, HistogramOfAllIntegersAndIntoItself) {
   EXPECT_TRUE(v.Histogram(INT_MIN, INT_MAX, 1, 1, 1, &histo, under, over, most));
   EXPECT_TRUE(under == INT_MAX && over == 4 && most == 0);
   EXPECT_TRUE(v.Histogram(1, 6, 0, 5, 5, &v, under, over, most)) << "into itself";
-  EXPECT_EQ(test::contents(v), (std::vector<int>{2, 2}));
+  EXPECT_EQ(contents(v), (std::vector<int>{2, 2}));
 }
 
 TEST(VectorStatisticsDouble, IntegrationByEachMethod) {
@@ -204,4 +201,4 @@ TEST(VectorStatisticsDouble, TransformationsAreSilent) {
 }
 
 }  // namespace
-}  // namespace zel
+}  // namespace zel::test
