@@ -273,7 +273,6 @@ TEST(Expressions, BalanceOfParentheses) {
   EXPECT_EQ(CheckParanthInExp("((a)"), 1);
   EXPECT_EQ(CheckParanthInExp("a)("), -2);
   EXPECT_EQ(CheckParanthInExp(""), 0);
-  EXPECT_EQ(opXor, 49);
 }
 
 }  // namespace

@@ -1,6 +1,5 @@
 #include "zel/base/array.h"
 
-#include "tests/support/failing_storage.h"
 #include "tests/support/testing.h"
 
 namespace zel {

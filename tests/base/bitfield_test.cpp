@@ -1,7 +1,6 @@
 #include "zel/base/Zel_dstruct.h"
 
 #include "tests/support/testing.h"
-#include "zel/base/errors.h"
 
 namespace zel {
 namespace {

@@ -1,7 +1,6 @@
 #include "zel/base/component.h"
 
 #include "tests/support/testing.h"
-#include "zel/base/Zel_zelbase.h"
 
 namespace zel {
 namespace {
@@ -11,7 +10,6 @@ class Tracked : public TComponent {
   Tracked(TComponent* owner, std::string name, std::string& log)
       : TComponent(owner), label_(std::move(name)), log_(log) {}
   ~Tracked() override { log_ += label_; }
-  using TComponent::ComponentMessage;
   using TComponent::Fire;
 
  private:
@@ -35,13 +33,6 @@ TEST(Component, OwnerDestroysWhatIsStillAliveLastFirst) {
   EXPECT_EQ(log, "ebcda");
 }
 
-TEST(Component, MessageJoinsNameAndSuffix) {
-  std::string log;
-  Tracked c(nullptr, "x", log);
-  c.SetName("Data 7");
-  EXPECT_EQ(c.ComponentMessage("\": not enough memory"), "Component \"Data 7\": not enough memory");
-}
-
 TEST(Component, AssignBetweenStrangersIsAConversionError) {
   TComponent a;
   TComponent b;
@@ -60,18 +51,6 @@ TEST(Component, HandlersMayReplaceThemselvesWhileTheyRun) {
   Tracked::Fire(event, nullptr);
   EXPECT_EQ(text, "alive");
   Tracked::Fire(event, nullptr);
-}
-
-TEST(Progress, StepAddsThenReports) {
-  static double reported;
-  reported = 0;
-  ProcStat = 2.5;
-  ProgressStep();
-  EXPECT_EQ(ProcStat, 3.5);
-  MathFeedBackProc = [](double x) { reported = x; };
-  ProgressStep(0.25);
-  MathFeedBackProc = nullptr;
-  EXPECT_EQ(reported, 3.75);
 }
 
 TEST(Random, SeedFixesTheSequence) {

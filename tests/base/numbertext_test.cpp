@@ -4,7 +4,6 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "tests/support/hostile.h"
 #include "tests/support/testing.h"
 
 namespace zel {

@@ -1,8 +1,6 @@
 #include "zel/base/Zel_streams.h"
 
-#include "tests/base/temp_dir.h"
 #include "tests/support/testing.h"
-#include "zel/base/errors.h"
 #include "zel/base/extended_impl.h"
 
 namespace zel {

@@ -7,7 +7,6 @@
 #include <filesystem>
 #include <thread>
 
-#include "tests/base/temp_dir.h"
 #include "tests/support/testing.h"
 
 namespace zel {

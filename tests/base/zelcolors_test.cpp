@@ -1,8 +1,6 @@
 #include "zel/base/Zel_zelcolors.h"
 
-#include "tests/base/temp_dir.h"
 #include "tests/support/testing.h"
-#include "zel/base/errors.h"
 
 namespace zel {
 namespace {

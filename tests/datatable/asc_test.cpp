@@ -1,6 +1,5 @@
 // Tables in the ASC form: exact round trips, files of the other containers, pasting, and what
 // cannot be read.
-#include "tests/base/temp_dir.h"
 #include "tests/datatable/table_model.h"
 #include "tests/datatable/tables.h"
 #include "tests/support/testing.h"
@@ -11,7 +10,6 @@
 namespace zel::test {
 namespace {
 
-using zel_test::readBytes;
 using TableAsc = zel_test::InFolder;
 
 /// Rows and what stands behind them, as the writer writes them.
@@ -32,7 +30,7 @@ TEST_F(TableAsc, RoundTripsAreExact) {
     if (custom.Length(0) == 0) custom.clear();
     for (std::string& text : custom) text = randomText(random, 20);
     ASSERT_EQ(T.ExportAsASC(file, -1, custom), 0);
-    const std::string bytes = readBytes(file);
+    const std::string bytes = bytesOf("x.asc");
     SCOPED_TRACE(bytes);
     std::string events, expected;
     recordEvents(Read, events);
@@ -78,7 +76,7 @@ TEST_F(TableAsc, SharesItsFormWithTheOtherContainers) {
   T.SetColAttrib(1, 3);
   ASSERT_EQ(T.ExportAsASC(file, 1, TStr2DArray{{"a", "b", "c"}}), 0);
   EXPECT_EQ(
-      readBytes(file),
+      bytesOf("x.asc"),
       "a vector\n1\t;nr. of columns\n3\t;nr. of rows\nTRUE TRUE TRUE FALSE\t;row attributes, "
       "column names, row names, nominal variables\n\"\"\"\"\n0\t\"two lines \"\"x\"\"\"\t"
       "         1.5\n-7\t\"R-2\"\t         2.2\n0\t\"R-3\"\tNAN\n;more\t;what the rows do not "

@@ -1,6 +1,5 @@
 #include "zel/datatable/Zel_datatable.h"
 
-#include "tests/base/temp_dir.h"
 #include "tests/datatable/table_model.h"
 #include "tests/matrix/matrices.h"
 #include "tests/support/testing.h"

@@ -1,6 +1,5 @@
 // Statistics of the cells of a table and transformations of its values, against plain loops.
 #include "tests/support/testing.h"
-#include "zel/base/progress.h"
 #include "zel/datatable/Zel_datatable.h"
 #include "zel/kernels/moments.h"
 #include "zel/kernels/order_statistics.h"

@@ -1,9 +1,7 @@
 // Tables as XML: exact round trips, what others write, and what is damaged.
-#include "tests/base/temp_dir.h"
 #include "tests/datatable/table_model.h"
 #include "tests/datatable/tables.h"
 #include "tests/support/testing.h"
-#include "zel/base/numbertext.h"
 #include "zel/base/xmltags.h"
 #include "zel/datatable/Zel_datatable.h"
 
@@ -33,8 +31,8 @@ TEST_F(TableXml, RoundTripsExactly) {
     makeRandom(T, random);
     const std::string id = "a" + randomText(random, 90);
     ASSERT_TRUE(T.SaveAsXMLFile(path("x"), -1, id));
-    const std::string whole = readBytes(path("x"));
-    TDataTable Small, FromFile, Scanned;
+    const std::string whole = bytesOf("x");
+    TDataTable Small, FromFile;
     TScanningTable Scanning;
     ASSERT_TRUE(FromFile.LoadFromXMLFile(path("x"), id));
     EXPECT_EQ(Scanning.scan("<?x?>" + whole), 1);
@@ -42,12 +40,11 @@ TEST_F(TableXml, RoundTripsExactly) {
     stream << "<m><n/><k>";
     Small.WriteToXMLStream(stream, false, 2, id.substr(1));
     T.WriteToOpenXMLFile(stream, false, -1, id);
-    T.WriteToXMLStream(stream, false, 0, "decimals");
     stream << "</k></m>";
     std::size_t pos = 3;
     const std::string text = stream.str();
     ASSERT_TRUE(Read.ReadFromXMLString(text, pos, id));
-    EXPECT_EQ(text.substr(pos, 15), "\n<datatable id=");
+    EXPECT_EQ(text.substr(pos), "\n</k></m>");
     expectIdentical(Read, FromFile);
     expectIdentical(Read, Scanning);
     ASSERT_TRUE(Read.ReadFromXMLStream(stream, ""));
@@ -55,17 +52,6 @@ TEST_F(TableXml, RoundTripsExactly) {
     ASSERT_TRUE(Read.ReadFromOpenXMLFile(stream, ""));
     EXPECT_FALSE(FromFile.ReadFromXMLStream(stream, id));
     expectIdentical(T, Read);
-    pos = 0;
-    ASSERT_TRUE(FromFile.ReadFromXMLString(text, pos, "decimals"));
-    for (int r = 1; r <= T.NrOfRows(); ++r) {
-      const double x = T.NumericData->GetVal(1, r);
-      const double read = FromFile.NumericData->GetVal(1, r);
-      if (std::fabs(x) < 1) {
-        EXPECT_LE(std::fabs(read - x), 0.5 * std::fabs(x)) << "a significant digit";
-      } else {
-        EXPECT_EQ(strff(read, 0, 0), strff(x, 0, 0));
-      }
-    }
     for (std::size_t size = 0; trial < 5 && size + 1 < whole.size(); ++size) {
       pos = 0;
       ASSERT_FALSE(FromFile.ReadFromXMLString(whole.substr(0, size), pos, "")) << size;

@@ -1,7 +1,6 @@
 #include "zel/foundation/integers.h"
 
 #include "tests/support/testing.h"
-#include "zel/base/random.h"
 #include "zel/foundation/bits.h"
 
 using namespace zel;

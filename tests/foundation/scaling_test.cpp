@@ -3,7 +3,6 @@
 #include <cstdlib>
 
 #include "tests/support/testing.h"
-#include "zel/base/random.h"
 
 using namespace zel;
 

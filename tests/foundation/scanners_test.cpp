@@ -1,7 +1,6 @@
 // Numbers, angles and dates read out of a text.
 #include <charconv>
 
-#include "tests/support/hostile.h"
 #include "tests/support/testing.h"
 #include "zel/foundation/Zel_math1.h"
 

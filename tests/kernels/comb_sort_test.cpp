@@ -1,8 +1,6 @@
 #include "zel/kernels/comb_sort.h"
 
-#include "tests/support/failing_new.h"
 #include "tests/support/key_shapes.h"
-#include "tests/support/simd_targets.h"
 #include "tests/support/testing.h"
 #include "zel/kernels/comb_order.h"
 

@@ -1,9 +1,7 @@
 // The Fourier transform and its roots of unity against sums and functions in extended precision.
 #include "zel/kernels/fourier.h"
 
-#include "tests/support/same_bits.h"
 #include "tests/support/testing.h"
-#include "zel/base/types.h"
 #include "zel/kernels/roots_of_unity.h"
 
 namespace zel::kernels {

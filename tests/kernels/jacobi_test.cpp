@@ -1,8 +1,6 @@
 #include "zel/kernels/jacobi.h"
 
-#include "tests/support/same_bits.h"
 #include "tests/support/testing.h"
-#include "zel/base/types.h"
 
 namespace zel::kernels {
 namespace {

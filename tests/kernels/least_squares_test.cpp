@@ -1,6 +1,5 @@
 #include "zel/kernels/least_squares.h"
 
-#include "tests/support/same_bits.h"
 #include "tests/support/testing.h"
 #include "zel/kernels/cross_products.h"
 #include "zel/kernels/sums.h"

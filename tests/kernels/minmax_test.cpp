@@ -1,6 +1,5 @@
 #include "zel/kernels/minmax.h"
 
-#include "tests/support/simd_targets.h"
 #include "tests/support/testing.h"
 
 namespace zel::kernels {

@@ -1,7 +1,6 @@
 #include "zel/kernels/select.h"
 
 #include "tests/support/key_shapes.h"
-#include "tests/support/simd_targets.h"
 #include "tests/support/testing.h"
 #include "zel/kernels/bracket.h"
 #include "zel/kernels/comb_sort.h"

@@ -1,7 +1,6 @@
 #include "zel/kernels/sums.h"
 
 #include "tests/support/exact.h"
-#include "tests/support/same_bits.h"
 #include "tests/support/testing.h"
 #include "zel/kernels/moments.h"
 #include "zel/kernels/split_sums.h"

@@ -1,6 +1,5 @@
 #include "tests/matrix/matrices.h"
 #include "tests/support/testing.h"
-#include "zel/base/random.h"
 
 namespace zel::test {
 namespace {

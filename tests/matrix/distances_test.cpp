@@ -1,5 +1,4 @@
 #include "tests/matrix/matrices.h"
-#include "tests/support/simd_targets.h"
 #include "tests/support/testing.h"
 
 namespace zel::test {

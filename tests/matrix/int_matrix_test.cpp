@@ -238,12 +238,6 @@ TEST(SparseIntMatrix, CopiesKeepFormsAndLongIndices) {
   real.Resize(2, 2);
   real.CopyFrom(&target, 2, 2, 3, 3, 1, 1);
   EXPECT_EQ(contents(real), (std::vector<double>{2, 2, 1, 0, 0, 7}));
-
-  TIntMatrix corner{{3, 0}, {0, 0}};
-  corner.ArrayToSparse(5);
-  EXPECT_EQ(contents(corner), (Values{2, 2, 3, 0, 0, 0}));
-  corner.SparseToArray();
-  EXPECT_EQ(contents(corner), (Values{1, 1, 3})) << "the size follows the stored cells";
 }
 
 TEST(SparseIntMatrix, AppendsInFewAllocationsAndFailsWithoutHarm) {

@@ -1,6 +1,6 @@
 /// @file
 /// What nearly every test needs: the framework, the standard headers that tests write their data and
-/// plain versions with, messages of exceptions, and the odd numbers.
+/// plain versions with, the helpers of many, and the odd numbers.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -26,7 +26,10 @@
 #include <utility>
 #include <vector>
 
+#include "tests/base/temp_dir.h"
+#include "tests/support/containers.h"
 #include "tests/support/expect_message.h"
+#include "tests/support/same_bits.h"
 
 namespace zel {
 

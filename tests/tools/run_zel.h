@@ -4,7 +4,6 @@
 
 #include <sys/wait.h>
 
-#include "tests/base/temp_dir.h"
 #include "tests/support/testing.h"
 #include "tests/tools/json_fields.h"
 

@@ -1,7 +1,6 @@
 // Data files: what each form may look like, and the sentences for those that are wrong.
 #include "tools/table_file.h"
 
-#include "tests/base/temp_dir.h"
 #include "tests/support/testing.h"
 #include "tools/failure.h"
 #include "tools/variable.h"

@@ -1,5 +1,4 @@
 // TFastFourier: windows, spectrum and lengths.
-#include "tests/support/containers.h"
 #include "tests/support/testing.h"
 #include "zel/transforms/Zel_fourier.h"
 #include "zel/transforms/length_impl.h"

@@ -1,5 +1,4 @@
 // The wavelet transform against its definition, written down once more, and its invariants.
-#include "tests/support/failing_storage.h"
 #include "tests/support/testing.h"
 #include "zel/transforms/Zel_wavelet.h"
 

@@ -1,5 +1,3 @@
-#include "tests/base/temp_dir.h"
-#include "tests/support/containers.h"
 #include "tests/support/testing.h"
 #include "zel/vector/Zel_vector.h"
 
