@@ -25,21 +25,17 @@ std::array<double, 3> smoothed(TCurveFit& fit, double x) {
 }
 
 TEST(Splines, InterpolationAgreesWithR) {
-  struct Case {
-    bool natural1, naturalN;
-    Values values;
-  };
   // R 4.2: splinefun(method = "natural"); the others by solve() of the full system of the second
   // derivatives, slopes 4 and -0.5, beyond the data along the tangent.
-  const Case cases[]{
-      {true,
+  const std::tuple<Values, bool, bool> cases[] = {
+      {{-3.290620051097053, 2.973827506387132, 5.526072354992312, 5.5, 2.808837209313332,
+        2.16326051198654},
        true,
-       {-3.290620051097053, 2.973827506387132, 5.526072354992312, 5.5, 2.808837209313332,
-        2.16326051198654}},
-      {false, false, {-3.875, 3.005889986164382, 5.526199608400613, 5.5, 2.801564245098302, 2.25}},
-      {true,
-       false,
-       {-3.290619014459313, 2.973827376807414, 5.526000232649302, 5.5, 2.801564151053136, 2.25}}};
+       true},
+      {{-3.875, 3.005889986164382, 5.526199608400613, 5.5, 2.801564245098302, 2.25}, false, false},
+      {{-3.290619014459313, 2.973827376807414, 5.526000232649302, 5.5, 2.801564151053136, 2.25},
+       true,
+       false}};
   TCurveFit fit;
   // Out of order, and one pair as two whose mean it is.
   enter(fit, {kX.rbegin(), kX.rend()}, {kY.rbegin(), kY.rend()});
@@ -48,11 +44,11 @@ TEST(Splines, InterpolationAgreesWithR) {
   fit.EnterStatValue(6.5, 5.5);
   fit.SetY1Dash(4);
   fit.SetYNDash(-0.5);
-  for (const Case& c : cases) {
-    fit.SetNatural1(c.natural1);
-    fit.SetNaturalN(c.naturalN);
+  for (const auto& [values, natural1, naturalN] : cases) {
+    fit.SetNatural1(natural1);
+    fit.SetNaturalN(naturalN);
     for (std::size_t i = 0; i < kPlaces.size(); ++i)
-      EXPECT_NEAR(fit.CubicSpline(kPlaces[i]), c.values[i], 2e-14) << kPlaces[i];
+      EXPECT_NEAR(fit.CubicSpline(kPlaces[i]), values[i], 2e-14) << kPlaces[i];
   }
   for (std::size_t i = 0; i < kX.size(); ++i) EXPECT_EQ(fit.CubicSpline(kX[i]), kY[i]);
   EXPECT_TRUE(std::isnan(fit.CubicSpline(kNaN)));

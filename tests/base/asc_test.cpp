@@ -83,7 +83,7 @@ TEST(ParseQuotedName, TellsWhereAReaderMayStop) {
   const std::tuple<const char*, const char*, const char*> cases[] = {
       {"'it''s' ", "00010011", "it's"},
       {" \t'' ", "00011", ""},
-      {" 5'x\r", "00001", "5'x"},
+      {" 5'x\r\n", "000011", "5'x"},
       {"'a b", "0000", "a b"}};
   for (const auto& [text, stops, wanted] : cases) {
     std::string name, complete;

@@ -28,13 +28,6 @@ TEST(FindNearest, NothingIsNearIfNoDistanceIsBelowTheLargestDouble) {
   EXPECT_EQ(findNearest(std::span<const double>(), 0), npos);
 }
 
-TEST(FindExact, GivesTheFirstOrNone) {
-  const std::vector<std::int32_t> x{4, 7, 7, kMin};
-  EXPECT_EQ(findExact(std::span(x), 7), 1u);
-  EXPECT_EQ(findExact(std::span(x), kMin), 3u);
-  EXPECT_EQ(findExact(std::span(x), 5), npos);
-}
-
 // Against all distances, for every length up to 40 in both directions.
 TEST(FindInSorted, FindsAnEqualOrElseTheNearerWithTiesToTheLater) {
   std::mt19937 random(31);

@@ -94,6 +94,27 @@ TYPED_TEST(Select, EmptyGivesZeroAndConstantsStayInPlace) {
   }
 }
 
+// Any two keys as the bracket of any position: the pair is right, and missed only where one of both
+// is outside.
+TYPED_TEST(Select, BracketGivesThePairOnlyIfItHoldsBothPositions) {
+  const std::vector<TypeParam> sorted{1, 2, 2, 3, 4, 4, 4, 6}, keys{4, 4, 6, 1, 2, 2, 3, 4};
+  std::vector<TypeParam> room(keys.size() + kBracketSlack);
+  for (std::size_t k = 0; k < keys.size(); ++k) {
+    const TypeParam next = sorted[std::min(k + 1, keys.size() - 1)];
+    for (const TypeParam low : sorted) {
+      for (const TypeParam high : sorted) {
+        if (high < low) continue;
+        SelectedPair<TypeParam> pair;
+        const auto outcome = selectBetween(std::span<const TypeParam>(keys), k, low, high,
+                                           std::span<TypeParam>(room), pair);
+        const bool held = low <= sorted[k] && next <= high;
+        ASSERT_EQ(outcome == Bracketing::Found, held) << k << ' ' << low << ' ' << high;
+        ASSERT_TRUE(!held || (pair.at == sorted[k] && pair.next == next)) << k << ' ' << low;
+      }
+    }
+  }
+}
+
 TYPED_TEST(Select, BracketStopsBeforeItsRoomEnds) {
   const std::vector<TypeParam> keys(100000, TypeParam(5));
   std::vector<TypeParam> room(kBracketSlack + 5000 + 64, TypeParam(77));

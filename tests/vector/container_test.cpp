@@ -276,6 +276,7 @@ TYPED_TEST(Vectors, SearchGivesPositionsInTheVector) {
   EXPECT_EQ((TVector{1, 2}.Find(0, 0, std::nan(""))), 0);
   const TIntVector w{INT_MIN, 7, INT_MIN, INT_MAX};
   EXPECT_EQ(w.FindExact(4, 2, INT_MIN), 3);
+  EXPECT_EQ(w.FindExact(0, 0, INT_MIN), 1) << "the first of equals";
   EXPECT_EQ(w.FindExact(2, 2, INT_MIN), 0);
 }
 

@@ -51,17 +51,12 @@ TYPED_TEST(VectorStatistics, ModeAndDichotomy) {
   EXPECT_EQ((TypeParam{3, 1, 3, 2, 2}.Mode(0, 0)), 2);
   EXPECT_EQ((TypeParam{3, 1, 3, 2, 2}.Mode(1, 4)), 3);
   using T = typename TypeParam::value_type;
-  struct Case {
-    std::vector<T> values;
-    bool dichotomous;
-    T first, second;
-  };
-  for (const auto& [values, dichotomous, first, second] :
-       std::vector<Case>{{{5}, false, 0, 0},
-                         {{5, 5, 5}, true, 5, 5},
-                         {{5, 5, 3}, true, 5, 3},
-                         {{5, 3, 5, 3}, true, 5, 3},
-                         {{5, 3, 5, 4}, false, 5, 3}}) {
+  const std::tuple<std::vector<T>, bool, T, T> cases[] = {{{5}, false, 0, 0},
+                                                          {{5, 5, 5}, true, 5, 5},
+                                                          {{5, 5, 3}, true, 5, 3},
+                                                          {{5, 3, 5, 3}, true, 5, 3},
+                                                          {{5, 3, 5, 4}, false, 5, 3}};
+  for (const auto& [values, dichotomous, first, second] : cases) {
     T a = 7, b = 7;
     EXPECT_EQ(TypeParam(values).IsDichotomous(a, b), dichotomous);
     EXPECT_TRUE(a == first && b == second) << a << ' ' << b;
