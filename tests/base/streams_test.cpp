@@ -82,11 +82,16 @@ TEST(LongintItem, IsLittleEndianTwosComplement) {
   TMemoryStream s;
   for (const int i : values) WriteLongintToStream(s, i);
   EXPECT_EQ(s.str(), std::string("\1\0\0\0\xFE\xFF\xFF\xFF\0\0\0\x80\4\3\2\1", 16));
+  bool fail = true;
   for (const int i : values) {
-    bool fail = true;
     EXPECT_EQ(ReadLongintFromStream(s, fail), i);
     EXPECT_FALSE(fail);
   }
+  EXPECT_EQ(ReadLongintFromStream(s, fail), 0);
+  EXPECT_TRUE(fail);
+  TMemoryStream cut("nine byte");
+  EXPECT_EQ(ReadExtendedFromStream(cut, fail = false), 0);
+  EXPECT_TRUE(fail);
 }
 
 TEST(TMemoryStream, AppendsToWhatItHolds) {

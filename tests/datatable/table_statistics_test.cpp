@@ -160,8 +160,7 @@ TEST(TableStatistics, Covariances) {
     TMatrix C;
     C.Resize(5, 4);
     C.Fill(-7);
-    int events = 0;
-    C.OnChange = [&](TObject*) { ++events; };
+    const test::Events events(C);
     for (const int last : {4, 29}) {
       ProcStat = 0;
       ASSERT_TRUE(T.CalcCovar(&C, 2, 5, 3, last, mode));
@@ -175,7 +174,7 @@ TEST(TableStatistics, Covariances) {
         }
       }
     }
-    EXPECT_EQ(events, 2);
+    EXPECT_EQ(events.count, 2);
     EXPECT_EQ(C.GetVal(5, 1), -7);
     EXPECT_FALSE(T.CalcCovar(&C, 1, 5, 1, 30, mode)) << "too small";
   }
@@ -236,14 +235,13 @@ TEST(TableTransforms, StandardizeByColumnsAndRows) {
     fill(T, 6, 25, 11);
     TDataTable Old;
     Old.CopyContentsFrom(&T);
-    int events = 0;
-    T.OnChange = [&](TObject*) { ++events; };
+    const test::Events events(T);
     TVector M, S;
     M.Resize(6);
     S.Resize(6);
     M.Fill(-1);
     isDivided ? T.StandardizeNumCellColumns(&M, &S) : T.MeanCenterNumCellColumns(&M);
-    EXPECT_EQ(events, 1);
+    EXPECT_EQ(events.count, 1);
     for (int c = 1; c <= 6; ++c) {
       double mean = -1, variance = 1;
       if (isNumeric(Old, c)) Old.MeanVarOfNumCells(c, 0, c, 0, mean, variance);
@@ -260,12 +258,12 @@ TEST(TableTransforms, StandardizeByColumnsAndRows) {
                      "standardization of rows is not possible with nominal or ordinal variables");
     EXPECT_THROW_MSG(T.MeanCenterNumCellRows(nullptr), EZELDataTableError,
                      "mean centering of rows is not possible with nominal or ordinal variables");
-    EXPECT_EQ(events, 1);
+    EXPECT_EQ(events.count, 1);
     for (int c = 1; c <= 6; ++c) T.SetMScaleType(c, stRatio);
     double before = 0, mean = 0, variance = 0;
     ASSERT_GT(T.MeanVarOfNumCells(0, 4, 0, 4, before, variance), 2);
     isDivided ? T.StandardizeNumCellRows(&M, nullptr) : T.MeanCenterNumCellRows(&M);
-    EXPECT_EQ(events, 2);
+    EXPECT_EQ(events.count, 2);
     EXPECT_EQ(M.Elem(4), before);
     T.MeanVarOfNumCells(0, 4, 0, 4, mean, variance);
     EXPECT_NEAR(mean, 0, 1e-14);

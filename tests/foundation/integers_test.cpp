@@ -12,8 +12,7 @@ TEST(Primes, TableAndTestAgreeWithTrialDivision) {
     }
     return true;
   };
-  int ix = 0;
-  int wrong = 0;
+  int ix = 0, wrong = 0;
   for (int n = 0; n <= 46340; ++n) {
     ASSERT_EQ(IsPrime(-n), hasNoDivisor(n)) << n;
     if (n >= 2 && IsPrime(n)) wrong += ListOfPrimes(++ix) != n;

@@ -12,7 +12,9 @@ constexpr bool kHas80Bits = std::numeric_limits<Extended>::digits == 64;
 TEST(DegreeToStr, WritesEveryNotation) {
   const std::tuple<double, TDegreeFormat, int, const char*> cases[] = {
       {-0.5, dfDegMin, 1, "-0° 30.0'"},
+      {12.5, dfDegrees, 2, "12.50°"},
       {-12.5, dfNumber, 99, "-12.50000000"},
+      {12.5, dfNumber, -1, "12"},
       {-1.0 / 3, dfDegMinSec, 8, "-0° 20'  0.00000000\""},
       {359.99999999, dfDegMinSec, 4, "360°  0'  0.0000\""},
       {123456789012.34567, dfDegMinSec, 8, "123456789012° 20' 44.42138672\""},

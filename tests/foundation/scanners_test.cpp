@@ -125,6 +125,7 @@ TEST(ScanDegrees, ReadsWhatOthersWrite) {
       {"12° 30.5' 3\"", 12 + 30.5 / 60, dfDegMin, 10},
       {"12° 36\"", 12, dfDegrees, 4},
       {"12 days", 12, dfNumber, 2},
+      {"-12 S", -12, dfNumber, 3},
       {"12e5", 12, dfNumber, 2},
       {"", NAN, -1, 0},
       {"-", NAN, -1, 0},
@@ -157,11 +158,14 @@ TEST(ScanDateTime, ReadsByFormat) {
       {"jui 2000", "mmm yyyy", lgFrench, NAN},  // June or July
       {"1.3.2000 2", "d.m.yyyy d", lgEnglish, NAN},
       {"30.2.2000", "d.m.yyyy", lgEnglish, NAN},
+      {"29.2.1900", "d.m.yyyy", lgEnglish, NAN},
       {"1.1.0000", "d.m.yyyy", lgEnglish, NAN},
       {"1.2", "d.m", lgEnglish, NAN},
       {"1.2.2000", "dd.mm.yyyy", lgEnglish, NAN},
       {"24:00", "hh:nn", lgEnglish, NAN},
+      {"13:00 pm", "h:nn am/pm", lgEnglish, NAN},
       {"0:30 am", "h:nn am/pm", lgEnglish, NAN},
+      {"00:00:60", "hh:nn:ss", lgEnglish, NAN},
       {"1", "zzzzzzzzzzzzzzzzzzzzz", lgEnglish, NAN},
       {"x", "", lgEnglish, NAN},
       {"1", "h", TLanguage(5), NAN}};

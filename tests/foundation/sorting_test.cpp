@@ -7,12 +7,9 @@
 
 using namespace zel;
 
-namespace {
-double feedbackSum = 0;
-}
-
 TEST(SortArray, ReportsEachPass) {
   SetRandSeed(1);
+  static double feedbackSum;
   MathFeedBackProc = [](double stat) { feedbackSum += stat; };
   for (std::size_t n = 0; n < 100; ++n) {
     const bool ascending = n % 3 != 0;

