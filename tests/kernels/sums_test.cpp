@@ -342,7 +342,7 @@ void expectWithinBound(const BoundedSum& s, const BigInt& exact, int scale, doub
     EXPECT_EQ(most, kInf);
     return;
   }
-  EXPECT_LE(s.error, most * std::abs(s.value.hi));
+  EXPECT_TRUE(most == kInf || s.error <= most * std::abs(s.value.hi)) << s.error;
   const BigInt value =
       (BigInt::scaled(s.value.hi) + BigInt::scaled(s.value.lo)) * (BigInt(1) << (scale - 1074));
   EXPECT_LE(std::abs(BigInt::quotient<double>(exact - value, 1, -scale)), s.error);
@@ -354,7 +354,8 @@ TEST(SplitSums, BoundsHoldAndAreTightOnOrdinaryData) {
     for (const auto& [name, x] : unitBreakers(n)) {
       SCOPED_TRACE(name + " n=" + std::to_string(n));
       const bool isOrdinary = name == "uniform" || name == "offset -40" || name == "offset 1e9" ||
-                              name == "sorted" || name == "rises with every run";
+                              name == "outlier first" || name == "sorted" ||
+                              name == "rises with every run";
       expectWithinBound(splitSum(x.data(), n), ExactPowerSums(x).s1, 1074,
                         n == 5000 && isOrdinary ? 0x1p-57 : kInf);
       for (const double centre : {0.0, x[n / 2]}) {
