@@ -1,16 +1,15 @@
 #include "zel/analysis/Zel_math2.h"
 
-#include <gtest/gtest.h>
-
 #include <set>
 
 #include "tests/matrix/matrices.h"
 #include "tests/support/data_file.h"
+#include "tests/support/testing.h"
 
-namespace zel {
+namespace zel::test {
 namespace {
 
-using Covariances = test::WithProgress;
+using Covariances = WithProgress;
 
 TEST(Eigenvectors, OfTwoVariablesComeInStorageOrder) {
   TMatrix a{{2, 1}, {1, 2}};
@@ -66,7 +65,7 @@ TEST_F(Covariances, ReportAndStop) {
 /// Offsets and extreme sizes cost no digits.
 TEST_F(Covariances, KeepTheirDigits) {
   TMatrix x, shifted, r, s;
-  test::fillNormal(x, 3, 1000);
+  fillNormal(x, 3, 1000);
   r.Resize(3, 3);
   s.Resize(3, 3);
   for (double& v : std::span(x.data(), 3000)) v = std::round(v * 1024) / 1024;
@@ -86,7 +85,7 @@ TEST_F(Covariances, KeepTheirDigits) {
 /// prcomp(iris[, 1:4]) of R, and with scale. = TRUE.
 TEST(PrincipalComponents, OfTheIrises) {
   TMatrix iris;
-  test::loadCsv("iris.csv", 0, 4, iris);
+  loadCsv("iris.csv", 0, 4, iris);
   ASSERT_TRUE(CalcPrincComp(&iris, 0, 0, 0, 0, 1, false));
   const double variances[] = {4.228241706034864, 0.242670747928633523, 0.078209500042919336,
                               0.023835092973449434};
@@ -127,7 +126,7 @@ TEST(SingularValues, ResultsComeTogether) {
     EXPECT_EQ(events, 0);
   };
   for (int k = 0; k < 2; ++k) {
-    const test::FailingStorage failing(k);
+    const FailingStorage failing(k);
     EXPECT_THROW(SingularValueDecompose(&a, &v, &w), EZELMath2Error);
     expectOld();
   }
@@ -212,4 +211,4 @@ TEST(VertexComponents, MoreThanTheDataSpanAreRefused) {
 }
 
 }  // namespace
-}  // namespace zel
+}  // namespace zel::test

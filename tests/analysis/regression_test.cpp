@@ -1,25 +1,19 @@
 // Regressions beside R's lm, svd and pls, on Longley's data.
-#include <cmath>
-#include <limits>
-
-#include <gtest/gtest.h>
-
 #include "tests/matrix/matrices.h"
 #include "tests/support/data_file.h"
+#include "tests/support/testing.h"
 #include "zel/analysis/Zel_math2.h"
 
-namespace zel {
+namespace zel::test {
 namespace {
-
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 /// Six regressors, a constant if wanted, and the employment.
 struct Longley {
   TMatrix x, y;
   TVector target;
   explicit Longley(bool withConstant) {
-    test::loadCsv("longley.csv", 0, 6, x);
-    test::loadCsv("longley.csv", 6, 1, y);
+    loadCsv("longley.csv", 0, 6, x);
+    loadCsv("longley.csv", 6, 1, y);
     target.SetElements(y.Column(1));
     if (!withConstant) return;
     TMatrix wide;
@@ -119,8 +113,8 @@ TEST(Regression, RefusesWhatDoesNotFit) {
   EXPECT_FALSE(MultiLinReg(&x, &shorter, &b, nullptr, isNearSingular));
   EXPECT_FALSE(isNearSingular);
   EXPECT_FALSE(RidgeReg(&x, &y, -1, &b, nullptr, isNearSingular));
-  EXPECT_FALSE(RidgeReg(&x, &y, kInfinity, &b, nullptr, isNearSingular));
-  y.SetVal(2, kInfinity);
+  EXPECT_FALSE(RidgeReg(&x, &y, kInf, &b, nullptr, isNearSingular));
+  y.SetVal(2, kInf);
   EXPECT_FALSE(MultiLinReg(&x, &y, &b, nullptr, isNearSingular));
   expectRelative(b, {7, 8}, 0);
 }
@@ -137,11 +131,10 @@ TEST(Regression, FailedAllocationsChangeNoResult) {
     for (TMatrix* m : {&scores, &loadings}) m->Resize(1, 1), m->SetVal(1, 1, 7);
   };
   const auto unchanged = [&] {
-    for (const TVector* v : {&b, &errors, &variance})
-      EXPECT_EQ(test::contents(*v), std::vector{7.0});
+    for (const TVector* v : {&b, &errors, &variance}) EXPECT_EQ(contents(*v), std::vector{7.0});
     for (const TMatrix* m : {&scores, &loadings}) EXPECT_EQ((*m)(1, 1), 7);
   };
-  test::expectFailuresHarmless<EZELMath2Error>(
+  expectFailuresHarmless<EZELMath2Error>(
       [&] { EXPECT_TRUE(MultiLinReg(&x, &y, &b, &errors, isNearSingular)); },
       "MultiLinReg: not enough memory", unchanged, prepare);
   EXPECT_NEAR(b(1), 0.642857142857142857, 1e-15);
@@ -149,9 +142,9 @@ TEST(Regression, FailedAllocationsChangeNoResult) {
     EXPECT_TRUE(SimPLS(&design, &target, 1, false, &scores, &loadings, nullptr, nullptr, nullptr,
                        nullptr, &variance, nullptr, nullptr));
   };
-  test::expectFailuresHarmless<EZELMath2Error>(leastSquares, "SimPLS: not enough memory", unchanged,
-                                               prepare);
+  expectFailuresHarmless<EZELMath2Error>(leastSquares, "SimPLS: not enough memory", unchanged,
+                                         prepare);
 }
 
 }  // namespace
-}  // namespace zel
+}  // namespace zel::test

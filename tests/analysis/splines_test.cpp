@@ -1,22 +1,11 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <array>
-#include <cmath>
-#include <functional>
-#include <limits>
-#include <random>
-#include <vector>
-
-#include "tests/support/expect_message.h"
 #include "zel/analysis/Zel_math2.h"
+
+#include "tests/support/testing.h"
 
 namespace zel {
 namespace {
 
 using Values = std::vector<double>;
-constexpr double kInf = std::numeric_limits<double>::infinity();
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 const Values kX{0.5, 1, 1.75, 2.5, 3, 4.25, 5, 6.5, 8, 9};
 const Values kY{2.125, 3.5, 3.25, 4.75, 4.5, 5.75, 5.5, 5.25, 3.5, 2.75};
@@ -36,21 +25,6 @@ std::array<double, 3> smoothed(TCurveFit& fit, double x) {
 }
 
 TEST(Splines, InterpolationAgreesWithR) {
-  struct Case {
-    bool natural1, naturalN;
-    Values values;
-  };
-  // R 4.2: splinefun(method = "natural"); the others by solve() of the full system of the second
-  // derivatives, slopes 4 and -0.5, beyond the data along the tangent.
-  const Case cases[]{
-      {true,
-       true,
-       {-3.290620051097053, 2.973827506387132, 5.526072354992312, 5.5, 2.808837209313332,
-        2.16326051198654}},
-      {false, false, {-3.875, 3.005889986164382, 5.526199608400613, 5.5, 2.801564245098302, 2.25}},
-      {true,
-       false,
-       {-3.290619014459313, 2.973827376807414, 5.526000232649302, 5.5, 2.801564151053136, 2.25}}};
   TCurveFit fit;
   // Out of order, and one pair as two whose mean it is.
   enter(fit, {kX.rbegin(), kX.rend()}, {kY.rbegin(), kY.rend()});
@@ -59,12 +33,22 @@ TEST(Splines, InterpolationAgreesWithR) {
   fit.EnterStatValue(6.5, 5.5);
   fit.SetY1Dash(4);
   fit.SetYNDash(-0.5);
-  for (const Case& c : cases) {
-    fit.SetNatural1(c.natural1);
-    fit.SetNaturalN(c.naturalN);
+  const auto expectCurve = [&](bool natural1, bool naturalN, const Values& values) {
+    fit.SetNatural1(natural1);
+    fit.SetNaturalN(naturalN);
     for (std::size_t i = 0; i < kPlaces.size(); ++i)
-      EXPECT_NEAR(fit.CubicSpline(kPlaces[i]), c.values[i], 2e-14) << kPlaces[i];
-  }
+      EXPECT_NEAR(fit.CubicSpline(kPlaces[i]), values[i], 2e-14) << kPlaces[i];
+  };
+  // R 4.2: splinefun(method = "natural"); the others by solve() of the full system of the second
+  // derivatives, slopes 4 and -0.5, beyond the data along the tangent.
+  expectCurve(true, true,
+              {-3.290620051097053, 2.973827506387132, 5.526072354992312, 5.5, 2.808837209313332,
+               2.16326051198654});
+  expectCurve(false, false,
+              {-3.875, 3.005889986164382, 5.526199608400613, 5.5, 2.801564245098302, 2.25});
+  expectCurve(
+      true, false,
+      {-3.290619014459313, 2.973827376807414, 5.526000232649302, 5.5, 2.801564151053136, 2.25});
   for (std::size_t i = 0; i < kX.size(); ++i) EXPECT_EQ(fit.CubicSpline(kX[i]), kY[i]);
   EXPECT_TRUE(std::isnan(fit.CubicSpline(kNaN)));
 }

@@ -1,15 +1,6 @@
 #include "zel/base/array.h"
 
-#include <gtest/gtest.h>
-
-#include <array>
-#include <cstdint>
-#include <map>
-#include <random>
-#include <sstream>
-#include <utility>
-
-#include "tests/support/failing_storage.h"
+#include "tests/support/testing.h"
 
 namespace zel {
 namespace {

@@ -1,11 +1,4 @@
-#include <gtest/gtest.h>
-
-#include <climits>
-#include <sstream>
-#include <tuple>
-#include <vector>
-
-#include "tests/base/temp_dir.h"
+#include "tests/support/testing.h"
 #include "zel/base/Zel_filesys.h"
 #include "zel/base/Zel_stringl.h"
 
@@ -85,35 +78,22 @@ TEST(ReadNextWordInTextFile, SplitsAtBlanksAndLineEnds) {
   EXPECT_TRUE(in.eof());
 }
 
-/// Feeds a text to the state machine as a reader does that stops at each report.
-std::vector<std::string> parsedNames(std::string_view text) {
-  std::vector<std::string> names;
-  std::string name;
-  TQuotedNameState state = qnsStart;
-  for (const char c : text) {
-    if (!ParseQuotedName(c, '"', name, state)) continue;
-    names.push_back(name);
-    state = qnsStart;
+/// Told at each mark that may be the last one, and behind a bare name.
+TEST(ParseQuotedName, TellsWhereAReaderMayStop) {
+  const std::tuple<const char*, const char*, const char*> cases[] = {
+      {"'it''s' ", "00010011", "it's"},
+      {" \t'' ", "00011", ""},
+      {" 5'x\r\n", "000011", "5'x"},
+      {"'a b", "0000", "a b"}};
+  for (const auto& [text, stops, wanted] : cases) {
+    std::string name, complete;
+    TQuotedNameState state = qnsStart;
+    for (const char c : std::string(text)) {
+      complete += ParseQuotedName(c, '\'', name, state) ? '1' : '0';
+    }
+    EXPECT_EQ(complete, stops) << text;
+    EXPECT_EQ(name, wanted);
   }
-  if (state != qnsStart) names.push_back("unfinished: " + name);
-  return names;
-}
-
-TEST(ParseQuotedName, ReportsQuotedAndBareNames) {
-  using Names = std::vector<std::string>;
-  EXPECT_EQ(parsedNames("\"a\" \"\"\t\"b  c\"\r\n\"d\""), (Names{"a", "", "b  c", "d"}));
-  EXPECT_EQ(parsedNames("x   y\r\n"), (Names{"x", "y"}));
-  EXPECT_EQ(parsedNames(" 5\"x \"y"), (Names{"5\"x", "unfinished: y"}));
-}
-
-TEST(ParseQuotedName, TakesADoubledMarkWhenTheReaderGoesOn) {
-  std::string name;
-  TQuotedNameState state = qnsStart;
-  std::string complete;
-  for (const char c : std::string("'it''s' "))
-    complete += ParseQuotedName(c, '\'', name, state) ? '1' : '0';
-  EXPECT_EQ(complete, "00010011");
-  EXPECT_EQ(name, "it's");
 }
 
 TEST(ReadQuotedName, LooksAheadAndLeavesTheRest) {

@@ -1,13 +1,6 @@
 #include "zel/base/Zel_dstruct.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <climits>
-#include <random>
-#include <vector>
-
-#include "zel/base/errors.h"
+#include "tests/support/testing.h"
 
 namespace zel {
 namespace {

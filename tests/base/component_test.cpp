@@ -1,14 +1,6 @@
 #include "zel/base/component.h"
 
-#include <gtest/gtest.h>
-
-#include <array>
-#include <cmath>
-#include <limits>
-#include <memory>
-
-#include "tests/support/expect_message.h"
-#include "zel/base/Zel_zelbase.h"
+#include "tests/support/testing.h"
 
 namespace zel {
 namespace {
@@ -18,7 +10,6 @@ class Tracked : public TComponent {
   Tracked(TComponent* owner, std::string name, std::string& log)
       : TComponent(owner), label_(std::move(name)), log_(log) {}
   ~Tracked() override { log_ += label_; }
-  using TComponent::ComponentMessage;
   using TComponent::Fire;
 
  private:
@@ -42,13 +33,6 @@ TEST(Component, OwnerDestroysWhatIsStillAliveLastFirst) {
   EXPECT_EQ(log, "ebcda");
 }
 
-TEST(Component, MessageJoinsNameAndSuffix) {
-  std::string log;
-  Tracked c(nullptr, "x", log);
-  c.SetName("Data 7");
-  EXPECT_EQ(c.ComponentMessage("\": not enough memory"), "Component \"Data 7\": not enough memory");
-}
-
 TEST(Component, AssignBetweenStrangersIsAConversionError) {
   TComponent a;
   TComponent b;
@@ -67,18 +51,6 @@ TEST(Component, HandlersMayReplaceThemselvesWhileTheyRun) {
   Tracked::Fire(event, nullptr);
   EXPECT_EQ(text, "alive");
   Tracked::Fire(event, nullptr);
-}
-
-TEST(Progress, StepAddsThenReports) {
-  static double reported;
-  reported = 0;
-  ProcStat = 2.5;
-  ProgressStep();
-  EXPECT_EQ(ProcStat, 3.5);
-  MathFeedBackProc = [](double x) { reported = x; };
-  ProgressStep(0.25);
-  MathFeedBackProc = nullptr;
-  EXPECT_EQ(reported, 3.75);
 }
 
 TEST(Random, SeedFixesTheSequence) {

@@ -1,25 +1,16 @@
 #include "zel/base/numbertext.h"
 
-#include <gtest/gtest.h>
-
-#include <bit>
 #include <clocale>
-#include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <limits>
-#include <random>
-#include <sstream>
-#include <vector>
 
-#include "tests/support/hostile.h"
+#include "tests/support/testing.h"
 
 namespace zel {
 namespace {
 
 constexpr double kMax = std::numeric_limits<double>::max();
 constexpr double kTiny = std::numeric_limits<double>::denorm_min();
-constexpr double kInf = HUGE_VAL;
 
 /// Values whose text is hard, and doubles of random bits over the whole range.
 std::vector<double> hardDoubles() {

@@ -1,14 +1,6 @@
 #include "zel/base/Zel_streams.h"
 
-#include <gtest/gtest.h>
-
-#include <bit>
-#include <cmath>
-#include <limits>
-#include <random>
-
-#include "tests/base/temp_dir.h"
-#include "zel/base/errors.h"
+#include "tests/support/testing.h"
 #include "zel/base/extended_impl.h"
 
 namespace zel {
@@ -16,6 +8,8 @@ namespace {
 
 using detail::ExtendedBits;
 using namespace zel_test;
+using FileStream = InFolder;
+using MixedFStream = InFolder;
 
 constexpr bool kHasExtended = std::numeric_limits<Extended>::digits == 64;
 
@@ -88,22 +82,16 @@ TEST(LongintItem, IsLittleEndianTwosComplement) {
   TMemoryStream s;
   for (const int i : values) WriteLongintToStream(s, i);
   EXPECT_EQ(s.str(), std::string("\1\0\0\0\xFE\xFF\xFF\xFF\0\0\0\x80\4\3\2\1", 16));
+  bool fail = true;
   for (const int i : values) {
-    bool fail = true;
     EXPECT_EQ(ReadLongintFromStream(s, fail), i);
     EXPECT_FALSE(fail);
   }
-}
-
-TEST(StreamItems, FailWhenCutOff) {
-  for (std::size_t size = 0; size < 10; ++size) {
-    TMemoryStream s(std::string(size, '\x7F'));
-    bool fail = false;
-    EXPECT_EQ(ReadExtendedFromStream(s, fail), 0);
-    EXPECT_TRUE(fail);
-    EXPECT_EQ(ReadLongintFromStream(s, fail), 0);
-    EXPECT_TRUE(fail);
-  }
+  EXPECT_EQ(ReadLongintFromStream(s, fail), 0);
+  EXPECT_TRUE(fail);
+  TMemoryStream cut("nine byte");
+  EXPECT_EQ(ReadExtendedFromStream(cut, fail = false), 0);
+  EXPECT_TRUE(fail);
 }
 
 TEST(TMemoryStream, AppendsToWhatItHolds) {
@@ -114,15 +102,14 @@ TEST(TMemoryStream, AppendsToWhatItHolds) {
   EXPECT_EQ(word, "abcdef");
 }
 
-TEST(TFileStream, OpensByMode) {
-  const TempDir dir;
-  const std::string name = dir.file("a");
+TEST_F(FileStream, OpensByMode) {
+  const std::string name = path("a");
   for (const int mode : {fmOpenRead, fmOpenReadWrite}) {
     EXPECT_THROW(TFileStream(name, mode), EInOutError);
-    EXPECT_THROW(TFileStream(dir.file("."), mode), EInOutError);
+    EXPECT_THROW(TFileStream(path("."), mode), EInOutError);
   }
-  EXPECT_THROW(TFileStream(dir.file("none/a"), fmCreate), EInOutError);
-  EXPECT_EQ(dir.count(), 0);
+  EXPECT_THROW(TFileStream(path("none/a"), fmCreate), EInOutError);
+  EXPECT_EQ(folder.count(), 0);
   TFileStream(name, fmCreate) << "0123\r\n";
   TFileStream(name, fmOpenWrite) << "ab";
   {
@@ -175,14 +162,13 @@ int readModel(TMixedFStream& f) {
 }
 
 // Whole, and cut off anywhere: what fails once fails for all.
-TEST(TMixedFStream, ReadsBackInTheOrderWritten) {
-  const TempDir dir;
-  writeModel(dir.file("a"));
-  const std::string bytes = readBytes(dir.file("a"));
+TEST_F(MixedFStream, ReadsBackInTheOrderWritten) {
+  writeModel(path("a"));
+  const std::string bytes = bytesOf("a");
   int before = 0;
   for (std::size_t size = 0; size <= bytes.size(); ++size) {
-    writeBytes(dir.file("b"), bytes.substr(0, size));
-    TMixedFStream f(dir.file("b"), fmOpenRead);
+    write("b", bytes.substr(0, size));
+    TMixedFStream f(path("b"), fmOpenRead);
     ASSERT_EQ(f.EndOfFile(), size == 0);
     const bool isWhole = size == bytes.size();
     const int items = readModel(f);
@@ -198,24 +184,22 @@ TEST(TMixedFStream, ReadsBackInTheOrderWritten) {
   }
 }
 
-TEST(TMixedFStream, BelievesNoLength) {
+TEST_F(MixedFStream, BelievesNoLength) {
   using namespace std::string_view_literals;
-  const TempDir dir;
   for (const auto bytes :
        {"\xFF\xFF\xFF\x7F\x61\x62\x63\r\n"sv, "\xFF\xFF\xFF\xFF\r\n"sv, "\2\0\0\0abc\r\n"sv}) {
-    writeBytes(dir.file("a"), bytes);
-    TMixedFStream f(dir.file("a"), fmOpenRead);
+    write("a", bytes);
+    TMixedFStream f(path("a"), fmOpenRead);
     bool fail = false;
     EXPECT_EQ(f.ReadString(fail), "");
     EXPECT_TRUE(fail);
   }
 }
 
-TEST(TMixedFStream, ReadsLinesOfAnyOrigin) {
-  const TempDir dir;
+TEST_F(MixedFStream, ReadsLinesOfAnyOrigin) {
   const auto lines = [&](int lineEnd, const char* last = "d") {
-    writeBytes(dir.file("a"), std::string("a\rb\nc\r\n\n\r").append(last));
-    TMixedFStream f(dir.file("a"), fmOpenRead);
+    write("a", std::string("a\rb\nc\r\n\n\r").append(last));
+    TMixedFStream f(path("a"), fmOpenRead);
     std::string all;
     for (bool fail = false;;) {
       const std::string line = f.ReadLn(lineEnd, fail);
@@ -230,9 +214,8 @@ TEST(TMixedFStream, ReadsLinesOfAnyOrigin) {
   EXPECT_EQ(lines(leCRLF), "[a\rb\nc]");
 }
 
-TEST(TMixedFStream, KeepsTheOldFileUntilComplete) {
-  const TempDir dir;
-  const std::string name = dir.file("a");
+TEST_F(MixedFStream, KeepsTheOldFileUntilComplete) {
+  const std::string name = path("a");
   writeBytes(name, "old");
   const auto write = [&](bool givesUp) {
     TMixedFStream f(name, fmCreate);
@@ -244,23 +227,22 @@ TEST(TMixedFStream, KeepsTheOldFileUntilComplete) {
   EXPECT_EQ(readBytes(name), "old");
   write(false);
   EXPECT_EQ(readBytes(name), "a\r\n");
-  EXPECT_EQ(dir.count(), 1);
+  EXPECT_EQ(folder.count(), 1);
 }
 
-TEST(TMixedFStream, RaisesWhatCannotBeOpenedOrWritten) {
-  const TempDir dir;
-  EXPECT_THROW(TMixedFStream(dir.file("none"), fmOpenRead), EInOutError);
-  EXPECT_THROW(TMixedFStream(dir.file("."), fmOpenRead), EInOutError);
-  EXPECT_THROW(TMixedFStream(dir.file("none/a"), fmCreate), EInOutError);
-  EXPECT_THROW(TMixedFStream(dir.file("a"), fmOpenReadWrite), EInOutError);
+TEST_F(MixedFStream, RaisesWhatCannotBeOpenedOrWritten) {
+  EXPECT_THROW(TMixedFStream(path("none"), fmOpenRead), EInOutError);
+  EXPECT_THROW(TMixedFStream(path("."), fmOpenRead), EInOutError);
+  EXPECT_THROW(TMixedFStream(path("none/a"), fmCreate), EInOutError);
+  EXPECT_THROW(TMixedFStream(path("a"), fmOpenReadWrite), EInOutError);
   if (FileExists("/dev/full")) {
     TMixedFStream f("/dev/full", fmCreate);
     f.WriteInteger(1);
     EXPECT_THROW(f.Close(), EInOutError);
     EXPECT_THROW(f.WriteInteger(1), EInOutError);
   }
-  writeBytes(dir.file("a"), "12345");
-  TMixedFStream f(dir.file("a"), fmOpenRead);
+  write("a", "12345");
+  TMixedFStream f(path("a"), fmOpenRead);
   EXPECT_THROW(f.WriteByte(1), EInOutError);
   static_cast<void>(f.ReadInteger());
   EXPECT_THROW(static_cast<void>(f.ReadDouble()), EInOutError);

@@ -1,10 +1,6 @@
 #include "zel/base/Zel_stringl.h"
 
-#include <gtest/gtest.h>
-
-#include <array>
-#include <climits>
-#include <sstream>
+#include "tests/support/testing.h"
 
 namespace zel {
 namespace {

@@ -2,6 +2,7 @@
 /// A folder of its own for each test that writes files.
 #pragma once
 
+#include <gtest/gtest.h>
 #include <stdlib.h>
 
 #include <filesystem>
@@ -46,5 +47,15 @@ inline std::string readBytes(const std::string& name) {
   std::ifstream in(name, std::ios::binary);
   return {std::istreambuf_iterator<char>(in), {}};
 }
+
+/// A test with a folder of its own.
+class InFolder : public testing::Test {
+ protected:
+  [[nodiscard]] std::string path(std::string_view name) const { return folder.file(name); }
+  void write(std::string_view name, std::string_view bytes) const { writeBytes(path(name), bytes); }
+  [[nodiscard]] std::string bytesOf(std::string_view name) const { return readBytes(path(name)); }
+
+  const TempDir folder;
+};
 
 }  // namespace zel_test

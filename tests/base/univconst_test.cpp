@@ -1,8 +1,6 @@
 #include "zel/base/Zel_univconst.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
+#include "tests/support/testing.h"
 
 namespace zel {
 namespace {

@@ -1,21 +1,20 @@
 #include "zel/base/wholefile.h"
 
-#include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
-
 #include <csignal>
 #include <filesystem>
 #include <thread>
 
-#include "tests/base/temp_dir.h"
+#include "tests/support/testing.h"
 
 namespace zel {
 namespace {
 
 namespace fs = std::filesystem;
 using namespace zel_test;
+using WholeFiles = InFolder;
 
 /// No file may grow beyond this many bytes while the object lives: a disk that is full.
 class FullDisk {
@@ -40,9 +39,8 @@ mode_t modeOf(const std::string& name) {
   return static_cast<mode_t>(fs::status(name).permissions());
 }
 
-TEST(WholeFileWriter, ReplacesTheTargetOnlyAtCommit) {
-  const TempDir dir;
-  const std::string name = dir.file("a.txt");
+TEST_F(WholeFiles, ReplacesTheTargetOnlyAtCommit) {
+  const std::string name = path("a.txt");
   writeBytes(name, "old");
   WholeFileWriter first(name);
   WholeFileWriter second(name);
@@ -56,13 +54,12 @@ TEST(WholeFileWriter, ReplacesTheTargetOnlyAtCommit) {
   EXPECT_TRUE(first.Commit() && !first.IsOpen() && !first.Error());
   EXPECT_FALSE(first.Stream() << "late");
   EXPECT_EQ(readBytes(name), "first");
-  EXPECT_EQ(dir.count(), 1);
+  EXPECT_EQ(folder.count(), 1);
 }
 
-TEST(WholeFileWriter, KeepsBytesOfAnySize) {
-  const TempDir dir;
+TEST_F(WholeFiles, KeepsBytesOfAnySize) {
   std::string expected;
-  WholeFileWriter file(dir.file("a"));
+  WholeFileWriter file(path("a"));
   // Pieces below, at and beyond the size of the buffer, bytes of every value.
   for (const std::size_t size : {1U, 65535U, 65536U, 65537U, 300000U, 7U}) {
     std::string piece(size, '\0');
@@ -73,12 +70,11 @@ TEST(WholeFileWriter, KeepsBytesOfAnySize) {
   for (int i = 0; i < 70000; ++i) file.Stream().put('\n');
   expected.append(70000, '\n');
   ASSERT_TRUE(file.Commit());
-  EXPECT_EQ(readBytes(dir.file("a")), expected);
+  EXPECT_EQ(bytesOf("a"), expected);
 }
 
-TEST(WholeFileWriter, KeepsPermissions) {
-  const TempDir dir;
-  const std::string name = dir.file("a");
+TEST_F(WholeFiles, KeepsPermissions) {
+  const std::string name = path("a");
   writeBytes(name, "old");
   for (const mode_t mode : {0600U, 0644U, 0751U}) {
     chmod(name.c_str(), mode);
@@ -87,33 +83,31 @@ TEST(WholeFileWriter, KeepsPermissions) {
     EXPECT_EQ(modeOf(name), mode);
   }
   const mode_t mask = umask(027);
-  WholeFileWriter fresh(dir.file("b"));
+  WholeFileWriter fresh(path("b"));
   EXPECT_TRUE(fresh.Commit());
   umask(mask);
-  EXPECT_EQ(modeOf(dir.file("b")), 0640U);
+  EXPECT_EQ(modeOf(path("b")), 0640U);
 }
 
-TEST(WholeFileWriter, FollowsSymbolicLinks) {
-  const TempDir dir;
-  fs::create_directory(dir.file("sub"));
-  writeBytes(dir.file("sub/target"), "old");
-  fs::create_symlink("sub/target", dir.file("one"));
-  fs::create_symlink(dir.file("one"), dir.file("two"));
-  fs::create_symlink("sub/missing", dir.file("dangling"));
+TEST_F(WholeFiles, FollowsSymbolicLinks) {
+  fs::create_directory(path("sub"));
+  write("sub/target", "old");
+  fs::create_symlink("sub/target", path("one"));
+  fs::create_symlink(path("one"), path("two"));
+  fs::create_symlink("sub/missing", path("dangling"));
   for (const char* link : {"two", "dangling"}) {
-    WholeFileWriter file(dir.file(link));
+    WholeFileWriter file(path(link));
     file.Stream() << link;
     ASSERT_TRUE(file.Commit()) << file.Error().message();
-    EXPECT_TRUE(fs::is_symlink(dir.file(link)));
+    EXPECT_TRUE(fs::is_symlink(path(link)));
   }
-  EXPECT_TRUE(fs::is_symlink(dir.file("one")));
-  EXPECT_EQ(readBytes(dir.file("sub/target")), "two");
-  EXPECT_EQ(readBytes(dir.file("sub/missing")), "dangling");
+  EXPECT_TRUE(fs::is_symlink(path("one")));
+  EXPECT_EQ(bytesOf("sub/target"), "two");
+  EXPECT_EQ(bytesOf("sub/missing"), "dangling");
 }
 
-TEST(WholeFileWriter, LeavesTheOldFileWhenTheDiskIsFull) {
-  const TempDir dir;
-  const std::string name = dir.file("a");
+TEST_F(WholeFiles, LeavesTheOldFileWhenTheDiskIsFull) {
+  const std::string name = path("a");
   writeBytes(name, "old");
   for (const std::size_t size : {20000U, 200000U}) {  // noticed at the end, and while writing
     WholeFileWriter file(name);
@@ -126,10 +120,10 @@ TEST(WholeFileWriter, LeavesTheOldFileWhenTheDiskIsFull) {
     EXPECT_FALSE(file.Commit());
     EXPECT_EQ(readBytes(name), "old");
   }
-  EXPECT_EQ(dir.count(), 1);
+  EXPECT_EQ(folder.count(), 1);
 }
 
-TEST(WholeFileWriter, WritesDevicesAndPipesDirectly) {
+TEST_F(WholeFiles, WritesDevicesAndPipesDirectly) {
   if (FileExists("/dev/full")) {
     WholeFileWriter full("/dev/full");
     ASSERT_TRUE(full.IsOpen());
@@ -138,8 +132,7 @@ TEST(WholeFileWriter, WritesDevicesAndPipesDirectly) {
     EXPECT_EQ(full.Error(), std::errc::no_space_on_device);
     EXPECT_TRUE(fs::is_character_file("/dev/full"));
   }
-  const TempDir dir;
-  const std::string name = dir.file("pipe");
+  const std::string name = path("pipe");
   ASSERT_EQ(mkfifo(name.c_str(), 0600), 0);
   std::string received;
   std::thread reader([&] { received = readBytes(name); });
@@ -153,8 +146,7 @@ TEST(WholeFileWriter, WritesDevicesAndPipesDirectly) {
   EXPECT_TRUE(fs::is_fifo(name));
 }
 
-TEST(WholeFileWriter, TellsWhyItCannotOpen) {
-  const TempDir dir;
+TEST_F(WholeFiles, TellsWhyItCannotOpen) {
   const auto error = [](const std::string& name) {
     WholeFileWriter file(name);
     EXPECT_FALSE(file.IsOpen());
@@ -162,33 +154,32 @@ TEST(WholeFileWriter, TellsWhyItCannotOpen) {
     EXPECT_FALSE(file.Commit());
     return file.Error();
   };
-  fs::create_symlink("loop", dir.file("loop"));
-  EXPECT_EQ(error(dir.file("loop")), std::errc::too_many_symbolic_link_levels);
-  EXPECT_EQ(error(dir.file("none/a")), std::errc::no_such_file_or_directory);
-  EXPECT_EQ(error(dir.file(".")), std::errc::is_a_directory);
+  fs::create_symlink("loop", path("loop"));
+  EXPECT_EQ(error(path("loop")), std::errc::too_many_symbolic_link_levels);
+  EXPECT_EQ(error(path("none/a")), std::errc::no_such_file_or_directory);
+  EXPECT_EQ(error(path(".")), std::errc::is_a_directory);
   EXPECT_EQ(error(""), std::errc::no_such_file_or_directory);
   EXPECT_EQ(error(std::string("a\0b", 3)), std::errc::invalid_argument);
   if (geteuid() != 0) {  // everything is permitted to the superuser
-    writeBytes(dir.file("fixed"), "old");
-    chmod(dir.file("fixed").c_str(), 0444);
-    EXPECT_EQ(error(dir.file("fixed")), std::errc::permission_denied);
+    write("fixed", "old");
+    chmod(path("fixed").c_str(), 0444);
+    EXPECT_EQ(error(path("fixed")), std::errc::permission_denied);
   }
 }
 
-TEST(ReadWholeFile, GivesBytesOrAReason) {
-  const TempDir dir;
+TEST_F(WholeFiles, AreReadOrAReasonGiven) {
   const std::string bytes = std::string(100000, 'x') + std::string("\0\r\n", 3);
-  writeBytes(dir.file("a"), bytes);
-  EXPECT_EQ(ReadWholeFile(dir.file("a")), bytes);
+  write("a", bytes);
+  EXPECT_EQ(ReadWholeFile(path("a")), bytes);
   std::error_code error;
-  EXPECT_FALSE(ReadWholeFile(dir.file("none"), error));
+  EXPECT_FALSE(ReadWholeFile(path("none"), error));
   EXPECT_EQ(error, std::errc::no_such_file_or_directory);
-  EXPECT_FALSE(ReadWholeFile(dir.file("."), error));
+  EXPECT_FALSE(ReadWholeFile(path("."), error));
   EXPECT_EQ(error, std::errc::is_a_directory);
   std::ifstream f;
-  EXPECT_FALSE(OpenForReading(f, dir.file(".")) || f.good() || FileExists(dir.file(".")));
-  EXPECT_FALSE(FileExists(dir.file(std::string_view("a\0", 2))));
-  EXPECT_TRUE(FileExists(dir.file("a")));
+  EXPECT_FALSE(OpenForReading(f, path(".")) || f.good() || FileExists(path(".")));
+  EXPECT_FALSE(FileExists(path(std::string_view("a\0", 2))));
+  EXPECT_TRUE(FileExists(path("a")));
 }
 
 }  // namespace

@@ -1,18 +1,12 @@
 #include "zel/base/Zel_zelcolors.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <climits>
-#include <cmath>
-
-#include "tests/base/temp_dir.h"
-#include "zel/base/errors.h"
+#include "tests/support/testing.h"
 
 namespace zel {
 namespace {
 
 using namespace zel_test;
+using Bitmap = InFolder;
 
 TEST(Colors, PackRedLowest) {
   EXPECT_EQ(RGB(1, 2, 3), 0x030201U);
@@ -68,7 +62,7 @@ void expectSame(const TBitmap& a, const TBitmap& b) {
   for (int y = 0; y < a.Height(); ++y) ASSERT_TRUE(std::ranges::equal(a.Row(y), b.Row(y))) << y;
 }
 
-TEST(TBitmap, ReadsZeroOutsideAndIgnoresWrites) {
+TEST_F(Bitmap, ReadsZeroOutsideAndIgnoresWrites) {
   TBitmap picture(3, 2);
   for (const auto& [x, y] : {std::pair(-1, 0), {3, 0}, {0, -1}, {0, 2}, {INT_MAX, INT_MIN}}) {
     picture.SetPixel(x, y, 5);
@@ -88,34 +82,31 @@ TEST(TBitmap, ReadsZeroOutsideAndIgnoresWrites) {
   }
 }
 
-TEST(TBitmap, KeepsItsPixelsInLosslessFiles) {
-  const TempDir dir;
+TEST_F(Bitmap, KeepsItsPixelsInLosslessFiles) {
   for (const int width : {1, 2, 3, 4, 33}) {  // every padding of a row
     for (const char* name : {"a.bmp", "a.PNG"}) {
       TBitmap picture;
       paint(picture, width, 5);
-      picture.SaveToFile(dir.file(name));
+      picture.SaveToFile(path(name));
       TBitmap copy;
-      copy.LoadFromFile(dir.file(name));
+      copy.LoadFromFile(path(name));
       expectSame(copy, picture);
     }
   }
 }
 
-TEST(TBitmap, WritesTheBytesOfTheBmpFormat) {
-  const TempDir dir;
+TEST_F(Bitmap, WritesTheBytesOfTheBmpFormat) {
   TBitmap picture;
   paint(picture, 1, 2);
-  picture.SaveToFile(dir.file("a.bmp"));
-  const std::string bytes = readBytes(dir.file("a.bmp"));
+  picture.SaveToFile(path("a.bmp"));
+  const std::string bytes = bytesOf("a.bmp");
   EXPECT_EQ(bytes.substr(0, 30),
             std::string("BM\x3E\0\0\0\0\0\0\0\x36\0\0\0\x28\0\0\0\1\0\0\0\2\0\0\0\1\0\x18\0", 30));
   // From the bottom up, blue first.
   EXPECT_EQ(bytes.substr(54), std::string("\1\xC3\0\0\0\xC8\0\0", 8));
 }
 
-TEST(TBitmap, WritesWholeJpegFiles) {
-  const TempDir dir;
+TEST_F(Bitmap, WritesWholeJpegFiles) {
   // More than one block of output, with detail that does not compress.
   TBitmap large(700, 690);
   unsigned value = 1;
@@ -123,8 +114,8 @@ TEST(TBitmap, WritesWholeJpegFiles) {
     for (TColor& c : large.Row(y)) c = (value = value * 1664525 + 1013904223) >> 8;
   }
   for (const char* name : {"a.jpeg", "a.Jpg"}) {
-    large.SaveToFile(dir.file(name));
-    const std::string bytes = readBytes(dir.file(name));
+    large.SaveToFile(path(name));
+    const std::string bytes = bytesOf(name);
     EXPECT_GT(bytes.size(), 131072U);
     EXPECT_TRUE(bytes.starts_with("\xFF\xD8\xFF") && bytes.ends_with("\xFF\xD9"));
     // The frame header holds height and width, high byte first.
@@ -132,30 +123,28 @@ TEST(TBitmap, WritesWholeJpegFiles) {
   }
 }
 
-TEST(TBitmap, ReportsWhatItCannotWrite) {
-  const TempDir dir;
+TEST_F(Bitmap, ReportsWhatItCannotWrite) {
   TBitmap picture(2, 2);
   for (const char* name : {"a.gif", "a", "png", "none/a.png"}) {
-    EXPECT_THROW(picture.SaveToFile(dir.file(name)), EInOutError) << name;
+    EXPECT_THROW(picture.SaveToFile(path(name)), EInOutError) << name;
   }
-  EXPECT_THROW(TBitmap().SaveToFile(dir.file("a.png")), EInOutError);
+  EXPECT_THROW(TBitmap().SaveToFile(path("a.png")), EInOutError);
   // Wider than the format allows: the encoder's own error path.
-  EXPECT_THROW(TBitmap(70000, 1).SaveToFile(dir.file("a.jpg")), EInOutError);
-  EXPECT_EQ(dir.count(), 0);
+  EXPECT_THROW(TBitmap(70000, 1).SaveToFile(path("a.jpg")), EInOutError);
+  EXPECT_EQ(folder.count(), 0);
 }
 
-TEST(TBitmap, SurvivesDamagedFiles) {
-  const TempDir dir;
+TEST_F(Bitmap, SurvivesDamagedFiles) {
   TBitmap before;
   paint(before, 3, 3);
   for (const std::string ending : {".bmp", ".png"}) {
-    before.SaveToFile(dir.file("good" + ending));
-    const std::string bytes = readBytes(dir.file("good" + ending));
+    before.SaveToFile(path("good" + ending));
+    const std::string bytes = bytesOf("good" + ending);
     TBitmap picture;
     picture.Assign(&before);
     const auto load = [&](const std::string& damaged) {
-      writeBytes(dir.file("bad" + ending), damaged);
-      picture.LoadFromFile(dir.file("bad" + ending));
+      write("bad" + ending, damaged);
+      picture.LoadFromFile(path("bad" + ending));
     };
     for (std::size_t size = 0; size + 12 < bytes.size(); ++size) {
       EXPECT_THROW(load(bytes.substr(0, size)), EInOutError) << ending << size;
@@ -173,8 +162,8 @@ TEST(TBitmap, SurvivesDamagedFiles) {
     }
   }
   TBitmap picture;
-  EXPECT_THROW(picture.LoadFromFile(dir.file("none.png")), EInOutError);
-  EXPECT_THROW(picture.LoadFromFile(dir.file("good.gif")), EInOutError);
+  EXPECT_THROW(picture.LoadFromFile(path("none.png")), EInOutError);
+  EXPECT_THROW(picture.LoadFromFile(path("good.gif")), EInOutError);
 }
 
 }  // namespace

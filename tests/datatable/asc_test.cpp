@@ -1,29 +1,16 @@
 // Tables in the ASC form: exact round trips, files of the other containers, pasting, and what
 // cannot be read.
-#include <limits>
-#include <random>
-#include <string>
-
-#include <gtest/gtest.h>
-
-#include "tests/base/temp_dir.h"
 #include "tests/datatable/table_model.h"
 #include "tests/datatable/tables.h"
+#include "tests/support/testing.h"
 #include "zel/analysis/TCurveFit.h"
 #include "zel/datatable/Zel_datatable.h"
 #include "zel/vector/TVector.h"
 
-namespace zel {
+namespace zel::test {
 namespace {
 
-using test::expectIdentical;
-using test::makeRandom;
-using test::randomText;
-using test::recordEvents;
-using zel_test::readBytes;
-using zel_test::TempDir;
-
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
+using TableAsc = zel_test::InFolder;
 
 /// Rows and what stands behind them, as the writer writes them.
 std::string bodyOf(const TDataTable& T) {
@@ -33,10 +20,9 @@ std::string bodyOf(const TDataTable& T) {
   return text.substr(text.find("nominal variables\n") + 18);
 }
 
-TEST(TableAsc, RoundTripsAreExact) {
+TEST_F(TableAsc, RoundTripsAreExact) {
   std::mt19937_64 random(11);
-  const TempDir folder;
-  const std::string file = folder.file("x.asc");
+  const std::string file = path("x.asc");
   for (int trial = 0; trial < 200 && !HasFailure(); ++trial) {
     TDataTable T, Read, Copy;
     makeRandom(T, random);
@@ -44,7 +30,7 @@ TEST(TableAsc, RoundTripsAreExact) {
     if (custom.Length(0) == 0) custom.clear();
     for (std::string& text : custom) text = randomText(random, 20);
     ASSERT_EQ(T.ExportAsASC(file, -1, custom), 0);
-    const std::string bytes = readBytes(file);
+    const std::string bytes = bytesOf("x.asc");
     SCOPED_TRACE(bytes);
     std::string events, expected;
     recordEvents(Read, events);
@@ -72,16 +58,15 @@ TEST(TableAsc, RoundTripsAreExact) {
   }
 }
 
-TEST(TableAsc, SharesItsFormWithTheOtherContainers) {
-  const TempDir folder;
-  const std::string file = folder.file("x.asc");
+TEST_F(TableAsc, SharesItsFormWithTheOtherContainers) {
+  const std::string file = path("x.asc");
   TDataTable T;
-  TVector V{1.5, kInfinity, -2};
+  TVector V{1.5, kInf, -2};
   ASSERT_EQ(V.ExportAsASC(file, 3, "a vector"), 0);
   ASSERT_EQ(T.ImportASC(file), 0);
   EXPECT_EQ(T.Comment(), "a vector");
   EXPECT_EQ(T.GetRowName(3), "R-3");
-  EXPECT_EQ(T(1, 2), kInfinity);
+  EXPECT_EQ(T(1, 2), kInf);
 
   T.SetElem(1, 2, 2.25);
   T.SetCellState(1, 3, 1);
@@ -91,7 +76,7 @@ TEST(TableAsc, SharesItsFormWithTheOtherContainers) {
   T.SetColAttrib(1, 3);
   ASSERT_EQ(T.ExportAsASC(file, 1, TStr2DArray{{"a", "b", "c"}}), 0);
   EXPECT_EQ(
-      readBytes(file),
+      bytesOf("x.asc"),
       "a vector\n1\t;nr. of columns\n3\t;nr. of rows\nTRUE TRUE TRUE FALSE\t;row attributes, "
       "column names, row names, nominal variables\n\"\"\"\"\n0\t\"two lines \"\"x\"\"\"\t"
       "         1.5\n-7\t\"R-2\"\t         2.2\n0\t\"R-3\"\tNAN\n;more\t;what the rows do not "
@@ -123,7 +108,7 @@ TEST(TableAsc, SharesItsFormWithTheOtherContainers) {
             "the rows do not tell\n;colnames\t2=\"a\\x0D\\x0Ab\"\n;end\n");
 }
 
-TEST(TableAsc, WhatCannotBeReadLeavesTheTable) {
+TEST_F(TableAsc, WhatCannotBeReadLeavesTheTable) {
   TDataTable T;
   T.SetElem(1, 1, 7);
   std::string events;
@@ -173,7 +158,7 @@ TEST(TableAsc, WhatCannotBeReadLeavesTheTable) {
   EXPECT_EQ(T.ExportAsASC("/dev/full", -1), -1);
 }
 
-TEST(TableAsc, PastesWithAndWithoutIdentifiers) {
+TEST_F(TableAsc, PastesWithAndWithoutIdentifiers) {
   const TClipboard clip{
       "c\n2\n2\nTRUE TRUE FALSE\ncolour x\n0 4 -1.5\n9 2 7\n;more\n;scales 1=Ordinal\n"
       ";categories 1 2=\"Red\" 4=\"blue\"\n;states 2 2=66\n;end\n"};
@@ -216,4 +201,4 @@ TEST(TableAsc, PastesWithAndWithoutIdentifiers) {
 }
 
 }  // namespace
-}  // namespace zel
+}  // namespace zel::test

@@ -2,15 +2,7 @@
 /// A data table written down plainly, cell by cell, for comparison.
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <numeric>
-#include <string>
-#include <utility>
-#include <vector>
-
+#include "tests/support/testing.h"
 #include "zel/datatable/Zel_datatable.h"
 
 namespace zel::test {

@@ -1,13 +1,6 @@
 // Sorts of a table, against the passes of the comb sort carried out line by line.
-#include <random>
-#include <string>
-#include <tuple>
-#include <utility>
-#include <vector>
-
-#include <gtest/gtest.h>
-
 #include "tests/datatable/table_model.h"
+#include "tests/support/testing.h"
 
 namespace zel::test {
 namespace {

@@ -1,19 +1,5 @@
 // Statistics of the cells of a table and transformations of its values, against plain loops.
-#include <algorithm>
-#include <cmath>
-#include <functional>
-#include <limits>
-#include <numeric>
-#include <random>
-#include <span>
-#include <string>
-#include <tuple>
-#include <vector>
-
-#include <gtest/gtest.h>
-
-#include "tests/support/expect_message.h"
-#include "zel/base/progress.h"
+#include "tests/support/testing.h"
 #include "zel/datatable/Zel_datatable.h"
 #include "zel/kernels/moments.h"
 #include "zel/kernels/order_statistics.h"
@@ -174,8 +160,7 @@ TEST(TableStatistics, Covariances) {
     TMatrix C;
     C.Resize(5, 4);
     C.Fill(-7);
-    int events = 0;
-    C.OnChange = [&](TObject*) { ++events; };
+    const test::Events events(C);
     for (const int last : {4, 29}) {
       ProcStat = 0;
       ASSERT_TRUE(T.CalcCovar(&C, 2, 5, 3, last, mode));
@@ -189,7 +174,7 @@ TEST(TableStatistics, Covariances) {
         }
       }
     }
-    EXPECT_EQ(events, 2);
+    EXPECT_EQ(events.count, 2);
     EXPECT_EQ(C.GetVal(5, 1), -7);
     EXPECT_FALSE(T.CalcCovar(&C, 1, 5, 1, 30, mode)) << "too small";
   }
@@ -250,14 +235,13 @@ TEST(TableTransforms, StandardizeByColumnsAndRows) {
     fill(T, 6, 25, 11);
     TDataTable Old;
     Old.CopyContentsFrom(&T);
-    int events = 0;
-    T.OnChange = [&](TObject*) { ++events; };
+    const test::Events events(T);
     TVector M, S;
     M.Resize(6);
     S.Resize(6);
     M.Fill(-1);
     isDivided ? T.StandardizeNumCellColumns(&M, &S) : T.MeanCenterNumCellColumns(&M);
-    EXPECT_EQ(events, 1);
+    EXPECT_EQ(events.count, 1);
     for (int c = 1; c <= 6; ++c) {
       double mean = -1, variance = 1;
       if (isNumeric(Old, c)) Old.MeanVarOfNumCells(c, 0, c, 0, mean, variance);
@@ -274,12 +258,12 @@ TEST(TableTransforms, StandardizeByColumnsAndRows) {
                      "standardization of rows is not possible with nominal or ordinal variables");
     EXPECT_THROW_MSG(T.MeanCenterNumCellRows(nullptr), EZELDataTableError,
                      "mean centering of rows is not possible with nominal or ordinal variables");
-    EXPECT_EQ(events, 1);
+    EXPECT_EQ(events.count, 1);
     for (int c = 1; c <= 6; ++c) T.SetMScaleType(c, stRatio);
     double before = 0, mean = 0, variance = 0;
     ASSERT_GT(T.MeanVarOfNumCells(0, 4, 0, 4, before, variance), 2);
     isDivided ? T.StandardizeNumCellRows(&M, nullptr) : T.MeanCenterNumCellRows(&M);
-    EXPECT_EQ(events, 2);
+    EXPECT_EQ(events.count, 2);
     EXPECT_EQ(M.Elem(4), before);
     T.MeanVarOfNumCells(0, 4, 0, 4, mean, variance);
     EXPECT_NEAR(mean, 0, 1e-14);

@@ -2,15 +2,7 @@
 /// Tables that hold whatever a table can hold, and their comparison.
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <bit>
-#include <cstdint>
-#include <limits>
-#include <random>
-#include <string>
-#include <string_view>
-
+#include "tests/support/testing.h"
 #include "zel/datatable/Zel_datatable.h"
 
 namespace zel::test {

@@ -1,25 +1,15 @@
 // Tables as XML: exact round trips, what others write, and what is damaged.
-#include <cmath>
-#include <limits>
-#include <random>
-#include <sstream>
-#include <string>
-
-#include <gtest/gtest.h>
-
-#include "tests/base/temp_dir.h"
 #include "tests/datatable/table_model.h"
 #include "tests/datatable/tables.h"
-#include "zel/base/numbertext.h"
+#include "tests/support/testing.h"
 #include "zel/base/xmltags.h"
 #include "zel/datatable/Zel_datatable.h"
 
-namespace zel {
+namespace zel::test {
 namespace {
 
-using test::expectIdentical;
 using zel_test::readBytes;
-using zel_test::TempDir;
+using TableXml = zel_test::InFolder;
 
 /// Reads as a caller does who scans for tags himself.
 struct TScanningTable : TDataTable {
@@ -34,29 +24,27 @@ struct TScanningTable : TDataTable {
   }
 };
 
-TEST(TableXml, RoundTripsExactly) {
+TEST_F(TableXml, RoundTripsExactly) {
   std::mt19937_64 random(3);
   for (int trial = 0; trial < 80; ++trial) {
     TDataTable T, Read;
-    test::makeRandom(T, random);
-    const std::string id = "a" + test::randomText(random, 90);
-    const TempDir folder;
-    ASSERT_TRUE(T.SaveAsXMLFile(folder.file("x"), -1, id));
-    const std::string whole = readBytes(folder.file("x"));
-    TDataTable Small, FromFile, Scanned;
+    makeRandom(T, random);
+    const std::string id = "a" + randomText(random, 90);
+    ASSERT_TRUE(T.SaveAsXMLFile(path("x"), -1, id));
+    const std::string whole = bytesOf("x");
+    TDataTable Small, FromFile;
     TScanningTable Scanning;
-    ASSERT_TRUE(FromFile.LoadFromXMLFile(folder.file("x"), id));
+    ASSERT_TRUE(FromFile.LoadFromXMLFile(path("x"), id));
     EXPECT_EQ(Scanning.scan("<?x?>" + whole), 1);
     std::stringstream stream;
     stream << "<m><n/><k>";
     Small.WriteToXMLStream(stream, false, 2, id.substr(1));
     T.WriteToOpenXMLFile(stream, false, -1, id);
-    T.WriteToXMLStream(stream, false, 0, "decimals");
     stream << "</k></m>";
     std::size_t pos = 3;
     const std::string text = stream.str();
     ASSERT_TRUE(Read.ReadFromXMLString(text, pos, id));
-    EXPECT_EQ(text.substr(pos, 15), "\n<datatable id=");
+    EXPECT_EQ(text.substr(pos), "\n</k></m>");
     expectIdentical(Read, FromFile);
     expectIdentical(Read, Scanning);
     ASSERT_TRUE(Read.ReadFromXMLStream(stream, ""));
@@ -64,17 +52,6 @@ TEST(TableXml, RoundTripsExactly) {
     ASSERT_TRUE(Read.ReadFromOpenXMLFile(stream, ""));
     EXPECT_FALSE(FromFile.ReadFromXMLStream(stream, id));
     expectIdentical(T, Read);
-    pos = 0;
-    ASSERT_TRUE(FromFile.ReadFromXMLString(text, pos, "decimals"));
-    for (int r = 1; r <= T.NrOfRows(); ++r) {
-      const double x = T.NumericData->GetVal(1, r);
-      const double read = FromFile.NumericData->GetVal(1, r);
-      if (std::fabs(x) < 1) {
-        EXPECT_LE(std::fabs(read - x), 0.5 * std::fabs(x)) << "a significant digit";
-      } else {
-        EXPECT_EQ(strff(read, 0, 0), strff(x, 0, 0));
-      }
-    }
     for (std::size_t size = 0; trial < 5 && size + 1 < whole.size(); ++size) {
       pos = 0;
       ASSERT_FALSE(FromFile.ReadFromXMLString(whole.substr(0, size), pos, "")) << size;
@@ -83,11 +60,11 @@ TEST(TableXml, RoundTripsExactly) {
   }
 }
 
-TEST(TableXml, ReadsWhatOthersWrite) {
+TEST_F(TableXml, ReadsWhatOthersWrite) {
   std::istringstream in(readBytes(ZEL_FUZZ_CORPUS "/table_xml/by_hand.xml"));
   TDataTable T, Copied;
   std::string events, expected, message;
-  test::recordEvents(T, events);
+  recordEvents(T, events);
   ASSERT_TRUE(T.ReadFromXMLStream(in, "two & three", message)) << message;
   EXPECT_EQ(T.Comment(), "a<b>\xC3\xA4");
   EXPECT_EQ(T.GetColName(1), "C-1");
@@ -99,14 +76,14 @@ TEST(TableXml, ReadsWhatOthersWrite) {
   EXPECT_EQ(T.GetCellState(1, 2), 66);
   EXPECT_EQ(T(2, 1), -std::numeric_limits<double>::infinity());
   EXPECT_NE(T(2, 2), T(2, 2));
-  test::recordEvents(Copied, expected);
+  recordEvents(Copied, expected);
   Copied.CopyContentsFrom(&T);
   EXPECT_EQ(events, expected);
   EXPECT_FALSE(T.ReadFromXMLStream(in, "5", message));
   EXPECT_EQ(message, "there is no table with this identifier");
 }
 
-TEST(TableXml, DamageLeavesTheTable) {
+TEST_F(TableXml, DamageLeavesTheTable) {
   TDataTable T;
   T.SetElem(1, 1, 7);
   T.OnChange = T.OnChangeSetup = [](TObject*) { FAIL() << "nothing has changed"; };
@@ -142,7 +119,7 @@ TEST(TableXml, DamageLeavesTheTable) {
   EXPECT_EQ(T(1, 1), 7);
 }
 
-TEST(TableXml, WritesAllOrNothing) {
+TEST_F(TableXml, WritesAllOrNothing) {
   TDataTable T;
   EXPECT_FALSE(T.SaveAsXMLFile("/dev/full", -1, ""));
   EXPECT_FALSE(T.SaveAsXMLFile("/nowhere/x.xml", -1, ""));
@@ -160,4 +137,4 @@ TEST(TableXml, WritesAllOrNothing) {
 }
 
 }  // namespace
-}  // namespace zel
+}  // namespace zel::test

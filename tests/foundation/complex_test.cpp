@@ -1,9 +1,4 @@
-#include <cmath>
-#include <limits>
-
-#include <gtest/gtest.h>
-
-#include "tests/support/expect_message.h"
+#include "tests/support/testing.h"
 #include "zel/base/Zel_univconst.h"
 #include "zel/foundation/Zel_complex.h"
 

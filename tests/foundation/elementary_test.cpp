@@ -1,15 +1,7 @@
 // Limits, rounding and signs; logarithms and trigonometric functions; compensated sums.
-#include <algorithm>
-#include <climits>
-#include <cmath>
-#include <cstdint>
-#include <numbers>
-
 #include <math.h>
 
-#include <gtest/gtest.h>
-
-#include "tests/support/expect_message.h"
+#include "tests/support/testing.h"
 #include "zel/foundation/Zel_math1.h"
 
 using namespace zel;
@@ -76,7 +68,6 @@ TEST(Elementary, DigitsAtTheEndsOfTheRange) {
 TEST(KahanSum, KeepsTermsFarBelowTheUnitOfTheSum) {
   TComponent owner;
   auto* sum = new TKahanSum(&owner);  // destroyed by its owner
-  EXPECT_EQ(sum->Sum, 0);
   double plain = 1;
   sum->Add(1);
   for (int i = 0; i < 10'000'000; ++i) {

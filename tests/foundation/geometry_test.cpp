@@ -1,23 +1,11 @@
 // Angles, points, segments, rectangles and ellipses.
-#include <algorithm>
-#include <array>
-#include <climits>
-#include <cmath>
-#include <limits>
-#include <numbers>
-#include <random>
-#include <tuple>
-
-#include <gtest/gtest.h>
-
-#include "tests/support/expect_message.h"
 #include "zel/foundation/Zel_math1.h"
+
+#include "tests/support/testing.h"
 
 namespace zel {
 namespace {
 
-constexpr double kPi = std::numbers::pi;
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 using Parts = std::array<int, 3>;
 using Reals = std::array<double, 3>;
 

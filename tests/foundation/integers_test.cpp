@@ -1,16 +1,6 @@
 #include "zel/foundation/integers.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <climits>
-#include <functional>
-#include <limits>
-#include <numeric>
-#include <utility>
-
-#include "tests/support/expect_message.h"
-#include "zel/base/random.h"
+#include "tests/support/testing.h"
 #include "zel/foundation/bits.h"
 
 using namespace zel;
@@ -22,8 +12,7 @@ TEST(Primes, TableAndTestAgreeWithTrialDivision) {
     }
     return true;
   };
-  int ix = 0;
-  int wrong = 0;
+  int ix = 0, wrong = 0;
   for (int n = 0; n <= 46340; ++n) {
     ASSERT_EQ(IsPrime(-n), hasNoDivisor(n)) << n;
     if (n >= 2 && IsPrime(n)) wrong += ListOfPrimes(++ix) != n;

@@ -1,12 +1,6 @@
 #include "zel/foundation/interpolation.h"
 
-#include <gtest/gtest.h>
-
-#include <array>
-#include <climits>
-#include <cmath>
-
-#include "tests/support/expect_message.h"
+#include "tests/support/testing.h"
 #include "zel/foundation/polynomial.h"
 
 using namespace zel;

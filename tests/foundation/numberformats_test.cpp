@@ -1,23 +1,12 @@
 // Angles, integers and floating-point numbers as text, and bit patterns. The digits of references
 // come from exact rational arithmetic.
-#include <bit>
-#include <climits>
-#include <cmath>
-#include <cstdint>
-#include <limits>
-#include <random>
-#include <string>
-#include <tuple>
-
-#include <gtest/gtest.h>
-
-#include "tests/support/expect_message.h"
 #include "zel/foundation/Zel_math1.h"
+
+#include "tests/support/testing.h"
 
 namespace zel {
 namespace {
 
-constexpr double kInf = HUGE_VAL;
 constexpr bool kHas80Bits = std::numeric_limits<Extended>::digits == 64;
 
 TEST(DegreeToStr, WritesEveryNotation) {
@@ -26,10 +15,8 @@ TEST(DegreeToStr, WritesEveryNotation) {
       {12.5, dfDegrees, 2, "12.50°"},
       {-12.5, dfNumber, 99, "-12.50000000"},
       {12.5, dfNumber, -1, "12"},
-      {48.0627777777, dfDegMinSec, 3, "48°  3' 46.000\""},
       {-1.0 / 3, dfDegMinSec, 8, "-0° 20'  0.00000000\""},
       {359.99999999, dfDegMinSec, 4, "360°  0'  0.0000\""},
-      {59.9999 / 60, dfDegMin, 2, "1°  0.00'"},
       {123456789012.34567, dfDegMinSec, 8, "123456789012° 20' 44.42138672\""},
       {-1e23, dfDegMin, 0, "-99999999999999991611392°   0'"},
       {0.025, dfDegMin, 0, "0°   2'"},  // 1.5 minutes

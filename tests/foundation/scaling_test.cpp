@@ -1,22 +1,12 @@
 #include "zel/foundation/scaling.h"
 
-#include <gtest/gtest.h>
-
-#include <climits>
-#include <cmath>
 #include <cstdlib>
-#include <limits>
-#include <string>
-#include <tuple>
-#include <utility>
 
-#include "zel/base/random.h"
+#include "tests/support/testing.h"
 
 using namespace zel;
 
 namespace {
-
-constexpr double kInf = HUGE_VAL;
 
 double decimal(const char* mantissa, int k) {
   return std::strtod((std::string(mantissa) + "e" + std::to_string(k)).c_str(), nullptr);

@@ -1,18 +1,7 @@
 // Numbers, angles and dates read out of a text.
-#include <algorithm>
-#include <array>
 #include <charconv>
-#include <cmath>
-#include <cstdint>
-#include <limits>
-#include <random>
-#include <string>
-#include <tuple>
-#include <type_traits>
 
-#include <gtest/gtest.h>
-
-#include "tests/support/hostile.h"
+#include "tests/support/testing.h"
 #include "zel/foundation/Zel_math1.h"
 
 namespace zel {
@@ -135,15 +124,11 @@ TEST(ScanDegrees, ReadsWhatOthersWrite) {
       {"12° 60'", 12, dfDegrees, 4},
       {"12° 30.5' 3\"", 12 + 30.5 / 60, dfDegMin, 10},
       {"12° 36\"", 12, dfDegrees, 4},
-      {"12° 36''", 12, dfDegrees, 4},
       {"12 days", 12, dfNumber, 2},
-      {"12 South", 12, dfNumber, 2},
       {"-12 S", -12, dfNumber, 3},
       {"12e5", 12, dfNumber, 2},
       {"", NAN, -1, 0},
       {"-", NAN, -1, 0},
-      {"+-1", NAN, -1, 0},
-      {"°", NAN, -1, 0},
       {"N1", NAN, -1, 0},
       {nines.c_str(), NAN, -1, 0}};
   for (const auto& [text, wanted, notation, length] : cases) {
@@ -170,9 +155,7 @@ TEST(ScanDateTime, ReadsByFormat) {
       {"1 AOU\xCC\x82T 2000", "d mmmm yyyy", lgFrench, 36739},
       {"1 maggio 2000", "d mmmm yyyy", lgItalian, 36647},
       {"1 maggio. 2000", "d mmmm yyyy", lgItalian, NAN},
-      {"may2000", "mmmyyyy", lgEnglish, 36647},
       {"jui 2000", "mmm yyyy", lgFrench, NAN},  // June or July
-      {"ja 2000", "mmm yyyy", lgFrench, NAN},
       {"1.3.2000 2", "d.m.yyyy d", lgEnglish, NAN},
       {"30.2.2000", "d.m.yyyy", lgEnglish, NAN},
       {"29.2.1900", "d.m.yyyy", lgEnglish, NAN},

@@ -1,23 +1,7 @@
 #include "zel/kernels/comb_sort.h"
 
-#include <algorithm>
-#include <array>
-#include <cmath>
-#include <cstddef>
-#include <cstdint>
-#include <memory>
-#include <numeric>
-#include <random>
-#include <span>
-#include <string>
-#include <string_view>
-#include <utility>
-#include <vector>
-
-#include "gtest/gtest.h"
-#include "tests/support/failing_new.h"
 #include "tests/support/key_shapes.h"
-#include "tests/support/simd_targets.h"
+#include "tests/support/testing.h"
 #include "zel/kernels/comb_order.h"
 
 namespace zel::kernels {

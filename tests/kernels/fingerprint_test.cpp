@@ -1,11 +1,8 @@
 #include "zel/kernels/fingerprint.h"
 
-#include <gtest/gtest.h>
-
-#include <array>
 #include <cstring>
-#include <random>
-#include <vector>
+
+#include "tests/support/testing.h"
 
 namespace zel::kernels {
 namespace {

@@ -1,16 +1,10 @@
-#include <gtest/gtest.h>
-
-#include <limits>
-#include <vector>
-
-#include "zel/kernels/elementwise.h"
 #include "zel/kernels/histogram.h"
+#include "tests/support/testing.h"
+#include "zel/kernels/elementwise.h"
 
 namespace zel::kernels {
 namespace {
 
-constexpr double kInf = std::numeric_limits<double>::infinity();
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 constexpr std::int32_t kIntMin = std::numeric_limits<std::int32_t>::min();
 constexpr std::int32_t kIntMax = std::numeric_limits<std::int32_t>::max();
 
@@ -19,7 +13,7 @@ TEST(Binning, NumberOfBins) {
   EXPECT_EQ(numberOfBins(2.0, 0.0, 1.0), 3);
   EXPECT_EQ(numberOfBins(0.0, 2.5, 1.0), 3) << "halves go to the even number";
   EXPECT_EQ(numberOfBins(0.0, 3.5, 1.0), 5);
-  for (const double width : {0.0, -1.0, kNan, 1e-320})
+  for (const double width : {0.0, -1.0, kNaN, 1e-320})
     EXPECT_EQ(numberOfBins(0.0, 2.0, width), 0) << width;
   EXPECT_EQ(numberOfBins(-kInf, 2.0, 1.0), 0);
   EXPECT_EQ(numberOfBins(-1e308, 1e308, 1e300), 0) << "the range leaves the doubles";
@@ -50,7 +44,7 @@ Counted<T> counted(T first, T last, T width, int bins, const std::vector<T>& val
 }
 
 TEST(Binning, CountsRealValues) {
-  EXPECT_EQ(counted<double>(0, 2, 1, 3, {0.5, 1.5, 2.5, 9.0, -1e-300, 0.0, 3.0, kNan, kInf, -kInf}),
+  EXPECT_EQ(counted<double>(0, 2, 1, 3, {0.5, 1.5, 2.5, 9.0, -1e-300, 0.0, 3.0, kNaN, kInf, -kInf}),
             (Counted<double>{{2, 1, 1}, 2, 3, 2}));
   // 0..2.4 in steps of 1 is rounded to three bins but reaches to 3.4: what lies beyond is dropped.
   EXPECT_EQ(counted<double>(0, 2.4, 1, 3, {3.2, 3.2, 3.2, 1.0}),

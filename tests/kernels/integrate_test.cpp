@@ -1,17 +1,10 @@
 #include "zel/kernels/integrate.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <limits>
-#include <vector>
+#include "tests/support/testing.h"
 
 namespace zel::kernels {
 namespace {
 
-constexpr double kInf = std::numeric_limits<double>::infinity();
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 double at(const std::vector<double>& y, double p) {
   const double k = std::floor(p);
   const double left = y[static_cast<std::size_t>(k) - 1];
@@ -76,7 +69,7 @@ TEST(Integration, ConstantsAndLimits) {
     }
     EXPECT_EQ(integrate({}, 1, 2, rule), 0);
     EXPECT_EQ(integrate({1, 2, 3}, 2.5, 2.5, rule), 0);
-    EXPECT_TRUE(std::isnan(integrate({1, 2, 3}, kNan, 2, rule)));
+    EXPECT_TRUE(std::isnan(integrate({1, 2, 3}, kNaN, 2, rule)));
     EXPECT_EQ(integrate({1, kInf, 3}, 1, 3, rule), kInf);
   }
   EXPECT_DOUBLE_EQ(integrate({1.7e308, 1.7e308, 0, -1.7e308}, 1, 4, IntegrationRule::trapezoidal),

@@ -1,12 +1,6 @@
 #include "zel/kernels/least_squares.h"
 
-#include <cmath>
-#include <random>
-#include <vector>
-
-#include <gtest/gtest.h>
-
-#include "tests/support/same_bits.h"
+#include "tests/support/testing.h"
 #include "zel/kernels/cross_products.h"
 #include "zel/kernels/sums.h"
 

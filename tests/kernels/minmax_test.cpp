@@ -1,14 +1,6 @@
 #include "zel/kernels/minmax.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
-#include <random>
-#include <string>
-#include <vector>
-
-#include "tests/support/simd_targets.h"
+#include "tests/support/testing.h"
 
 namespace zel::kernels {
 namespace {

@@ -1,23 +1,10 @@
 #include "zel/kernels/order_statistics.h"
 
-#include <algorithm>
-#include <cmath>
-#include <cstddef>
-#include <cstdint>
-#include <limits>
-#include <map>
-#include <span>
-#include <string>
-#include <tuple>
-#include <vector>
-
-#include "gtest/gtest.h"
 #include "tests/support/key_shapes.h"
+#include "tests/support/testing.h"
 
 namespace zel::kernels {
 namespace {
-
-constexpr double kInf = std::numeric_limits<double>::infinity();
 
 bool same(double a, double b) { return a == b || (std::isnan(a) && std::isnan(b)); }
 

@@ -1,22 +1,11 @@
 #include "zel/kernels/search.h"
 
-#include <algorithm>
-#include <cmath>
-#include <cstddef>
-#include <cstdint>
-#include <limits>
-#include <random>
-#include <span>
-#include <vector>
-
-#include "gtest/gtest.h"
+#include "tests/support/testing.h"
 #include "zel/kernels/sorted_list.h"
 
 namespace zel::kernels {
 namespace {
 
-constexpr double kInf = std::numeric_limits<double>::infinity();
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr auto kMin = std::numeric_limits<std::int32_t>::min();
 constexpr auto kMax = std::numeric_limits<std::int32_t>::max();
 
@@ -37,13 +26,6 @@ TEST(FindNearest, NothingIsNearIfNoDistanceIsBelowTheLargestDouble) {
   EXPECT_EQ(findNearest(std::span(x), -1e300), 2u);
   EXPECT_EQ(findNearest(std::span(x), kNaN), npos);
   EXPECT_EQ(findNearest(std::span<const double>(), 0), npos);
-}
-
-TEST(FindExact, GivesTheFirstOrNone) {
-  const std::vector<std::int32_t> x{4, 7, 7, kMin};
-  EXPECT_EQ(findExact(std::span(x), 7), 1u);
-  EXPECT_EQ(findExact(std::span(x), kMin), 3u);
-  EXPECT_EQ(findExact(std::span(x), 5), npos);
 }
 
 // Against all distances, for every length up to 40 in both directions.

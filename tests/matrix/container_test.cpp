@@ -1,16 +1,9 @@
-#include <climits>
-#include <cmath>
-#include <sstream>
-
 #include "tests/matrix/matrices.h"
-#include "tests/support/expect_message.h"
-#include "zel/base/random.h"
+#include "tests/support/testing.h"
 
-namespace zel {
+namespace zel::test {
 namespace {
 
-using test::contents;
-using test::Events;
 using Values = std::vector<double>;
 
 TEST(Matrix, StartsWithOneCellAndLimitsItsPrecisions) {
@@ -128,8 +121,8 @@ TEST(Matrix, CopiesPutEachCellWhereItBelongs) {
   for (int trial = 0; trial < 400; ++trial) {
     SCOPED_TRACE(trial);
     TMatrix source, target, expected;
-    test::fillNormal(source, trial % 5, trial % 7, 1);
-    test::fillNormal(target, 4, 5, 2);
+    fillNormal(source, trial % 5, trial % 7, 1);
+    fillNormal(target, 4, 5, 2);
     expected.Clone(&target);
     Events events(target);
     if (trial % 2 == 0) target.OnChange = nullptr;
@@ -215,8 +208,8 @@ TEST(Matrix, FailedAllocationsNameItAndChangeNothing) {
   double q = 0;
   Events events(a);
   const auto prepare = [&] {
-    test::fillNormal(a, 30, 30);
-    test::fillNormal(oblong, 3, 5);
+    fillNormal(a, 30, 30);
+    fillNormal(oblong, 3, 5);
     result.ResizeAndClear(1, 1);
     distances.Resize(30, 30);
     distances.Fill(3);
@@ -231,7 +224,7 @@ TEST(Matrix, FailedAllocationsNameItAndChangeNothing) {
   const std::string nameless = "Component \"\": not enough memory on heap";
   const std::string named = "Component \"A\": not enough memory on heap";
   const auto expectHarmless = [&](const std::string& message, auto operation) {
-    test::expectFailuresHarmless(
+    expectFailuresHarmless(
         operation, message,
         [&] {
           EXPECT_EQ(state(), before);
@@ -260,7 +253,7 @@ TEST(Matrix, FailedAllocationsNameItAndChangeNothing) {
   prepare();
   EXPECT_THROW_MSG(a.Resize(INT_MAX, INT_MAX), EZELMatrixError, named);
   EXPECT_EQ(state(), before);
-  const test::FailingStorage fail(0);
+  const FailingStorage fail(0);
   EXPECT_THROW_MSG(TMatrix(), EZELMatrixError, nameless);
 }
 
@@ -274,4 +267,4 @@ TEST(Matrix, ProgressGoesToItsHandler) {
 }
 
 }  // namespace
-}  // namespace zel
+}  // namespace zel::test

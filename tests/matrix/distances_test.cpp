@@ -1,12 +1,9 @@
-#include <cmath>
-
 #include "tests/matrix/matrices.h"
-#include "tests/support/simd_targets.h"
+#include "tests/support/testing.h"
 
-namespace zel {
+namespace zel::test {
 namespace {
 
-using test::contents;
 using Values = std::vector<double>;
 
 constexpr TDistMode kStandardModes[] = {dmTanimoto, dmManhattan, dmEuclid, dmSqrEuclid, dmDice};
@@ -29,10 +26,10 @@ TEST(Distances, TwoRows) {
 
 /// Every remainder of the blocks, on every instruction set, bit for bit what single pairs give.
 TEST(Distances, AllPairsAreThoseOfSinglePairs) {
-  test::forEachTarget([] {
+  forEachTarget([] {
     for (const int rows : {1, 2, 3, 4, 5, 8, 11, 16, 17, 31, 70}) {
       TMatrix m;
-      test::fillNormal(m, 1 + rows % 7, rows);
+      fillNormal(m, 1 + rows % 7, rows);
       if (rows == 17) m.SetVal(1, 3, NAN);
       if (rows == 31) m.Fill(0, 0, 5, 6, 0);
       TMatrix d;
@@ -56,7 +53,7 @@ TEST(Distances, MatricesThatDoNotFitAreRefused) {
   const TMatrix m{{1, 2}, {3, 4}, {5, 6}, {7, 8}};
   TMatrix d{{1, 2, 3}, {4, 5, 6}, {7, 8, 9}};
   const auto before = contents(d);
-  test::Events events(d);
+  Events events(d);
   EXPECT_EQ(m.CalcDistMat(dmEuclid, &d), -2);
   EXPECT_EQ(m.CalcDistMat(dmEuclid, nullptr), -3);
   EXPECT_EQ(contents(d), before);
@@ -90,4 +87,4 @@ TEST(Distances, UsersMeasure) {
 }
 
 }  // namespace
-}  // namespace zel
+}  // namespace zel::test

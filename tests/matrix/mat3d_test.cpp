@@ -1,13 +1,7 @@
-#include <algorithm>
-#include <climits>
-#include <cmath>
-#include <random>
-
 #include "tests/matrix/matrices.h"
-#include "tests/support/expect_message.h"
-#include "zel/base/random.h"
+#include "tests/support/testing.h"
 
-namespace zel {
+namespace zel::test {
 namespace {
 
 using Values = std::vector<double>;
@@ -32,7 +26,7 @@ Values contents(const TMat3D& m) {
 
 TEST(Mat3D, SizesAndEvents) {
   TMat3D m;
-  test::Events events(m);
+  Events events(m);
   EXPECT_EQ(contents(m), (Values{1, 1, 1, 0}));
   for (const int bad : {0, -1, INT_MIN}) {
     EXPECT_TRUE(m.Resize(bad, 5, 5));
@@ -54,7 +48,7 @@ TEST(Mat3D, SizesAndEvents) {
   m.SetNrOfColumns(1);
   EXPECT_EQ(contents(m), (Values{1, 3, 2, 3, 0, 0, 5, 0, 0}));
   TMat3D copy;
-  test::Events copied(copy);
+  Events copied(copy);
   copy.Clone(&m);
   copy.Clone(nullptr);
   EXPECT_EQ(contents(copy), contents(m));
@@ -72,12 +66,12 @@ TEST(Mat3D, SizesAndEvents) {
   m.SetName("M");
   m.Fill(2);
   const Values before = contents(m);
-  test::expectFailuresHarmless([&] { m.Resize(9, 9, 9), m.Resize(1, 3, 2); },
-                               "Component \"M\": not enough memory on heap",
-                               [&] { EXPECT_EQ(contents(m), before); });
+  expectFailuresHarmless([&] { m.Resize(9, 9, 9), m.Resize(1, 3, 2); },
+                         "Component \"M\": not enough memory on heap",
+                         [&] { EXPECT_EQ(contents(m), before); });
   EXPECT_THROW_MSG(m.Resize(INT_MAX, INT_MAX, INT_MAX), EZELMatrixError,
                    "Component \"M\": not enough memory on heap");
-  const test::FailingStorage failing(0);
+  const FailingStorage failing(0);
   m.Fill(0);
   EXPECT_EQ(m(1, 3, 2), 0) << "clearing does without memory";
 }
@@ -103,27 +97,25 @@ TEST(Mat3D, StatisticsOfBlocksAreThoseOfPlainLoops) {
     m.MakeValidRowRange(r1, r2);
     m.MakeValidLayerRange(l1, l2);
     Values cells;
-    double best = 1e300;
-    std::vector<int> nearest;
+    std::vector<std::array<int, 3>> places;
     for (int c = c1; c <= c2; ++c) {
       for (int r = r1; r <= r2; ++r) {
         for (int l = l1; l <= l2; ++l) {
           cells.push_back(m(c, r, l));
-          if (std::fabs(cells.back() - 2.5) >= best) continue;
-          best = std::fabs(cells.back() - 2.5);
-          nearest = {c, r, l};
+          places.push_back({c, r, l});
         }
       }
     }
-    double sums[2];
-    TVector(cells).MeanVar(0, 0, sums[0], sums[1]);
-    EXPECT_EQ((Values{mean, variance}), (Values{sums[0], sums[1]}));
-    EXPECT_EQ((std::vector<int>{a, b, e}), nearest);
-    std::sort(cells.begin(), cells.end());
-    EXPECT_EQ((Values{low, high}), (Values{cells.front(), cells.back()}));
-    const auto n = static_cast<double>(cells.size());
-    EXPECT_EQ(percentile,
-              cells[static_cast<std::size_t>(std::min(n - 1, std::nearbyint(n * prob / 100)))]);
+    const TVector column(cells);
+    TMatrix plain;
+    plain.Resize(1, column.NrOfElem());
+    plain.CopyFromVec(dimRows, &column, 0, 0, 1, 1);
+    double expected[4];
+    plain.MinMax(0, 0, 0, 0, expected[0], expected[1]);
+    column.MeanVar(0, 0, expected[2], expected[3]);
+    EXPECT_EQ((Values{low, high, mean, variance}), Values(expected, expected + 4));
+    EXPECT_EQ((std::array{a, b, e}), places[static_cast<std::size_t>(column.Find(0, 0, 2.5) - 1)]);
+    EXPECT_EQ(percentile, plain.Percentile(prob, 0, 0, 0, 0));
   }
   const double sampled = m.Percentile(100, 2, 4, 1, 3, 2, 3, 17);
   double low = 0, high = 0;
@@ -137,7 +129,7 @@ TEST(Mat3D, LayersGoToMatricesAndBack) {
   TMat3D m;
   fillSmall(m, 4, 3, 2);
   m.SetName("M");
-  test::Events events(m);
+  Events events(m);
   TMatrix layer;
   m.CopyLayerToMatrix(&layer, 4, 2, 0, 0, 2);
   ASSERT_EQ(layer.NrOfColumns(), 3);
@@ -166,7 +158,7 @@ TEST(Mat3D, LayersGoToMatricesAndBack) {
 
   TMatrix target;
   target.Resize(3, 2);
-  test::Events stored(target);
+  Events stored(target);
   target.CopyFrom(&m, 9, 0, 3, 2, 77, 2, 1);
   EXPECT_EQ(test::contents(target),
             (Values{3, 2, 0, 0, m(3, 1, 2), m(3, 2, 2), m(4, 1, 2), m(4, 2, 2)}));
@@ -174,4 +166,4 @@ TEST(Mat3D, LayersGoToMatricesAndBack) {
 }
 
 }  // namespace
-}  // namespace zel
+}  // namespace zel::test

@@ -2,13 +2,10 @@
 /// Matrices for tests.
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <random>
 
 #include "tests/support/containers.h"
-#include "zel/base/progress.h"
 #include "zel/matrix/Zel_matrix.h"
 
 namespace zel::test {

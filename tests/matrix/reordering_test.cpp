@@ -1,19 +1,17 @@
-#include <array>
-#include <cmath>
 #include <set>
 
 #include "tests/matrix/matrices.h"
+#include "tests/support/testing.h"
 #include "zel/kernels/comb_sort.h"
 
-namespace zel {
+namespace zel::test {
 namespace {
 
-using test::contents;
 using Values = std::vector<double>;
 
 TEST(MatrixOrder, RemovalLeavesTheLastLine) {
   TMatrix m{{1, 2, 3}, {4, 5, 6}, {7, 8, 9}};
-  test::Events events(m);
+  Events events(m);
   EXPECT_FALSE(m.RemoveColumn(4));
   EXPECT_FALSE(m.RemoveRow(0));
   EXPECT_TRUE(m.RemoveColumn(3));
@@ -28,7 +26,7 @@ TEST(MatrixOrder, RemovalLeavesTheLastLine) {
 
 TEST(MatrixOrder, ExchangesAndMirrorsTellOnce) {
   TMatrix m{{1, 2, 3}, {4, 5, 6}};
-  test::Events events(m);
+  Events events(m);
   m.ExchangeColumns(1, 3);
   EXPECT_EQ(contents(m), (Values{3, 2, 3, 6, 2, 5, 1, 4}));
   m.ExchangeRows(1, 2);
@@ -65,7 +63,7 @@ TEST(MatrixOrder, SortsByTheDescribedExchanges) {
   for (int trial = 0; trial < 120; ++trial) {
     const int rows = trial < 60 ? 1 + trial % 20 : 100 + trial;
     TMatrix plain, fast, reported, turned;
-    test::fillNormal(plain, 5, rows, static_cast<unsigned>(trial));
+    fillNormal(plain, 5, rows, static_cast<unsigned>(trial));
     const int key = 1 + trial % 5;
     for (int r = 1; r <= rows; ++r) {
       const auto draw = random() % 40;
@@ -79,7 +77,7 @@ TEST(MatrixOrder, SortsByTheDescribedExchanges) {
     const int high = rows > 6 ? rows - 2 : rows;
     for (TMatrix* copy : {&fast, &reported, &turned}) copy->Clone(&plain);
     turned.Transpose();
-    test::Events changes(fast);
+    Events changes(fast);
     std::vector<std::array<int, 2>> exchanges;
     reported.OnSortExchange = [&](TObject*, std::uint8_t what, int i, int j, int first, int last) {
       EXPECT_EQ((std::array<int, 3>{what, first, last}), (std::array<int, 3>{2, 2, 3}));
@@ -99,7 +97,7 @@ TEST(MatrixOrder, SortsByTheDescribedExchanges) {
 TEST(MatrixOrder, SortsWithoutStorageAndUnderAHostileHandler) {
   TMatrix m{{3, 1}, {2, 2}, {1, 3}};
   {
-    const test::FailingNew fail(1);
+    const FailingNew fail(1);
     m.SortRows(1, true, 0, 0, 0, 0);
   }
   EXPECT_EQ(contents(m), (Values{2, 3, 1, 2, 3, 3, 2, 1}));
@@ -139,4 +137,4 @@ TEST(MatrixSearch, FingerprintFollowsTheColumns) {
 }
 
 }  // namespace
-}  // namespace zel
+}  // namespace zel::test

@@ -1,20 +1,17 @@
-#include <atomic>
-#include <cmath>
 #include <thread>
 
 #include "tests/matrix/matrices.h"
+#include "tests/support/testing.h"
 
-namespace zel {
+namespace zel::test {
 namespace {
 
-using test::contents;
-
-class SquareProduct : public test::WithProgress {};
+class SquareProduct : public WithProgress {};
 
 TEST_F(SquareProduct, SameBitsForEveryNumberOfThreads) {
   for (const int columns : {0, 1, 2, 5, 70, 150}) {
     TMatrix a;
-    test::fillNormal(a, columns, 67);
+    fillNormal(a, columns, 67);
     std::vector<double> expected{static_cast<double>(columns), static_cast<double>(columns)};
     for (int i = 1; i <= columns; ++i) {
       for (int j = 1; j <= columns; ++j) {
@@ -28,7 +25,7 @@ TEST_F(SquareProduct, SameBitsForEveryNumberOfThreads) {
       SCOPED_TRACE(testing::Message() << columns << " columns, " << threads << " threads");
       TMatrix result;
       result.Resize(columns, columns);
-      test::Events events(result), sourceEvents(a);
+      Events events(result), sourceEvents(a);
       ProcStat = 0;
       EXPECT_TRUE(a.Square(&result, 3, threads));
       EXPECT_EQ(contents(result), expected);
@@ -46,7 +43,7 @@ TEST_F(SquareProduct, SameBitsForEveryNumberOfThreads) {
 
 TEST_F(SquareProduct, StopsBeforeTheFirstStepAndInBetween) {
   TMatrix a;
-  test::fillNormal(a, 100, 20);
+  fillNormal(a, 100, 20);
   TMatrix result;
   result.Resize(100, 100);
   AbortMathProc = true;
@@ -66,19 +63,26 @@ TEST_F(SquareProduct, StopsBeforeTheFirstStepAndInBetween) {
   }
 }
 
-/// The abort flag or an exception comes at any time; afterwards nobody works any more.
+/// The abort flag or an exception comes at any time, from the caller's thread; afterwards nobody
+/// works any more.
 TEST_F(SquareProduct, NoWorkerOutlivesTheCall) {
-  TMatrix a;
-  test::fillNormal(a, 120, 400);
-  TMatrix result;
+  TMatrix a, result;
+  fillNormal(a, 120, 400);
+  static int calls, last;
+  static bool foreign, throws;
+  static std::thread::id caller;
+  caller = std::this_thread::get_id();
+  foreign = false;
   for (int round = 0; round < 20; ++round) {
-    static std::atomic<int> calls;
-    static int last;
     calls = 0;
     last = round % 5;
-    const bool throws = round % 2 == 0;
-    MathFeedBackProc = throws ? [](double) { if (++calls > last) throw EMathError("enough"); }
-                              : [](double) { if (++calls > last) AbortMathProc = true; };
+    throws = round % 2 == 0;
+    MathFeedBackProc = [](double) {
+      if (std::this_thread::get_id() != caller) foreign = true;
+      if (++calls <= last) return;
+      if (throws) throw EMathError("enough");
+      AbortMathProc = true;
+    };
     result.Resize(1, 1);
     // Only the first call is sure to come before the work is done.
     try {
@@ -87,6 +91,7 @@ TEST_F(SquareProduct, NoWorkerOutlivesTheCall) {
     } catch (const EMathError&) {
       EXPECT_TRUE(throws);
     }
+    EXPECT_GE(calls, 1);
     const double done = ProcStat;
     const auto seen = contents(result);
     std::this_thread::yield();
@@ -94,30 +99,12 @@ TEST_F(SquareProduct, NoWorkerOutlivesTheCall) {
     EXPECT_EQ(contents(result), seen);
     reset();
   }
-}
-
-TEST_F(SquareProduct, FeedbackComesFromTheCallersThread) {
-  static std::thread::id caller;
-  static int calls;
-  static bool foreign;
-  caller = std::this_thread::get_id();
-  calls = 0;
-  foreign = false;
-  MathFeedBackProc = [](double) {
-    ++calls;
-    if (std::this_thread::get_id() != caller) foreign = true;
-  };
-  TMatrix a;
-  test::fillNormal(a, 60, 50);
-  TMatrix result;
-  EXPECT_TRUE(a.Square(&result, 1, 2));
-  EXPECT_GE(calls, 2) << "at least one poll and the last call";
   EXPECT_FALSE(foreign);
 }
 
 TEST_F(SquareProduct, WorkersCanBeUsedOneByOne) {
   TMatrix a;
-  test::fillNormal(a, 3, 10);
+  fillNormal(a, 3, 10);
   TMatrix expected;
   a.Square(&expected, 2, 1);
   ProcStat = 0;
@@ -139,4 +126,4 @@ TEST_F(SquareProduct, WorkersCanBeUsedOneByOne) {
 }
 
 }  // namespace
-}  // namespace zel
+}  // namespace zel::test

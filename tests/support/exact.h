@@ -91,31 +91,26 @@ class BigInt {
     if (a.isZero()) return 0;
     constexpr int kDigits = std::numeric_limits<T>::digits;
     // The unit in the last place of the result, or half of that.
-    const int magnitude = a.bitLength() - b.bitLength() + scale;
-    for (int unit = std::max(magnitude - kDigits, std::numeric_limits<T>::min_exponent - kDigits);;
-         ++unit) {
-      const int shift = scale - unit;
-      BigInt remainder = shift >= 0 ? a << shift : a;
-      BigInt divisor = shift >= 0 ? b : b << -shift;
-      remainder.FNegative = divisor.FNegative = false;
-      const int bits = std::max(remainder.bitLength() - divisor.bitLength() + 1, 0);
-      if (bits > kDigits + 1) continue;
-      std::uint64_t q = 0;
-      bool isTooLong = false;
-      for (int bit = bits - 1; bit >= 0; --bit) {
-        isTooLong = isTooLong || (q >> (kDigits - 1)) != 0;
-        q <<= 1;
-        const BigInt part = divisor << bit;
-        if (compareMagnitudes(remainder, part) < 0) continue;
-        remainder = remainder - part;
-        q |= 1;
-      }
-      if (isTooLong) continue;
-      const int half = compareMagnitudes(remainder << 1, divisor);
-      const bool up = half > 0 || (half == 0 && (q & 1) != 0);
-      const T value = std::ldexp(static_cast<T>(q) + static_cast<T>(up ? 1 : 0), unit);
-      return a.FNegative != b.FNegative ? -value : value;
+    int unit =
+        std::max(a.bitLength() - b.bitLength() + scale, std::numeric_limits<T>::min_exponent) -
+        kDigits;
+    BigInt remainder = a << std::max(scale - unit, 0), divisor = b << std::max(unit - scale, 0);
+    remainder.FNegative = divisor.FNegative = false;
+    if (compareMagnitudes(remainder, divisor << kDigits) >= 0) {
+      divisor = divisor << 1;
+      ++unit;
     }
+    std::uint64_t q = 0;
+    for (int bit = kDigits - 1; bit >= 0; --bit) {
+      const BigInt part = divisor << bit;
+      if (compareMagnitudes(remainder, part) < 0) continue;
+      remainder = remainder - part;
+      q |= std::uint64_t{1} << bit;
+    }
+    const int half = compareMagnitudes(remainder << 1, divisor);
+    const bool up = half > 0 || (half == 0 && (q & 1) != 0);
+    const T value = std::ldexp(static_cast<T>(q) + static_cast<T>(up ? 1 : 0), unit);
+    return a.FNegative != b.FNegative ? -value : value;
   }
 
  private:
@@ -147,24 +142,20 @@ class BigInt {
   bool FNegative = false;
 };
 
-/// Sums of the first four powers of doubles, exact; power k is scaled by 2^(1074 k).
+/// Sums of doubles and of their squares, exact; scaled by 2^1074 and 2^2148.
 struct ExactPowerSums {
   std::int64_t n = 0;
-  BigInt s1, s2, s3, s4;
+  BigInt s1, s2;
 
-  explicit ExactPowerSums(const auto& values, int powers = 2) {
+  explicit ExactPowerSums(const auto& values) {
     for (const auto v : values) {
       const BigInt x = BigInt::scaled(static_cast<double>(v));
-      const BigInt x2 = x * x;
       ++n;
       s1 = s1 + x;
-      s2 = s2 + x2;
-      if (powers > 2) s3 = s3 + x2 * x;
-      if (powers > 3) s4 = s4 + x2 * x2;
+      s2 = s2 + x * x;
     }
   }
 
-  [[nodiscard]] double sum() const { return BigInt::quotient<double>(s1, 1, -1074); }
   [[nodiscard]] double sumOfSquares() const { return BigInt::quotient<double>(s2, 1, -2148); }
   [[nodiscard]] double mean() const { return BigInt::quotient<double>(s1, n, -1074); }
   /// n sum of d^2, exact and scaled by 2^2148.

@@ -6,9 +6,6 @@
 #include <limits>
 #include <new>
 #include <random>
-#include <vector>
-
-#include <gtest/gtest.h>
 
 #include "tests/support/failing_new.h"
 #include "tests/support/same_bits.h"

@@ -1,12 +1,7 @@
 // Histogram bins against a slow obvious count in exact decimals.
 #include "tools/bins.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <numeric>
-#include <random>
-#include <vector>
+#include "tests/support/testing.h"
 
 namespace {
 

@@ -1,47 +1,28 @@
-// zel convert: nothing gets lost unless it is told; zel crosstab: counts against a slow count.
-
-#include <gtest/gtest.h>
-
-#include <map>
-#include <random>
-#include <string>
-#include <utility>
-
-#include "tests/datatable/tables.h"
-#include "tests/tools/json_fields.h"
+// zel convert: nothing gets lost unless it is told; zel crosstab.
+#include "tests/support/testing.h"
 #include "tests/tools/run_zel.h"
-#include "tools/table_file.h"
+#include "zel/datatable/Zel_datatable.h"
 
 namespace zel_test {
 namespace {
 
-/// What a conversion has to say.
-std::string noteOf(const TempDir& folder, const std::string& arguments) {
-  const ZelRun run = runZel(folder, "convert " + arguments);
-  EXPECT_EQ(0, run.status) << arguments;
-  return run.errors;
-}
-
-TEST(Convert, RoundTripsKeepAll) {
-  std::mt19937_64 random(7);
-  for (int trial = 0; trial < 40; ++trial) {
-    zel::TDataTable table;
-    zel::test::makeRandom(table, random);
-    const TempDir folder;
-    ASSERT_TRUE(table.SaveAsXMLFile(folder.file("a.xml"), -1, "id"));
-    EXPECT_EQ("", noteOf(folder, "a.xml b.asc"));
-    EXPECT_EQ("", noteOf(folder, "b.asc c.xml"));
-    zel::test::expectIdentical(table, *tool::readTable(folder.file("c.xml")).data);
+class Convert : public ToolTest {
+ protected:
+  /// What a conversion has to say.
+  [[nodiscard]] std::string noteOf(const std::string& arguments) const {
+    const ZelRun run = runZel("convert " + arguments);
+    EXPECT_EQ(0, run.status) << arguments;
+    return run.errors;
   }
-}
+};
+using Crosstab = ToolTest;
 
-TEST(Convert, CsvTellsWhatItLoses) {
-  const TempDir folder;
+TEST_F(Convert, CsvTellsWhatItLoses) {
   for (const char* file : {"iris", "airquality", "longley"}) {
     const std::string source = std::string(ZEL_TEST_DATA "/") + file + ".csv";
-    EXPECT_EQ("", noteOf(folder, '\'' + source + "' x.xml"));
-    EXPECT_EQ("", noteOf(folder, "x.xml x.csv"));
-    EXPECT_EQ(readBytes(source), readBytes(folder.file("x.csv")));
+    EXPECT_EQ("", noteOf('\'' + source + "' x.xml"));
+    EXPECT_EQ("", noteOf("x.xml x.csv"));
+    EXPECT_EQ(readBytes(source), bytesOf("x.csv"));
   }
   // What the form has room for: a comment, row names and attributes, categories like other words.
   zel::TDataTable table;
@@ -56,12 +37,12 @@ TEST(Convert, CsvTellsWhatItLoses) {
   table.SetElemNominal(2, 1, "NA");
   table.SetElemNominal(2, 2, "b");
   const auto lost = [&] {
-    EXPECT_TRUE(table.SaveAsXMLFile(folder.file("x.xml"), -1, ""));
-    return noteOf(folder, "x.xml x.csv");
+    EXPECT_TRUE(table.SaveAsXMLFile(path("x.xml"), -1, ""));
+    return noteOf("x.xml x.csv");
   };
   EXPECT_EQ("", lost());
   EXPECT_EQ("# a comment\n\"\",(attribute),C-1,C-2\nfirst,1,0,\"NA\"\nsecond,2,0,b\n",
-            readBytes(folder.file("x.csv")));
+            bytesOf("x.csv"));
   table.SetColAttrib(1, 3);
   table.SetCellState(1, 1, 64);
   table.SetMScaleType(1, zel::stRatio);
@@ -69,27 +50,29 @@ TEST(Convert, CsvTellsWhatItLoses) {
       "zel: x.csv cannot hold attributes of columns, scales of measurement and cell states of "
       "x.xml, which are lost\n",
       lost());
-  writeBytes(folder.file("cut.csv"), "n,k\na,long enough a\nb,long enough b\nc,x\n");
+  EXPECT_EQ("", noteOf("x.xml x.asc") + noteOf("x.xml y.xml")) << "the own forms hold all";
+  EXPECT_EQ("", noteOf("x.asc z.xml"));
+  EXPECT_EQ(bytesOf("y.xml"), bytesOf("z.xml"));
+  write("cut.csv", "n,k\na,long enough a\nb,long enough b\nc,x\n");
   EXPECT_EQ(
       "zel: the heading \"n\" of the row names is lost; texts of more than 10 bytes are cut in "
       "\"k\"\n",
-      noteOf(folder, "cut.csv cut.xml"));
+      noteOf("cut.csv cut.xml"));
 }
 
-TEST(Convert, Options) {
-  const TempDir folder;
-  writeBytes(folder.file("x.csv"), "a;b\n1,25;t\n-3,5;\n");
-  EXPECT_EQ("", noteOf(folder, "x.csv y.csv --decimal-comma"));
-  EXPECT_EQ("a,b\n1.25,t\n-3.5,NA\n", readBytes(folder.file("y.csv")));
-  EXPECT_EQ("", noteOf(folder, "- z.csv --out-decimal-comma --precision 1 <y.csv"));
-  EXPECT_EQ("a;b\n1,2;t\n-3,5;NA\n", readBytes(folder.file("z.csv")));
-  EXPECT_EQ("", noteOf(folder, "y.csv y.csv.xml --id some"));
-  expectWords(readBytes(folder.file("y.csv.xml")), {"\"some\""});
+TEST_F(Convert, Options) {
+  write("x.csv", "a;b\n1,25;t\n-3,5;\n");
+  EXPECT_EQ("", noteOf("x.csv y.csv --decimal-comma"));
+  EXPECT_EQ("a,b\n1.25,t\n-3.5,NA\n", bytesOf("y.csv"));
+  EXPECT_EQ("", noteOf("- z.csv --out-decimal-comma --precision 1 <y.csv"));
+  EXPECT_EQ("a;b\n1,2;t\n-3,5;NA\n", bytesOf("z.csv"));
+  EXPECT_EQ("", noteOf("y.csv y.csv.xml --id some"));
+  expectWords(bytesOf("y.csv.xml"), {"\"some\""});
   std::string many = "id,n\n1,x\n";
   for (int i = 0; i < 151; ++i) many += "1,t" + std::to_string(i) + '\n';
-  writeBytes(folder.file("many.csv"), many);
+  write("many.csv", many);
   expectRefusals(
-      folder, "convert",
+      "convert",
       {{"y.csv y.csv", "the file y.csv would replace the data file"},
        {"y.csv y.dat", "the file y.dat must have a name that ends in .csv, .asc, .txt or .xml"},
        {"y.csv none/y.xml", "the file none/y.xml was not written: No such file or directory"},
@@ -99,9 +82,9 @@ TEST(Convert, Options) {
         "can hold"}});
 }
 
-TEST(Crosstab, CountsAsCounted) {
-  const TempDir folder;
-  EXPECT_EQ(R"(m.csv: cyl (lines) by gear (columns), 32 rows
+TEST_F(Crosstab, CountsAsCounted) {
+  EXPECT_EQ(
+      R"(m.csv: cyl (lines) by gear (columns), 32 rows
 
         3   4  5  all
   4     1   8  2   11
@@ -117,39 +100,20 @@ TEST(Crosstab, CountsAsCounted) {
   8    85.7   0.0  14.3  100.0
   all  46.9  37.5  15.6  100.0
 )",
-            runZel(folder, "crosstab m.csv cyl gear --percent row",
-                   "ln -s '" ZEL_TEST_DATA "/mtcars.csv' m.csv;")
-                .output);
-  std::mt19937 random(3);
-  std::string rows = "a,b\n";
-  std::map<std::pair<int, char>, int> counts;
-  int missing = 0;
-  for (int i = 0; i < 500; ++i) {
-    const int a = static_cast<int>(random() % 7) - 3;
-    const char b = "pqrs "[random() % 5];
-    rows.append(std::to_string(a)).append(",").append(1, b).append("\n");
-    b == ' ' ? ++missing : ++counts[{a, b}];
-  }
+      runZel("crosstab m.csv cyl gear --percent row", "ln -s '" ZEL_TEST_DATA "/mtcars.csv' m.csv;")
+          .output);
   // A category that has no row with both.
-  ++missing;
-  writeBytes(folder.file("x.csv"), rows + "4,\n");
-  const JsonFields json(runZel(folder, "crosstab x.csv 1 b --percent total --json").output);
-  EXPECT_EQ(std::to_string(missing), json.text("missing"));
-  for (int i = 0; i < 8; ++i) {
-    EXPECT_EQ(std::to_string(i - 3), json.text("a/categories/" + std::to_string(i)));
-    for (int j = 0; j < 4; ++j) {
-      const char b = json.text("b/categories/" + std::to_string(j))[0];
-      const std::string cell = '/' + std::to_string(i) + '/' + std::to_string(j);
-      EXPECT_EQ((counts[{i - 3, b}]), json.number("counts" + cell));
-      EXPECT_DOUBLE_EQ((100.0 * counts[{i - 3, b}] / (501 - missing)),
-                       json.number("percent" + cell));
-    }
-  }
+  write("x.csv", "a,b\n-1,p\n3,q\n3,q\n3,\n4,\n");
+  expectFields(
+      jsonOf("crosstab x.csv 1 b --percent total --json"),
+      "missing 2 a/categories/0 -1 a/categories/2 4 b/categories/1 q counts/1/1 2 "
+      "counts/1/0 0 counts/2/1 0 percent/0/0 33.333333333333333 percent/1/1 66.666666666666667",
+      1e-15);
   std::string many = "x,y\n";
   for (int i = 0; i < 151; ++i) many += std::to_string(i) + ",1\n";
-  writeBytes(folder.file("many.csv"), many);
+  write("many.csv", many);
   expectRefusals(
-      folder, "crosstab many.csv y",
+      "crosstab many.csv y",
       {{"x",
         "many.csv, column \"x\": it has more than 150 different values, too many for categories"},
        {"z", "B: many.csv has no column \"z\", but these: 1 \"x\", 2 \"y\""}});

@@ -1,27 +1,20 @@
 // The program zel, run as a user runs it: figures, texts, errors, exit status.
-#include <gtest/gtest.h>
-#include <unistd.h>
-
-#include <cmath>
-#include <string>
-#include <utility>
-#include <vector>
-
-#include "tests/tools/json_fields.h"
+#include "tests/support/testing.h"
 #include "tests/tools/run_zel.h"
 
 namespace zel_test {
 namespace {
 
-const std::string kData = ZEL_TEST_DATA;
-
-JsonFields describeValues(const std::string& values, const std::string& options = "") {
-  const TempDir folder;
-  writeBytes(folder.file("x.asc"), ascText(values));
-  const ZelRun run = runZel(folder, "describe x.asc --json " + options);
-  EXPECT_EQ(0, run.status) << run.errors;
-  return JsonFields(run.output);
-}
+class Describe : public ToolTest {
+ protected:
+  [[nodiscard]] JsonFields describeValues(const std::string& values,
+                                          const std::string& options = "") const {
+    write("x.asc", ascText(values));
+    const ZelRun run = runZel("describe x.asc --json " + options);
+    EXPECT_EQ(0, run.status) << run.errors;
+    return JsonFields(run.output);
+  }
+};
 
 // Reference values: R 4.2.2, x the column of the published table.
 //   s <- sd(x); n <- length(x); d <- x - mean(x); m2 <- mean(d^2)
@@ -29,8 +22,8 @@ JsonFields describeValues(const std::string& values, const std::string& options 
 //   ((n + 1) * (mean(d^4) / m2^2 - 3) + 6) * (n - 1) / ((n - 2) * (n - 3)); exp(mean(log(x)))
 //   quantile(x, c(.25, .5, .75), type = 6); quantile(x, c(.05, .1, .9, .95), type = 7)
 //   which.min(x); which.max(x); sort(table(x)); hist(x, seq(0, 200, 10), right = FALSE)$counts
-TEST(Describe, RealDataAsR) {
-  const std::pair<const char*, const char*> files[] = {{"sunspots.asc", R"(
+TEST_F(Describe, RealDataAsR) {
+  expectFields(jsonOf("describe '" ZEL_TEST_DATA "/sunspots.asc' --json"), R"(
     n 289  missing 0  mean 48.6134948096885822  standard_deviation 39.4741026818287963
     standard_error 2.3220060401075764  skewness 1.03006523190562183
     excess_kurtosis 0.64988642293150356  minimum 0  minimum_row 12  minimum_row_name 1711
@@ -38,27 +31,17 @@ TEST(Describe, RealDataAsR) {
     percentiles/1/value 6.78  percentiles/2/value 104.7  percentiles/3/percent 95
     percentiles/3/value 128.9  maximum 190.2  maximum_row 258  maximum_row_name 1957  mode 5
     mode_count 5  histogram/first_edge 0  histogram/bin_width 10  histogram/counts/0 43
-    histogram/counts/1 42  histogram/counts/17 0  histogram/counts/19 1)"},
-                                                       {"faithful_waiting.asc", R"(
-    skewness -0.41863094909479143  excess_kurtosis -1.14152880316017602
-    geometric_mean 69.490842740560339  minimum_row 265  mode 78  mode_count 15
-    histogram/first_edge 40  histogram/counts/8 57)"}};
-  for (const auto& [file, figures] : files) {
-    const ZelRun run = runZel(TempDir(), "describe '" + kData + '/' + file + "' --json");
-    ASSERT_EQ(0, run.status) << run.errors;
-    expectFields(JsonFields(run.output), figures, 2e-14);
-  }
+    histogram/counts/1 42  histogram/counts/17 0  histogram/counts/19 1)",
+               2e-14);
 }
 
 // The figures are R's, as above. Guards the layout, the place of missing rows, names, marks and the
 // rounding to the spread.
-TEST(Describe, Table) {
-  const TempDir folder;
-  writeBytes(
-      folder.file("x.asc"),
-      "Lengths of leaves\r\n1\r\n9\r\nFALSE TRUE TRUE\r\n\"length (mm)\"\r\n"
-      "a 12.5\r\n\"b c\" NAN\r\nd\t10\r\ne 11\r\nf 11\r\n\r\ng ###\r\nh 1.35e1\r\ni 13\r\nk 17");
-  const ZelRun run = runZel(folder, "describe x.asc --percentiles 90,2.5 --ascii");
+TEST_F(Describe, Table) {
+  write("x.asc",
+        "Lengths of leaves\r\n1\r\n9\r\nFALSE TRUE TRUE\r\n\"length (mm)\"\r\n"
+        "a 12.5\r\n\"b c\" NAN\r\nd\t10\r\ne 11\r\nf 11\r\n\r\ng ###\r\nh 1.35e1\r\ni 13\r\nk 17");
+  const ZelRun run = runZel("describe x.asc --percentiles 90,2.5 --ascii");
   EXPECT_EQ(0, run.status) << run.errors;
   EXPECT_EQ(R"(x.asc: length (mm)
 Lengths of leaves
@@ -92,12 +75,11 @@ Lengths of leaves
 }
 
 // Several variables side by side, one of them without values, in blocks that fit the width.
-TEST(Describe, TableOfSeveral) {
-  const TempDir folder;
-  writeBytes(folder.file("x.csv"),
-             "plant,length (mm),none,a rather long name,kind\n"
-             "\"Acer pseudoplatanus\",12.5,,1e-3,s\nTilia,10,NA,3e-3,s\nUlmus,11,,1e-3,t\n");
-  const ZelRun run = runZel(folder, "describe x.csv --percentiles 90");
+TEST_F(Describe, TableOfSeveral) {
+  write("x.csv",
+        "plant,length (mm),none,a rather long name,kind\n"
+        "\"Acer pseudoplatanus\",12.5,,1e-3,s\nTilia,10,NA,3e-3,s\nUlmus,11,,1e-3,t\n");
+  const ZelRun run = runZel("describe x.csv --percentiles 90");
   EXPECT_EQ(0, run.status);
   EXPECT_EQ("zel: x.csv: column \"kind\" is left out: it holds text\n", run.errors);
   EXPECT_EQ(R"(x.csv: 3 variables, 3 rows
@@ -126,21 +108,20 @@ TEST(Describe, TableOfSeveral) {
   histogram              █  █    █     –                 █ ▄
 )",
             run.output);
-  const std::string one = runZel(folder, "describe x.csv --column 2 --percentiles 90").output;
+  const std::string one = runZel("describe x.csv --column 2 --percentiles 90").output;
   EXPECT_TRUE(one.starts_with("x.csv: length (mm)\n\n  n ")) << one;
   EXPECT_NE(std::string::npos, one.find("row 2 (Tilia)")) << one;
-  const JsonFields json(runZel(folder, "describe --column 3,2 x.csv --json 2>&1").output);
+  const JsonFields json = jsonOf("describe --column 3,2 x.csv --json 2>&1");
   expectFields(json,
                "variables/0/name none variables/0/mean null variables/1/minimum_row_name Tilia");
 }
 
 // R 4.2.2: tapply(iris$Petal.Width, iris$Species, mean) and so on; the whole must be as without
 // --by, and the bins of the parts must add up to its own.
-TEST(Describe, ByCategory) {
-  const TempDir folder;
-  const std::string iris = "describe '" + kData + "/iris.csv' --json";
-  const JsonFields by(runZel(folder, iris + " --by Species").output);
-  const JsonFields whole(runZel(folder, iris).output);
+TEST_F(Describe, ByCategory) {
+  const std::string iris = "describe '" ZEL_TEST_DATA "/iris.csv' --json";
+  const JsonFields by = jsonOf(iris + " --by Species");
+  const JsonFields whole = jsonOf(iris);
   expectFields(by,
                "variables/3/categories/2/category virginica variables/3/categories/2/mean 2.026 "
                "variables/3/categories/2/standard_deviation 0.27465005563666739 "
@@ -161,8 +142,8 @@ TEST(Describe, ByCategory) {
       EXPECT_EQ(whole.number(variable + counts), sum);
     }
   }
-  writeBytes(folder.file("x.csv"), "r,k,v,w\np,2,1,\nq,10,3,\ns,,5,7\nt,2,NA,8\n");
-  const ZelRun run = runZel(folder, "describe x.csv --by k --percentiles 50 --ascii --column v");
+  write("x.csv", "r,k,v,w\np,2,1,\nq,10,3,\ns,,5,7\nt,2,NA,8\n");
+  const ZelRun run = runZel("describe x.csv --by k --percentiles 50 --ascii --column v");
   EXPECT_TRUE(run.output.starts_with(R"(x.csv: 1 variable by k, 4 rows
 1 row without k counts in "all" only
 
@@ -174,11 +155,11 @@ TEST(Describe, ByCategory) {
   mean                1   3  3.0000
 )")) << run.output;
   EXPECT_NE(std::string::npos, run.output.find("    in row            p   q  p\n"));
-  expectFailure(runZel(folder, "describe x.csv --by z"),
+  expectFailure(runZel("describe x.csv --by z"),
                 "--by: x.csv has no column \"z\", but these: 2 \"k\", 3 \"v\", 4 \"w\"");
 }
 
-TEST(Describe, SmallSamples) {
+TEST_F(Describe, SmallSamples) {
   const std::pair<const char*, const char*> cases[] = {
       {"NAN\n###\n", "n 0 missing 2 mean null minimum_row null histogram null"},
       {"5\n", "mean 5 standard_deviation null upper_quartile 5 mode 5"},
@@ -198,7 +179,7 @@ TEST(Describe, SmallSamples) {
 
 // Their squares leave the range of a double; the last sample also that where MinMax starts to
 // search.
-TEST(Describe, HugeAndTinyValues) {
+TEST_F(Describe, HugeAndTinyValues) {
   const JsonFields plain = describeValues("1\n2\n4\n9\n");
   for (const double size : {1e300, 1e-300}) {
     const JsonFields json = describeValues(size > 1 ? "1e300\n2e300\n4e300\n9e300\n"
@@ -212,12 +193,11 @@ TEST(Describe, HugeAndTinyValues) {
   EXPECT_EQ("null", describeValues("-1.79e308\n1.79e308\n").text("standard_deviation"));
 }
 
-TEST(Describe, FilesThatCannotBeRead) {
-  const TempDir folder;
-  std::filesystem::create_directory(folder.file("d"));
-  std::filesystem::create_symlink("loop", folder.file("loop"));
-  writeBytes(folder.file("x.csv"), "a,b\n1,2\n3,x\n");
-  expectRefusals(folder, "describe",
+TEST_F(Describe, FilesThatCannotBeRead) {
+  std::filesystem::create_directory(path("d"));
+  std::filesystem::create_symlink("loop", path("loop"));
+  write("x.csv", "a,b\n1,2\n3,x\n");
+  expectRefusals("describe",
                  {{"none.asc", "none.asc cannot be opened: No such file or directory"},
                   {"d", "d is a directory, not a data file"},
                   {"loop", "loop cannot be opened: Too many levels of symbolic links"},
@@ -226,52 +206,44 @@ TEST(Describe, FilesThatCannotBeRead) {
                    "is left empty "
                    "or written NA, NAN or ###)"},
                   {"- <&-", "standard input cannot be opened: Bad file descriptor"}});
-  if (::geteuid() != 0) {
-    writeBytes(folder.file("secret"), ascText("1\n"));
-    std::filesystem::permissions(folder.file("secret"), std::filesystem::perms::none);
-    expectFailure(runZel(folder, "describe secret"), "secret cannot be opened: Permission denied");
-  }
 }
 
 #if !defined(__SANITIZE_ADDRESS__)  // which reserves address space without limit
-TEST(Describe, AnnouncedSizesAreNotAllocated) {
-  const TempDir folder;
-  writeBytes(folder.file("x.asc"), "c\n1\n2147483647\nFALSE FALSE FALSE\n1\n");
+TEST_F(Describe, AnnouncedSizesAreNotAllocated) {
+  write("x.asc", "c\n1\n2147483647\nFALSE FALSE FALSE\n1\n");
   expectFailure(
-      runZel(folder, "describe x.asc", "ulimit -v 1000000;"),
+      runZel("describe x.asc", "ulimit -v 1000000;"),
       "x.asc, line 5: the file ends here, after 1 of the 2147483647 rows announced in line 3");
-  writeBytes(folder.file("x.asc"), "c\n2147483647\n2147483647\nFALSE FALSE FALSE\n1\n");
-  expectFailure(runZel(folder, "describe x.asc", "ulimit -v 1000000;"),
+  write("x.asc", "c\n2147483647\n2147483647\nFALSE FALSE FALSE\n1\n");
+  expectFailure(runZel("describe x.asc", "ulimit -v 1000000;"),
                 "x.asc, line 5: the row has 1 of 2147483647 values");
 }
 #endif
 
 // What a file says must neither steer the terminal nor break the JSON.
-TEST(Describe, HostileTexts) {
-  const TempDir folder;
-  writeBytes(
-      folder.file("x.asc"),
+TEST_F(Describe, HostileTexts) {
+  write(
+      "x.asc",
       "\x1b]0;owned\x07 \"q\" \\ \xff \xc3\xa9 \xe2\x80\xae\n1\n1\nFALSE TRUE TRUE\n\"\x1b[31m\"\n"
       "\"\tr\" 7\n");
-  const ZelRun table = runZel(folder, "describe x.asc");
+  const ZelRun table = runZel("describe x.asc");
   EXPECT_EQ(0, table.status);
   EXPECT_EQ("x.asc: \\x1b[31m\n]0;owned \"q\" \\ \\xff \xc3\xa9 \\u202e\n",
             table.output.substr(0, table.output.find("\n\n") + 1));
   EXPECT_EQ(std::string::npos, table.output.find('\x1b'));
-  const JsonFields json(runZel(folder, "describe x.asc --json").output);
+  const JsonFields json = jsonOf("describe x.asc --json");
   EXPECT_EQ("]0;owned \"q\" \\ \xef\xbf\xbd \xc3\xa9 \xe2\x80\xae", json.text("comment"));
   EXPECT_EQ("\\u0009r", json.text("maximum_row_name"));
 }
 
-TEST(Describe, Arguments) {
-  const TempDir folder;
-  writeBytes(folder.file("x.asc"), ascText("1\n2\n"));
+TEST_F(Describe, Arguments) {
+  write("x.asc", ascText("1\n2\n"));
   for (const char* list : {"abc", "101", "-1", "nan", "5,", ""}) {
-    const ZelRun run = runZel(folder, std::string("describe x.asc --percentiles '") + list + '\'');
+    const ZelRun run = runZel(std::string("describe x.asc --percentiles '") + list + '\'');
     EXPECT_EQ(2, run.status) << list;
     EXPECT_EQ(1, std::count(run.errors.begin(), run.errors.end(), '\n')) << run.errors;
   }
-  expectRefusals(folder, "",
+  expectRefusals("",
                  {{"describe x.asc --bins 201",
                    "--bins: Value 201 not in range 1 to 200 (zel describe --help shows how)"},
                   {"describe", "FILE is required (zel describe --help shows how)"},
@@ -279,13 +251,11 @@ TEST(Describe, Arguments) {
                   {"describe x.asc >/dev/full",
                    "the result cannot be written to standard output: No space left on device"}});
   // A list of percentiles ends at its commas and leaves the file alone.
-  EXPECT_EQ(0, runZel(folder, "describe --percentiles 1,99 x.asc").status);
-  EXPECT_EQ(std::string::npos,
-            runZel(folder, "describe x.asc --no-histogram").output.find("Histogram"));
+  EXPECT_EQ(0, runZel("describe --percentiles 1,99 x.asc").status);
+  EXPECT_EQ(std::string::npos, runZel("describe x.asc --no-histogram").output.find("Histogram"));
 }
 
-TEST(Describe, HelpTeaches) {
-  const TempDir folder;
+TEST_F(Describe, HelpTeaches) {
   const std::pair<const char*, std::vector<std::string>> commands[] = {
       {"--help", {"describe ", "correlate "}},
       {"describe --help",
@@ -293,11 +263,11 @@ TEST(Describe, HelpTeaches) {
         "Examples:", "Exit status:", "NAN", "CSV", "ASC"}},
       {"correlate --help", {"--column", "--plot", "Pearson", "CSV", "Examples:", "Exit status:"}}};
   for (const auto& [command, words] : commands) {
-    const ZelRun run = runZel(folder, command);
+    const ZelRun run = runZel(command);
     EXPECT_EQ(0, run.status) << command;
     expectWords(run.output, words);
   }
-  EXPECT_TRUE(runZel(folder, "--version").output.starts_with("zel "));
+  EXPECT_TRUE(runZel("--version").output.starts_with("zel "));
 }
 
 }  // namespace

@@ -1,18 +1,14 @@
 // zel fit against R, and what it says.
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <string>
-#include <utility>
-
-#include "tests/tools/json_fields.h"
+#include "tests/support/testing.h"
 #include "tests/tools/run_zel.h"
 
 namespace zel_test {
 namespace {
 
+using Fit = ToolTest;
+
 // R 4.2.2: lm, anova, cor; of the power function exp() of the intercept and its error times that.
-TEST(Fit, RealDataAsR) {
+TEST_F(Fit, RealDataAsR) {
   const std::pair<const char*, std::string> fits[] = {
       {"faithful.csv' --x eruptions --y waiting", R"(
         coefficients/0/estimate 33.474397022753379
@@ -32,27 +28,19 @@ TEST(Fit, RealDataAsR) {
         coefficients/1/standard_error 0.014068792007282567
         coefficients/1/significance 4.2464775708050660e-103)"},
       {"longley.csv' --x GNP --y Employed --model centred:2", R"(
-        coefficients/0/estimate 65.505707225738789
-        coefficients/0/standard_error 0.23831789795343100
-        coefficients/0/significance 7.3826279748099598e-26
         coefficients/2/estimate -2.0374582629160573e-05
         coefficients/2/standard_error 1.8759829673562902e-05
-        coefficients/2/significance 0.29717475944099175  coefficients/3/name shift)"},
-      {"airquality.csv' --x Temp --y Ozone", R"(
-        coefficients/1/estimate 2.4287033048700324
-        coefficients/1/standard_error 0.23313184940166223
-        coefficients/1/significance 2.9318965924778349e-18  left_out 37)"}};
+        coefficients/2/significance 0.29717475944099175  coefficients/3/name shift)"}};
   for (const auto& [arguments, fields] : fits) {
     SCOPED_TRACE(arguments);
     const std::string command = std::string("fit '" ZEL_TEST_DATA "/").append(arguments);
-    expectFields(JsonFields(runZel(TempDir(), command + " --json").output), fields, 1e-11);
+    expectFields(jsonOf(command + " --json"), fields, 1e-11);
   }
 }
 
-TEST(Fit, TableOfASmallFile) {
-  const TempDir folder;
-  writeBytes(folder.file("x.csv"), "t,v\n1,2\n2,\n3,4\n4,7\n5,7\n");
-  const std::string table = runZel(folder, "fit x.csv --x t --y 2 --ascii").output;
+TEST_F(Fit, TableOfASmallFile) {
+  write("x.csv", "t,v\n1,2\n2,\n3,4\n4,7\n5,7\n");
+  const std::string table = runZel("fit x.csv --x t --y 2 --ascii").output;
   EXPECT_TRUE(table.starts_with(R"(x.csv: v over t, 4 rows, 1 more left out for missing values
 
   Model line: y = intercept + slope x
@@ -66,18 +54,17 @@ TEST(Fit, TableOfASmallFile) {
 }
 
 /// Every model draws its picture; the curve through exact data has no residuals.
-TEST(Fit, EveryModelAndItsPicture) {
-  const TempDir folder;
+TEST_F(Fit, EveryModelAndItsPicture) {
   std::string text = "x,y\n";
   for (int i = 0; i < 9; ++i) {
     const double x = 1 + i * 0.5;
     text += std::to_string(x) + ',' + std::to_string(std::exp(-(x - 3) * (x - 3) / 2)) + '\n';
   }
-  writeBytes(folder.file("x.csv"), text);
+  write("x.csv", text);
   for (const std::string model :
        {"line", "parabola", "poly:3", "centred:4", "circle", "log", "power", "exp", "recip",
         "recihyp", "recilog", "hyperbola", "hoerl", "gauss", "spline", "smooth --smoothing 0.1"}) {
-    const auto run = runZel(folder, "fit x.csv --x x --y y --plot x.svg --json --model " + model);
+    const auto run = runZel("fit x.csv --x x --y y --plot x.svg --json --model " + model);
     EXPECT_EQ("", run.errors) << model;
     const JsonFields json(run.output);
     if (model == "power") {
@@ -86,15 +73,14 @@ TEST(Fit, EveryModelAndItsPicture) {
     if (model == "gauss" || model == "spline") {
       EXPECT_NEAR(json.number("root_mean_square_residual"), 0, 1e-5) << model;
     }
-    EXPECT_TRUE(readBytes(folder.file("x.svg")).ends_with("</svg>\n\n")) << model;
+    EXPECT_TRUE(bytesOf("x.svg").ends_with("</svg>\n\n")) << model;
   }
 }
 
-TEST(Fit, Refusals) {
-  const TempDir folder;
-  writeBytes(folder.file("x.csv"), "a,b,c,s\n1,2,-1,u\n2,3,0,v\n3,5,4,v\n");
+TEST_F(Fit, Refusals) {
+  write("x.csv", "a,b,c,s\n1,2,-1,u\n2,3,0,v\n3,5,4,v\n");
   expectRefusals(
-      folder, "fit x.csv",
+      "fit x.csv",
       {{"--x a --y d", "--y: x.csv has no column \"d\", but these: 1 \"a\", 2 \"b\", 3 \"c\""},
        {"--x s --y a",
         "x.csv, line 2, column \"s\": \"u\" is not a number (a missing value is left empty or "

@@ -2,16 +2,7 @@
 /// A strict little JSON reader for tests.
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <cctype>
-#include <cmath>
-#include <cstdlib>
-#include <map>
-#include <sstream>
-#include <stdexcept>
-#include <string>
-#include <string_view>
+#include "tests/support/testing.h"
 
 namespace zel_test {
 
@@ -21,8 +12,7 @@ class JsonFields {
  public:
   explicit JsonFields(std::string_view text) : rest_(text) {
     value("");
-    blanks();
-    if (!rest_.empty()) fail("text after the value");
+    demand(next() == '\0' && rest_.empty());
   }
   [[nodiscard]] std::string text(const std::string& path) const {
     const auto found = leaves_.find(path);
@@ -33,34 +23,33 @@ class JsonFields {
   }
 
  private:
-  [[noreturn]] void fail(const std::string& why) const {
-    throw std::runtime_error("JSON: " + why + " before: " + std::string(rest_.substr(0, 40)));
+  void demand(bool isRight) const {
+    if (!isRight)
+      throw std::runtime_error("JSON wrong before: " + std::string(rest_.substr(0, 40)));
   }
-  void blanks() {
-    while (!rest_.empty() && (rest_[0] == ' ' || rest_[0] == '\n')) rest_.remove_prefix(1);
+  /// What follows the blanks.
+  char next() {
+    rest_.remove_prefix(std::min(rest_.find_first_not_of(" \n"), rest_.size()));
+    return rest_.empty() ? '\0' : rest_[0];
   }
   bool take(char c) {
-    blanks();
-    if (rest_.empty() || rest_[0] != c) return false;
+    if (next() != c) return false;
     rest_.remove_prefix(1);
     return true;
   }
   std::string string() {
-    if (!take('"')) fail("no string");
+    demand(take('"'));
     std::string result;
     for (; !rest_.empty() && rest_[0] != '"'; rest_.remove_prefix(1)) {
-      if (static_cast<unsigned char>(rest_[0]) < 0x20) fail("control character");
+      demand(static_cast<unsigned char>(rest_[0]) >= 0x20);
       if (rest_[0] == '\\') {
-        if (rest_.size() < 2 ||
-            std::string_view("\"\\u").find(rest_[1]) == std::string_view::npos) {
-          fail("escape");
-        }
+        demand(rest_.size() > 1 && std::string_view("\"\\u").find(rest_[1]) < 3);
         if (rest_[1] == 'u') result += '\\';
         rest_.remove_prefix(1);
       }
       result += rest_[0];
     }
-    if (!take('"')) fail("open string");
+    demand(take('"'));
     return result;
   }
   void members(const std::string& path, char end, bool named) {
@@ -70,17 +59,16 @@ class JsonFields {
       std::string key = std::to_string(index++);
       if (named) {
         key = string();
-        if (!take(':')) fail("no colon");
+        demand(take(':'));
       }
       value(path.empty() ? key : path + '/' + key);
     } while (take(','));
-    if (!take(end)) fail("no end");
+    demand(take(end));
   }
   void value(const std::string& path) {
-    blanks();
     if (take('{')) return members(path, '}', true);
     if (take('[')) return members(path, ']', false);
-    if (!rest_.empty() && rest_[0] == '"') {
+    if (next() == '"') {
       leaves_[path] = string();
       return;
     }
@@ -88,7 +76,7 @@ class JsonFields {
     char* end = nullptr;
     std::strtod(word.c_str(), &end);
     const bool digits = !word.empty() && (word[0] == '-' || std::isdigit(word[0])) && *end == '\0';
-    if (word != "null" && !digits) fail("no value");
+    demand(word == "null" || digits);
     leaves_[path] = word;
     rest_.remove_prefix(word.size());
   }

@@ -1,30 +1,26 @@
 // zel pca against R, and what it says.
-#include <gtest/gtest.h>
-
-#include <string>
-
-#include "tests/tools/json_fields.h"
+#include "tests/support/testing.h"
 #include "tests/tools/run_zel.h"
 
 namespace zel_test {
 namespace {
 
+using Pca = ToolTest;
+
 // R 4.2.2: prcomp(USArrests, scale. = TRUE), prcomp(USArrests)
-TEST(Pca, RealDataAsR) {
-  const TempDir folder;
+TEST_F(Pca, RealDataAsR) {
   const std::string command = "pca '" ZEL_TEST_DATA "/USArrests.csv' --json";
-  expectFields(JsonFields(runZel(folder, command).output),
+  expectFields(jsonOf(command),
                "eigenvalues/0 2.48024157914949406 explained/3 0.0433575219324588340 cumulative/3 1 "
                "loadings/0/1 0.58318363490967051 loadings/0/3 0.54343209144568294",
                1e-15);
-  expectFields(JsonFields(runZel(folder, command + " --mode covariance").output),
+  expectFields(jsonOf(command + " --mode covariance"),
                "eigenvalues/0 7011.1148510236034781 eigenvalues/3 6.1642461841632024", 1e-13);
 }
 
-TEST(Pca, TableAndPicture) {
-  const TempDir folder;
-  const auto run = runZel(
-      folder, "pca '" ZEL_TEST_DATA "/iris.csv' --mode covariance --color Species --plot x.svg");
+TEST_F(Pca, TableAndPicture) {
+  const auto run =
+      runZel("pca '" ZEL_TEST_DATA "/iris.csv' --mode covariance --color Species --plot x.svg");
   EXPECT_EQ("", run.errors) << "Species is not left out, it colours";
   expectWords(run.output, {R"(
   Principal components of the covariances, n = 150
@@ -40,27 +36,21 @@ TEST(Pca, TableAndPicture) {
                     PC1      PC2      PC3      PC4
   Sepal.Length   0.3614   0.6566  -0.5820   0.3155
 )"});
-  expectWords(readBytes(folder.file("x.svg")),
-              {"setosa", "virginica", "Petal.Width", "92.5 % of the variance"});
-  writeBytes(folder.file("x.csv"), "a,b,c\n1,2,\n2,1,7\n4,4,6\n5,7,6\n3,3,7\n");
-  EXPECT_EQ("1", JsonFields(runZel(folder, "pca x.csv --json").output).text("left_out"));
-  EXPECT_EQ("2", JsonFields(runZel(folder, "pca x.csv --color c --plot y.svg --json").output)
-                     .text("variables/1/column"));
-  expectWords(readBytes(folder.file("y.svg")), {"(missing)"});
-  writeBytes(folder.file("x.asc"),
-             "c\n3\n4\nFALSE TRUE FALSE\na b g\n1 2 1\n2 1 1\n4 4 2\n5 7 2\n");
-  EXPECT_EQ(
-      "(absent)",
-      JsonFields(runZel(folder, "pca x.asc --color g --json").output).text("variables/2/name"))
+  expectWords(bytesOf("x.svg"), {"setosa", "virginica", "Petal.Width", "92.5 % of the variance"});
+  write("x.csv", "a,b,c\n1,2,\n2,1,7\n4,4,6\n5,7,6\n3,3,7\n");
+  EXPECT_EQ("1", jsonOf("pca x.csv --json").text("left_out"));
+  EXPECT_EQ("2", jsonOf("pca x.csv --color c --plot y.svg --json").text("variables/1/column"));
+  expectWords(bytesOf("y.svg"), {"(missing)"});
+  write("x.asc", "c\n3\n4\nFALSE TRUE FALSE\na b g\n1 2 1\n2 1 1\n4 4 2\n5 7 2\n");
+  EXPECT_EQ("(absent)", jsonOf("pca x.asc --color g --json").text("variables/2/name"))
       << "what colours is no variable, whatever the file";
 }
 
-TEST(Pca, Refusals) {
-  const TempDir folder;
-  writeBytes(folder.file("x.csv"), "a,b,c,s\n1,2,4,u\n2,3,4,v\n3,5,4,v\n");
-  writeBytes(folder.file("few.csv"), "a,b\n1,\n,3\n4,5\n");
+TEST_F(Pca, Refusals) {
+  write("x.csv", "a,b,c,s\n1,2,4,u\n2,3,4,v\n3,5,4,v\n");
+  write("few.csv", "a,b\n1,\n,3\n4,5\n");
   expectRefusals(
-      folder, "pca",
+      "pca",
       {{"x.csv",
         "x.csv, column \"c\": it is constant and so has no correlations (--column leaves it out, "
         "--mode covariance takes it)"},

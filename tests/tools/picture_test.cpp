@@ -1,9 +1,7 @@
 // Pictures: they are complete, or they are not there.
-#include <gtest/gtest.h>
-
 #include <filesystem>
-#include <string>
 
+#include "tests/support/testing.h"
 #include "tests/tools/run_zel.h"
 
 namespace zel_test {
@@ -12,51 +10,51 @@ namespace {
 const std::string kDescribe = "describe '" ZEL_TEST_DATA "/sunspots.asc'";
 const std::string kSunspots = kDescribe + " --plot ";
 
-/// The picture that a command draws, which must be whole; nothing else is left behind.
-std::string drawn(const TempDir& folder, const std::string& command, const std::string& name) {
-  const auto before = folder.count();
-  const ZelRun run = runZel(folder, command + " --plot " + name);
-  EXPECT_EQ(0, run.status) << command << run.errors;
-  EXPECT_EQ(before + 1, folder.count());
-  const std::string bytes = readBytes(folder.file(name));
-  if (name.ends_with(".png")) {
-    EXPECT_GT(bytes.size(), 5000U);
-    EXPECT_EQ("\x89PNG\r\n\x1a\n", bytes.substr(0, 8));
-    EXPECT_EQ("IEND", bytes.substr(bytes.size() - 8, 4));
-  } else {
-    EXPECT_TRUE(bytes.starts_with("<?xml"));
-    expectWords(bytes, {"</svg>"});
+class Picture : public ToolTest {
+ protected:
+  /// The picture that a command draws, which must be whole; nothing else is left behind.
+  std::string drawn(const std::string& command, const std::string& name) const {
+    const auto before = folder.count();
+    const ZelRun run = runZel(command + " --plot " + name);
+    EXPECT_EQ(0, run.status) << command << run.errors;
+    EXPECT_EQ(before + 1, folder.count());
+    const std::string bytes = bytesOf(name);
+    if (name.ends_with(".png")) {
+      EXPECT_GT(bytes.size(), 5000U);
+      EXPECT_EQ("\x89PNG\r\n\x1a\n", bytes.substr(0, 8));
+      EXPECT_EQ("IEND", bytes.substr(bytes.size() - 8, 4));
+    } else {
+      EXPECT_TRUE(bytes.starts_with("<?xml"));
+      expectWords(bytes, {"</svg>"});
+    }
+    std::filesystem::remove(path(name));
+    return bytes;
   }
-  std::filesystem::remove(folder.file(name));
-  return bytes;
-}
+};
 
-TEST(Picture, PngAndSvg) {
-  const TempDir folder;
-  EXPECT_TRUE(runZel(folder, kSunspots + "s.png").output.ends_with("\n  Picture: s.png\n"));
-  std::filesystem::remove(folder.file("s.png"));
+TEST_F(Picture, PngAndSvg) {
+  EXPECT_TRUE(runZel(kSunspots + "s.png").output.ends_with("\n  Picture: s.png\n"));
+  std::filesystem::remove(path("s.png"));
   EXPECT_EQ(std::string("\0\0\x06\x40\0\0\x04\xb0", 8),
-            drawn(folder, kDescribe, "s.png").substr(16, 8));  // 1600 x 1200
-  expectWords(drawn(folder, kDescribe + " --json", "S.SVG"), {"upper quartile 68.95"});
+            drawn(kDescribe, "s.png").substr(16, 8));  // 1600 x 1200
+  expectWords(drawn(kDescribe + " --json", "S.SVG"), {"upper quartile 68.95"});
 }
 
-TEST(Picture, AwkwardData) {
-  const TempDir folder;
+TEST_F(Picture, AwkwardData) {
   std::string many;
   for (int i = 0; i < 50000; ++i) many += i % 1000 < 3 ? "NAN\n" : std::to_string(i % 777) + '\n';
   for (const std::string& values :
        {std::string("5\n"), std::string("NAN\n0.1\n0.1\n"), std::string("1e300\n-1e300\n"),
         std::string("1e-310\n3e-310\n"), std::string("1000000001\n1000000002\n"), many}) {
-    writeBytes(folder.file("x.asc"), ascText(values));
-    drawn(folder, "describe x.asc", "x.png");
+    write("x.asc", ascText(values));
+    drawn("describe x.asc", "x.png");
   }
   // A line cannot show more than its stretches; the script must not grow with the data.
-  EXPECT_LT(drawn(folder, "describe x.asc", "x.svg").size(), 200000U);
+  EXPECT_LT(drawn("describe x.asc", "x.svg").size(), 200000U);
 }
 
 // Many variables, and some for which there is nothing to draw.
-TEST(Picture, OfSeveralVariables) {
-  const TempDir folder;
+TEST_F(Picture, OfSeveralVariables) {
   std::string names = "const,none,one,huge";
   std::string rows[3] = {"5,,1,-1e308", "5,,,1.7e308", "5,,,0"};
   const auto grow = [&](int from, int to) {
@@ -64,70 +62,64 @@ TEST(Picture, OfSeveralVariables) {
       names += ",x" + std::to_string(i);
       for (int r = 0; r < 3; ++r) rows[r] += ',' + std::to_string((i + 1) * (r + 2) % 7);
     }
-    writeBytes(folder.file("x.csv"),
-               names + '\n' + rows[0] + '\n' + rows[1] + '\n' + rows[2] + '\n');
+    write("x.csv", names + '\n' + rows[0] + '\n' + rows[1] + '\n' + rows[2] + '\n');
   };
-  const auto draw = [&](const std::string& command) { drawn(folder, command + " x.csv", "x.png"); };
   const auto expectTooMany = [&](const std::string& command, const std::string& numbers) {
     expectFailure(
-        runZel(folder, command + " x.csv --plot x.png"),
+        runZel(command + " x.csv --plot x.png"),
         "the picture x.png was not written: it has room for " + numbers + " (--column chooses)");
   };
   grow(0, 1);
-  draw("describe");
-  draw("describe --column 1,2");
-  for (const char* columns : {"1,2", "3,4", "5,5,1", "4,5"}) {
-    draw("correlate --column " + std::string(columns));
+  for (const std::string command :
+       {"describe", "describe --column 1,2", "correlate --column 1,2", "correlate --column 3,4",
+        "correlate --column 5,5,1", "correlate --column 4,5"}) {
+    drawn(command + " x.csv", "x.png");
   }
   grow(1, 40);
   expectTooMany("describe", "40 variables, not 44");
-  draw("correlate");
+  drawn("correlate x.csv", "x.png");
   grow(40, 97);
   expectTooMany("correlate", "100 variables, not 101");
 
-  expectWords(drawn(folder, "correlate '" ZEL_TEST_DATA "/iris.csv'", "i.svg"),
+  expectWords(drawn("correlate '" ZEL_TEST_DATA "/iris.csv'", "i.svg"),
               {"iris.csv", "n = 150", "Petal.Length", "−0.43", "0.96"});
 }
 
 // Categories with long names, without values, with values that cannot be drawn.
-TEST(Picture, ByCategory) {
-  const TempDir folder;
-  writeBytes(folder.file("x.csv"),
-             "k,x,big,none,one\n\"it's `touch a`, a long name\",1,1e308,,INF\nb,2,-1e308,,2\n"
-             "b,3,1,,2\nc,4,,,\n,5,,,5\n");
-  expectWords(drawn(folder, "describe x.csv --by k", "x.svg"),
+TEST_F(Picture, ByCategory) {
+  write("x.csv",
+        "k,x,big,none,one\n\"it's `touch a`, a long name\",1,1e308,,INF\nb,2,-1e308,,2\n"
+        "b,3,1,,2\nc,4,,,\n,5,,,5\n");
+  expectWords(drawn("describe x.csv --by k", "x.svg"),
               {"x.csv", "By k. Boxes", "n = 2", "none: nothing to draw", "it's `tou"});
   std::string many = "k,x\n";
   for (int i = 0; i < 82; ++i) many += std::to_string(i / 2) + ",1\n";
-  writeBytes(folder.file("x.csv"), many);
-  expectFailure(runZel(folder, "describe x.csv --by k --plot x.png"),
+  write("x.csv", many);
+  expectFailure(runZel("describe x.csv --by k --plot x.png"),
                 "the picture x.png was not written: it has room for 40 categories, not 41");
 }
 
 // Texts of the file are shown, never run.
-TEST(Picture, TextsAreNoCommands) {
-  const TempDir folder;
+TEST_F(Picture, TextsAreNoCommands) {
   const std::string evil = "it's `touch a` '; system('touch b'); # {/Bold x}_y";
   const std::string name = "`touch c`$'\\n';!touch d";
-  writeBytes(folder.file("x.asc"),
-             evil + "\n2\n2\nFALSE TRUE FALSE\n\"" + name + "\" \"" + name + "\"\n1 2\n2 3\n");
+  write("x.asc", evil + "\n2\n2\nFALSE TRUE FALSE\n\"" + name + "\" \"" + name + "\"\n1 2\n2 3\n");
   for (const char* command : {"describe --column 1", "describe", "correlate"}) {
-    expectWords(drawn(folder, std::string(command) + " x.asc", "x.svg"), {evil, name});
+    expectWords(drawn(std::string(command) + " x.asc", "x.svg"), {evil, name});
   }
 }
 
-TEST(Picture, FailuresLeaveNothing) {
-  const TempDir folder;
-  writeBytes(folder.file("old.png"), "the old picture");
-  std::filesystem::create_directory(folder.file("d.png"));
-  std::filesystem::create_directory(folder.file("fake"));
-  std::filesystem::create_symlink("/dev/full", folder.file("full.png"));
-  std::filesystem::create_symlink("old.png", folder.file("link.png"));
-  writeBytes(folder.file("none.asc"), ascText("NAN\n"));
+TEST_F(Picture, FailuresLeaveNothing) {
+  write("old.png", "the old picture");
+  std::filesystem::create_directory(path("d.png"));
+  std::filesystem::create_directory(path("fake"));
+  std::filesystem::create_symlink("/dev/full", path("full.png"));
+  std::filesystem::create_symlink("old.png", path("link.png"));
+  write("none.asc", ascText("NAN\n"));
   const auto expectFailure = [&](const std::string& arguments, const std::string& before,
                                  const std::string& sentence) {
-    zel_test::expectFailure(runZel(folder, arguments, before), "the picture " + sentence);
-    EXPECT_EQ("the old picture", readBytes(folder.file("old.png")));
+    zel_test::expectFailure(runZel(arguments, before), "the picture " + sentence);
+    EXPECT_EQ("the old picture", bytesOf("old.png"));
     EXPECT_EQ(6, folder.count());
   };
   const std::string old = "old.png was not written: ";
@@ -146,8 +138,8 @@ TEST(Picture, FailuresLeaveNothing) {
       old + "the program gnuplot, which draws it, cannot be started (No such file or directory)");
 
   const auto fakeGnuplot = [&](const std::string& script) {
-    writeBytes(folder.file("fake/gnuplot"), "#!/bin/sh\n" + script + '\n');
-    std::filesystem::permissions(folder.file("fake/gnuplot"), std::filesystem::perms::owner_all);
+    write("fake/gnuplot", "#!/bin/sh\n" + script + '\n');
+    std::filesystem::permissions(path("fake/gnuplot"), std::filesystem::perms::owner_all);
   };
   const std::string usingFake = "PATH=\"$PWD/fake:$PATH\";";
   fakeGnuplot("echo 'line 7: no such terminal' >&2; exit 3");

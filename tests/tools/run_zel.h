@@ -2,16 +2,10 @@
 /// Runs the program zel as a user does.
 #pragma once
 
-#include <gtest/gtest.h>
 #include <sys/wait.h>
 
-#include <algorithm>
-#include <cstdlib>
-#include <string>
-#include <utility>
-#include <vector>
-
-#include "tests/base/temp_dir.h"
+#include "tests/support/testing.h"
+#include "tests/tools/json_fields.h"
 
 namespace zel_test {
 
@@ -21,20 +15,6 @@ struct ZelRun {
   std::string output;
   std::string errors;
 };
-
-/// Runs zel in a folder through the shell.
-/// @param arguments  shell words; redirections overrule those to the result
-/// @param before     shell commands that prepare the run: "PATH=fake; ulimit -f 8;"
-inline ZelRun runZel(const TempDir& folder, const std::string& arguments,
-                     const std::string& before = "") {
-  const TempDir results;
-  const std::string command = "cd '" + folder.file("") + "' && { " + before +
-                              " '" ZEL_PROGRAM "' " + "<&0 >'" + results.file("out") + "' 2>'" +
-                              results.file("err") + "' " + arguments + "; }";
-  const int status = std::system(command.c_str());
-  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, readBytes(results.file("out")),
-          readBytes(results.file("err"))};
-}
 
 /// The program failed with one line on standard error and printed nothing else.
 inline void expectFailure(const ZelRun& run, const std::string& sentence) {
@@ -46,13 +26,6 @@ inline void expectFailure(const ZelRun& run, const std::string& sentence) {
 /// Words of arguments with the sentences that refuse them.
 using Refusals = std::vector<std::pair<std::string, const char*>>;
 
-inline void expectRefusals(const TempDir& folder, const std::string& command,
-                           const Refusals& refusals) {
-  for (const auto& [arguments, sentence] : refusals) {
-    expectFailure(runZel(folder, command + ' ' + arguments), sentence);
-  }
-}
-
 inline void expectWords(const std::string& text, const std::vector<std::string>& words) {
   for (const std::string& word : words) EXPECT_NE(std::string::npos, text.find(word)) << word;
 }
@@ -63,5 +36,29 @@ inline std::string ascText(const std::string& values) {
          std::to_string(std::count(values.begin(), values.end(), '\n')) +
          "\t;nr. of rows\nFALSE FALSE FALSE FALSE\t;flags\n" + values;
 }
+
+/// A test of the program, which runs in a folder of its own.
+class ToolTest : public InFolder {
+ protected:
+  /// Runs zel through the shell.
+  /// @param arguments  shell words; redirections overrule those to the result
+  /// @param before     shell commands that prepare the run: "PATH=fake; ulimit -f 8;"
+  [[nodiscard]] ZelRun runZel(const std::string& arguments, const std::string& before = "") const {
+    const TempDir results;
+    const std::string out = results.file("out"), errors = results.file("err");
+    const std::string command = "cd '" + path("") + "' && { " + before + " '" ZEL_PROGRAM "' " +
+                                "<&0 >'" + out + "' 2>'" + errors + "' " + arguments + "; }";
+    const int status = std::system(command.c_str());
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, readBytes(out), readBytes(errors)};
+  }
+  [[nodiscard]] JsonFields jsonOf(const std::string& arguments) const {
+    return JsonFields(runZel(arguments).output);
+  }
+  void expectRefusals(const std::string& command, const Refusals& refusals) const {
+    for (const auto& [arguments, sentence] : refusals) {
+      expectFailure(runZel(command + ' ' + arguments), sentence);
+    }
+  }
+};
 
 }  // namespace zel_test

@@ -1,10 +1,7 @@
 // Objects on several threads share the factors of the Fourier transform.
-#include <array>
-#include <cstddef>
 #include <thread>
 
-#include <gtest/gtest.h>
-
+#include "tests/support/testing.h"
 #include "zel/transforms/Zel_fourier.h"
 
 namespace zel {

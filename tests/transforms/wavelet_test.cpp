@@ -1,17 +1,5 @@
 // The wavelet transform against its definition, written down once more, and its invariants.
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <bit>
-#include <climits>
-#include <cmath>
-#include <limits>
-#include <numeric>
-#include <random>
-#include <vector>
-
-#include "tests/support/expect_message.h"
-#include "tests/support/failing_storage.h"
+#include "tests/support/testing.h"
 #include "zel/transforms/Zel_wavelet.h"
 
 namespace {
@@ -105,23 +93,18 @@ TEST(Wavelet, IsItsDefinition) {
   }
 }
 
-TEST(Wavelet, PeriodicTransformsAreOrthogonal) {
+TEST(Wavelet, FiltersAreOrthogonal) {
   TWavelet1D W;
   for (int order = 1; order <= 3; ++order) {
     W.SetOrder(order);
-    for (const int n : {1, 2, 4, 8, 64, 4096}) {
-      fill(W, n);
-      const Signal x = valuesOf(W);
-      const int levels = static_cast<int>(std::bit_width(static_cast<unsigned>(n))) - 1;
-      W.Transform(levels);
-      const auto squares = [](const Signal& v) {
-        Extended sum = 0;
-        for (const Extended value : v) sum += value * value;
-        return sum;
-      };
-      EXPECT_NEAR(static_cast<double>(squares(valuesOf(W)) / squares(x)), 1, 5e-15);
-      W.InverseTransform(levels);
-      EXPECT_TRUE(near(valuesOf(W), x, 5e-15L)) << "order " << order << ", n " << n;
+    const std::size_t taps = 2 * static_cast<std::size_t>(order);
+    for (std::size_t shift = 0; shift < taps; shift += 2) {
+      Extended low = shift == 0 ? -1 : 0, high = low;
+      for (std::size_t k = shift; k < taps; ++k) {
+        low += W.LowPass()[k] * W.LowPass()[k - shift];
+        high += W.HighPass()[k] * W.HighPass()[k - shift];
+      }
+      EXPECT_LE(std::abs(low) + std::abs(high), 5e-16L) << order << " " << shift;
     }
   }
 }
@@ -138,9 +121,6 @@ TEST(Wavelet, PolynomialsHaveNoDetails) {
     W.Transform(1);
     EXPECT_EQ(std::abs(W.GetDataVal(17)) > 1e-6, order > 1) << order;
     for (int i = 16 + order; i <= 32; ++i) EXPECT_NEAR(W.GetDataVal(i), 0, 1e-14) << order;
-    const auto h = W.LowPass();
-    EXPECT_NEAR(static_cast<double>(std::accumulate(h.begin(), h.end(), Extended{0})), std::sqrt(2),
-                1e-15);
     EXPECT_EQ(W.GetDataVal(0) + W.GetDataVal(33), 0) << "outside";
   }
 }

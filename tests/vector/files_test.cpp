@@ -1,30 +1,17 @@
-#include <climits>
-#include <memory>
-#include <sstream>
-
-#include "tests/base/temp_dir.h"
-#include "tests/support/containers.h"
+#include "tests/support/testing.h"
 #include "zel/vector/Zel_vector.h"
 
-namespace zel {
+namespace zel::test {
 namespace {
 
-using test::contents;
-using test::Events;
 using Values = std::vector<double>;
 
-class VectorFiles : public ::testing::Test {
+class VectorFiles : public zel_test::InFolder {
  protected:
-  [[nodiscard]] std::string path(const std::string& name) const { return folder_.file(name); }
   [[nodiscard]] std::string file(const std::string& text) const {
-    zel_test::writeBytes(path("in"), text);
+    write("in", text);
     return path("in");
   }
-  [[nodiscard]] static std::string text(const std::string& name) {
-    return zel_test::readBytes(name);
-  }
-
-  const zel_test::TempDir folder_;
 };
 
 template <class V>
@@ -99,25 +86,25 @@ TEST_F(VectorFiles, NumberFilesFollowThePrecision) {
   const std::string name = path("numbers");
   TVector v{1.5, -2, 1.0 / 3};
   EXPECT_TRUE(v.StoreOnFile(1, 3, -5, name));
-  EXPECT_EQ(text(name), "1 3\n1.50\n-2.00\n0.33\n");
+  EXPECT_EQ(zel_test::readBytes(name), "1 3\n1.50\n-2.00\n0.33\n");
   EXPECT_TRUE(v.StoreOnFile(3, 1, 25, name));
-  EXPECT_EQ(text(name),
+  EXPECT_EQ(zel_test::readBytes(name),
             "1 3\n1.50000000000000000000\n-2.00000000000000000000\n0.33333333333333331483\n");
   EXPECT_TRUE(v.StoreOnFile(2, 9, 0, name));
-  EXPECT_EQ(text(name), "2 3\n-2\n0\n");
+  EXPECT_EQ(zel_test::readBytes(name), "2 3\n-2\n0\n");
   EXPECT_TRUE(v.StoreOnFile(0, 0, -1, name));
-  EXPECT_EQ(text(name), "1 3\n 1.50000E+000\n-2.00000E+000\n 3.33333E-001\n");
+  EXPECT_EQ(zel_test::readBytes(name), "1 3\n 1.50000E+000\n-2.00000E+000\n 3.33333E-001\n");
   EXPECT_TRUE(v.StoreOnFile(0, 0, -2, name));
-  EXPECT_EQ(text(name).size(), 4 + 3 * 27U);
+  EXPECT_EQ(zel_test::readBytes(name).size(), 4 + 3 * 27U);
   TVector w;
   EXPECT_TRUE(w.LoadFromFile(name, true));
   EXPECT_EQ(w.CRCofData(), v.CRCofData()) << "26 characters hold a double exactly";
 
   TIntVector k{4, 5, 6};
   EXPECT_TRUE(k.StoreOnFile(0, 0, name));
-  EXPECT_EQ(text(name), "1 0\n") << "the integer form does not know (0, 0)";
+  EXPECT_EQ(zel_test::readBytes(name), "1 0\n") << "the integer form does not know (0, 0)";
   EXPECT_TRUE(k.StoreOnFile(9, -4, name));
-  EXPECT_EQ(text(name), "1 3\n4\n5\n6\n");
+  EXPECT_EQ(zel_test::readBytes(name), "1 3\n4\n5\n6\n");
   EXPECT_FALSE(v.StoreOnFile(0, 0, 2, path("no/such/folder")));
   EXPECT_TRUE(v.StoreOnFile(0, 0, 2, "/dev/full")) << "the file could be created";
 }
@@ -162,13 +149,14 @@ TEST_F(VectorFiles, AscFilesHaveTheirForm) {
   const std::string name = path("a.asc");
   TVector v{1.5, -2};
   EXPECT_EQ(v.ExportAsASC(name, 3, ""), 0);
-  EXPECT_EQ(text(name), "Exported by ZEL TVector component: " + name +
-                            "\n1\t;nr. of columns\n2\t;nr. of rows\nFALSE FALSE FALSE FALSE\t"
-                            ";row attributes, column names, row names, nominal variables\n"
-                            "       1.500\n      -2.000\n");
+  EXPECT_EQ(zel_test::readBytes(name),
+            "Exported by ZEL TVector component: " + name +
+                "\n1\t;nr. of columns\n2\t;nr. of rows\nFALSE FALSE FALSE FALSE\t"
+                ";row attributes, column names, row names, nominal variables\n"
+                "       1.500\n      -2.000\n");
   TIntVector k{-7};
   EXPECT_EQ(k.ExportAsASC(name, "two\nlines"), 0);
-  EXPECT_EQ(text(name),
+  EXPECT_EQ(zel_test::readBytes(name),
             "two lines\n1\t;nr. of columns\n1\t;nr. of rows\nFALSE FALSE FALSE FALSE\t"
             ";row attributes, column names, row names, nominal variables\n-7\n");
   EXPECT_EQ(v.ExportAsASC(path("no/such/folder"), 3, ""), -1);
@@ -223,4 +211,4 @@ TEST_F(VectorFiles, AscErrorsAreTold) {
 }
 
 }  // namespace
-}  // namespace zel
+}  // namespace zel::test

@@ -1,13 +1,7 @@
-#include <climits>
-#include <cmath>
-#include <limits>
-#include <random>
-
-#include "tests/support/containers.h"
-#include "tests/support/expect_message.h"
+#include "tests/support/testing.h"
 #include "zel/vector/Zel_vector.h"
 
-namespace zel {
+namespace zel::test {
 namespace {
 
 template <class V>
@@ -57,55 +51,36 @@ TYPED_TEST(VectorStatistics, ModeAndDichotomy) {
   EXPECT_EQ((TypeParam{3, 1, 3, 2, 2}.Mode(0, 0)), 2);
   EXPECT_EQ((TypeParam{3, 1, 3, 2, 2}.Mode(1, 4)), 3);
   using T = typename TypeParam::value_type;
-  struct Case {
-    std::vector<T> values;
-    bool dichotomous;
-    T first, second;
-  };
-  for (const auto& [values, dichotomous, first, second] :
-       std::vector<Case>{{{5}, false, 0, 0},
-                         {{5, 5, 5}, true, 5, 5},
-                         {{5, 5, 3}, true, 5, 3},
-                         {{5, 3, 5, 3}, true, 5, 3},
-                         {{5, 3, 5, 4}, false, 5, 3}}) {
+  const std::tuple<std::vector<T>, bool, T, T> cases[] = {{{5}, false, 0, 0},
+                                                          {{5, 5, 5}, true, 5, 5},
+                                                          {{5, 5, 3}, true, 5, 3},
+                                                          {{5, 3, 5, 3}, true, 5, 3},
+                                                          {{5, 3, 5, 4}, false, 5, 3}};
+  for (const auto& [values, dichotomous, first, second] : cases) {
     T a = 7, b = 7;
     EXPECT_EQ(TypeParam(values).IsDichotomous(a, b), dichotomous);
     EXPECT_TRUE(a == first && b == second) << a << ' ' << b;
   }
 }
 
+/// By selection, in one step each; by sorts while somebody listens, which report their passes.
 TYPED_TEST(VectorStatistics, PercentilesAndQuartilesFollowTheirOwnRules) {
-  TypeParam v{9, 4, 1, 3, 2};
-  double q1 = 0, q2 = 0, q3 = 0;
-  EXPECT_EQ(v.Percentile(50, 2, 5), 2.5);
-  EXPECT_TRUE(v.Quartiles(2, 5, q1, q2, q3));
-  EXPECT_TRUE(q1 == 1.25 && q2 == 2.5 && q3 == 3.75);
-  EXPECT_EQ(v.GetVal(1), 9) << "statistics leave the vector alone";
-}
-
-TYPED_TEST(VectorStatistics, OrderStatisticsAreTheSameWithAListener) {
-  std::mt19937 random(11);
-  TypeParam v;
-  v.Resize(1000);
-  for (int i = 1; i <= 1000; ++i) {
-    v.SetVal(i, static_cast<typename TypeParam::value_type>(random() % 300));
-  }
   static int steps;
   steps = 0;
-  ProcStat = 0;
-  double results[2][4];
-  for (auto& [percentile, q1, q2, q3] : results) {
-    v.Quartiles(0, 0, q1, q2, q3);
-    percentile = v.Percentile(33.3, 3, 977);
-    if (!MathFeedBackProc) {
-      EXPECT_EQ(ProcStat, 2) << "one step for each";
-      MathFeedBackProc = [](double) { ++steps; };
-    }
+  TypeParam v{9, 4, 1, 3, 2};
+  for (const TMathFeedBackProc listener : {TMathFeedBackProc{}, +[](double) { ++steps; }}) {
+    MathFeedBackProc = listener;
+    ProcStat = 0;
+    double q1 = 0, q2 = 0, q3 = 0;
+    EXPECT_EQ(v.Percentile(50, 2, 5), 2.5);
+    EXPECT_TRUE(v.Quartiles(2, 5, q1, q2, q3));
+    EXPECT_TRUE(q1 == 1.25 && q2 == 2.5 && q3 == 3.75);
+    EXPECT_EQ(ProcStat, listener ? steps : 2);
+    EXPECT_EQ(v.GetVal(1), 9) << "statistics leave the vector alone";
+    EXPECT_EQ(v.GetVal(2), 4);
   }
   MathFeedBackProc = nullptr;
-  EXPECT_TRUE(std::equal(results[0], results[1], results[1]));
-  EXPECT_EQ(ProcStat, steps + 2);
-  EXPECT_GT(steps, 40) << "each sort makes more than 20 passes";
+  EXPECT_GT(steps, 4);
 }
 
 TYPED_TEST(VectorStatistics, ProductsAndCorrelation) {
@@ -140,16 +115,13 @@ TYPED_TEST(VectorStatistics, HistogramBins) {
   const auto histogram = [&](int low, int high, T last, T width, TIntVector* into) {
     return v.Histogram(low, high, 0, last, width, into, counts[0], counts[1], counts[2]);
   };
-  struct Case {
-    int low, high;
-    std::vector<int> bins, counts;  // counts: underflow, overflow, most
-  };
-  for (const auto& [low, high, bins, expected] : std::vector<Case>{{1, 4, {1, 1, 1}, {0, 1, 1}},
-                                                                   {1, 8, {4, 1, 1}, {1, 1, 4}},
-                                                                   {4, 1, {0, 0, 0}, {0, 0, 0}}}) {
+  for (const auto& [low, high, bins, expected] :
+       {std::tuple(1, 4, std::vector{1, 1, 1}, std::vector{0, 1, 1}),
+        {1, 8, {4, 1, 1}, {1, 1, 4}},
+        {4, 1, {0, 0, 0}, {0, 0, 0}}}) {
     EXPECT_TRUE(histogram(low, high, 2, 1, &histo));
-    EXPECT_EQ(test::contents(histo), bins);
-    EXPECT_EQ(std::vector<int>(counts, counts + 3), expected);
+    EXPECT_EQ(contents(histo), bins);
+    EXPECT_EQ(std::vector<int>(counts, counts + 3), expected) << "underflow, overflow, most";
   }
   EXPECT_FALSE(histogram(1, 4, 2, 1, nullptr));
   if constexpr (isReal) {
@@ -162,7 +134,7 @@ TYPED_TEST(VectorStatistics, HistogramBins) {
   EXPECT_EQ(histo.NrOfElem(), 3);
   EXPECT_TRUE(histogram(1, 4, 499, 1, &histo));
   EXPECT_EQ(histo.NrOfElem(), 500);
-  test::Events events(histo);
+  Events events(histo);
   histogram(1, 4, 2, 1, &histo);
   EXPECT_EQ(events.count, 1 + 1 + 3) << "resize, clear, a count for each value in a bin";
 }
@@ -177,7 +149,7 @@ TEST(VectorStatisticsInt, HistogramOfAllIntegersAndIntoItself) {
   EXPECT_TRUE(v.Histogram(INT_MIN, INT_MAX, 1, 1, 1, &histo, under, over, most));
   EXPECT_TRUE(under == INT_MAX && over == 4 && most == 0);
   EXPECT_TRUE(v.Histogram(1, 6, 0, 5, 5, &v, under, over, most)) << "into itself";
-  EXPECT_EQ(test::contents(v), (std::vector<int>{2, 2}));
+  EXPECT_EQ(contents(v), (std::vector<int>{2, 2}));
 }
 
 TEST(VectorStatisticsDouble, IntegrationByEachMethod) {
@@ -209,4 +181,4 @@ TEST(VectorStatisticsDouble, TransformationsAreSilent) {
 }
 
 }  // namespace
-}  // namespace zel
+}  // namespace zel::test
