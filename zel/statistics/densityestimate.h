@@ -30,7 +30,7 @@ using TDensityFeedback = std::function<void(TObject* Sender, double Percent, dou
 ///   untouched if no value is below the largest double, or above 0
 /// @param Callback  called after each value and after each point; may be empty
 /// Nothing happens if a vector is missing. O(n log n + n NumSteps).
-/// @throws EZELVectorError  if memory is short; Density is as it was
+/// @throws EZELStatisError  "EstimateProbDensity: not enough memory"; Density is as it was
 ZEL_API void EstimateProbDensity(TVector* Data, TVector* Density, double LowX, double HighX,
                                  double Factor, double Radius, int NumSteps, int& MinIx, int& MaxIx,
                                  const TDensityFeedback& Callback);
