@@ -43,9 +43,8 @@ ZEL_API int PerformChi2DistComp(std::span<const int> Observed, std::span<const i
 /// Probability of a fourfold table without margins among all with the same margins
 /// (hypergeometric), right to some 2e-15 of itself. Mirror images of a table have exactly its
 /// value.
-/// @return 0; with p = 0 -1 if the table is not 2 by 2, else -2 for a total above 1000, else -3 for
-/// a
-///   negative cell
+/// @return 0; with p = 0 -1 if the table is not 2 by 2, else -2 for a total above 1000, else -3
+///   for a negative cell
 ZEL_API int Prob2x2Contingency(const TInt2DArray& ContTab, double& p);
 
 /// Fisher's exact test of a fourfold table without margins.

@@ -21,8 +21,7 @@ namespace zel {
 /// @return position of the first value equal to the outlier; 0 if Q does not exceed
 ///   DeanDixonCriticalValues(n, alpha)
 /// @throws EZELStatisError  with Q = 0: "DeanDixonTest: number of data points is too low" (n < 3)
-/// or
-///   "... too high" (n > 100)
+///   or "... too high" (n > 100)
 /// Method: Dean and Dixon, Anal. Chem. 23 (1951) 636; Dixon, Ann. Math. Statist. 22 (1951) 68.
 ZEL_API int DeanDixonTest(const TVector* Data, TSignifLevelEx alpha, double& Q);
 

@@ -21,9 +21,8 @@ namespace zel {
 /// @param MeanA, MeanB, VarA, VarB  of each sample, divisor n - 1
 /// @param RoundedDF  df, rounded
 /// @return two-sided significance with df as it is, its digits kept in the tail; without spread 0
-/// if
-///   the means differ, -3 if they do not. With everything untouched: -1 if a sample has fewer than
-///   two values, -2 if the pairs are not complete.
+///   if the means differ, -3 if they do not. With everything untouched: -1 if a sample has fewer
+///   than two values, -2 if the pairs are not complete.
 /// @throws EZELStatisError  "Perform2SampleTTest: not enough memory"
 /// Method: Student, Biometrika 6 (1908) 1; Welch, Biometrika 34 (1947) 28. O(n).
 ZEL_API double Perform2SampleTTest(const TVector* A, const TVector* B, TtTestVersion Version,
@@ -41,8 +40,7 @@ ZEL_API double Perform2SampleTTest(const TVector* A, const TVector* B, TtTestVer
 /// @param Flag  true: two-sided; false: one-sided, to the side on which U lies
 /// @param p     significance; 1 if all values are equal, -1 if a sample has no values
 /// @return U, the number of pairs in which the value of A is the larger, equal ones counted half;
-/// -1
-///   if a sample has no values
+///   -1 if a sample has no values
 /// @throws EZELStatisError  "PerformMannWhitneyUTest: not enough memory"
 /// Method: Mann and Whitney, Ann. Math. Statist. 18 (1947) 50. O(n log n).
 ZEL_API double PerformMannWhitneyUTest(const TVector* A, const TVector* B, bool Flag, double& p);
@@ -52,9 +50,8 @@ ZEL_API double PerformMannWhitneyUTest(const TVector* A, const TVector* B, bool 
 /// @param Chi2, pChi2  chi-square and its significance
 /// @param Chi2Yates, pYates  the same with Yates's correction
 /// @param pFisher  the smaller tail of Fisher's exact test; -1 for more than 1000 values
-/// @return 0; -2 if no value is above the median, Chi2Yates and pYates being 0 then; -1 if a sample
-/// is
-///   empty: Chi2 and pChi2 are 0 then, pFisher -1, the others untouched
+/// @return 0; -2 if no value is above the median, Chi2Yates and pYates being 0 then; -1 if a
+///   sample is empty: Chi2 and pChi2 are 0 then, pFisher -1, the others untouched
 /// @throws EZELStatisError  "MedianTest: not enough memory"
 /// Method: Mood, Introduction to the Theory of Statistics (1950). O(n).
 ZEL_API int MedianTest(std::span<const double> A, std::span<const double> B, double& Chi2,
