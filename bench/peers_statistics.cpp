@@ -51,16 +51,27 @@ double plainAnova(const Sample& x, const std::vector<int>& classes) {
   for (const auto& [label, group] : groups) ofGroups += group.sum * group.sum / group.n;
   const auto n = static_cast<double>(x.size());
   const auto g = static_cast<double>(groups.size());
-  return (ofGroups - sum * sum / n) / (g - 1) / ((squares - ofGroups) / (n - g));
+  const double F = (ofGroups - sum * sum / n) / (g - 1) / ((squares - ofGroups) / (n - g));
+  return gsl_cdf_fdist_Q(F, g - 1, n - g);
 }
 
 double plainMannWhitney(const Sample& a, const Sample& b) {
   Sample all = a;
   all.insert(all.end(), b.begin(), b.end());
   const Sample ranks = ranksOf(all.data(), all.size());
-  const auto n = static_cast<double>(a.size());
-  const auto end = ranks.begin() + static_cast<std::ptrdiff_t>(a.size());
-  return std::accumulate(ranks.begin(), end, 0.0) - n * (n + 1) / 2;
+  std::sort(all.begin(), all.end());
+  double ties = 0;
+  for (std::size_t begin = 0, end; begin < all.size(); begin = end) {
+    for (end = begin + 1; end < all.size() && all[end] == all[begin];) ++end;
+    const auto t = static_cast<double>(end - begin);
+    ties += t * t * t - t;
+  }
+  const auto nA = static_cast<double>(a.size()), nB = static_cast<double>(b.size()), n = nA + nB;
+  const double U =
+      std::accumulate(ranks.begin(), ranks.begin() + static_cast<std::ptrdiff_t>(a.size()), 0.0) -
+      nA * (nA + 1) / 2;
+  const double variance = nA * nB / 12 * (n + 1 - ties / (n * (n - 1)));
+  return 2 * gsl_cdf_ugaussian_Q((std::abs(U - nA * nB / 2) - 0.5) / std::sqrt(variance));
 }
 
 double plainFriedman(const Sample& table, int rows, int columns) {
@@ -72,7 +83,7 @@ double plainFriedman(const Sample& table, int rows, int columns) {
   }
   const double squares = std::inner_product(sums.begin(), sums.end(), sums.begin(), 0.0);
   const double n = rows, k = columns;
-  return 12 * squares / (n * k * (k + 1)) - 3 * n * (k + 1);
+  return gsl_cdf_chisq_Q(12 * squares / (n * k * (k + 1)) - 3 * n * (k + 1), k - 1);
 }
 
 double plainRuns(const Sample& x) {

@@ -10,11 +10,11 @@ using Sample = std::vector<double>;
 
 /// Two-sided significance of the pooled t test, by GSL.
 double gslTTest(const Sample& a, const Sample& b);
-/// F of a one-way analysis, from running sums of each group.
+/// Significance of a one-way analysis, from running sums of each group.
 double plainAnova(const Sample& x, const std::vector<int>& classes);
-/// U, from a sort of both samples together.
+/// Significance with the correction for ties, from sorts of both samples together.
 double plainMannWhitney(const Sample& a, const Sample& b);
-/// Statistic, from ranks that a sort of each row gives. Row by row.
+/// Significance, from ranks that a sort of each row gives. The table row by row.
 double plainFriedman(const Sample& table, int rows, int columns);
 /// Number of runs about the median.
 double plainRuns(const Sample& x);

@@ -34,17 +34,24 @@ std::span<double> GroupedValues::group(std::size_t g) {
 }
 
 GroupedValues groupByClass(std::span<const double> x, std::span<const std::int32_t> classes) {
-  std::unordered_map<std::int32_t, std::size_t> numbers;
-  std::vector<std::size_t> groupOf(x.size());
   GroupedValues result;
-  auto last = numbers.end();
+  if (x.empty()) return result;
+  constexpr std::uint32_t kNew = std::numeric_limits<std::uint32_t>::max();
+  const auto [low, high, lowIndex, highIndex] = minMax(classes);
+  const std::int64_t range = std::int64_t{high} - low + 1;
+  const bool isDense = range <= 4 * static_cast<std::int64_t>(x.size()) + 1024;
+  std::vector<std::uint32_t> table(isDense ? static_cast<std::size_t>(range) : 0, kNew);
+  std::unordered_map<std::int32_t, std::uint32_t> sparse;
+  std::vector<std::uint32_t> groupOf(x.size());
   for (std::size_t i = 0; i < x.size(); ++i) {
-    if (last == numbers.end() || last->first != classes[i]) {
-      last = numbers.try_emplace(classes[i], numbers.size()).first;
-      if (last->second == result.ends.size()) result.ends.push_back(0);
+    std::uint32_t& group = isDense ? table[static_cast<std::size_t>(std::int64_t{classes[i]} - low)]
+                                   : sparse.try_emplace(classes[i], kNew).first->second;
+    if (group == kNew) {
+      group = static_cast<std::uint32_t>(result.ends.size());
+      result.ends.push_back(0);
     }
-    groupOf[i] = last->second;
-    ++result.ends[last->second];
+    groupOf[i] = group;
+    ++result.ends[group];
   }
   // From counts to places of first values, which move to the ends as the values are written.
   std::size_t place = 0;

@@ -1,5 +1,5 @@
 /// @file
-/// Mean and variance of a sample as the tests of hypotheses need them.
+/// Mean, variance and median of a sample as the tests of hypotheses need them.
 #pragma once
 
 #include <cstddef>
@@ -7,6 +7,8 @@
 
 #include "zel/kernels/double_double.h"
 #include "zel/kernels/moments.h"
+#include "zel/kernels/order_statistics.h"
+#include "zel/kernels/select.h"
 #include "zel/kernels/sums.h"
 
 namespace zel::kernels {
@@ -23,6 +25,14 @@ namespace zel::kernels {
   if (x.size() > 2) return meanVariance(x).variance;
   const double difference = x[1] - x[0];
   return difference * difference / 2;
+}
+
+/// Second quartile; 0 for no elements. O(n).
+/// @throws std::bad_alloc
+[[nodiscard]] inline double median(std::span<const double> x) {
+  if (x.empty()) return 0;
+  const OrderPosition position = quartilePosition(x.size(), 0.5);
+  return position.value(selectPair(x, position.k));
 }
 
 /// a as one number.

@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "zel/kernels/order_statistics.h"
 #include "zel/kernels/runs.h"
+#include "zel/kernels/sample.h"
 #include "zel/kernels/sums.h"
 #include "zel/statistics/memory_impl.h"
 #include "zel/statistics/normaldistribution.h"
@@ -46,7 +46,7 @@ bool RunsTestSerial(const TVector* Data, double& p) {
   p = -1;
   if (!Data) return false;
   const auto x = Data->Elements();
-  const double median = detail::GuardStatis([x] { return kernels::quartilesBySelection(x).q2; },
+  const double median = detail::GuardStatis([x] { return kernels::median(x); },
                                             [] { return "RunsTestSerial: not enough memory"; });
   const auto isAbove = [x, median](std::int64_t i) {
     return x[static_cast<std::size_t>(i)] > median;

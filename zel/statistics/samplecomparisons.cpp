@@ -9,7 +9,6 @@
 
 #include "zel/base/array.h"
 #include "zel/base/rounding.h"
-#include "zel/kernels/order_statistics.h"
 #include "zel/kernels/rank_correlation.h"
 #include "zel/kernels/sample.h"
 #include "zel/kernels/student_t.h"
@@ -60,6 +59,9 @@ MeanDifference ofSamples(Values a, Values b, bool haveSameVariance) {
   }
   return result;
 }
+
+/// Where the exact distribution of U takes some tenths of a second.
+constexpr double kMostExact = 1000;
 
 /// P(U <= u) without ties for the smaller of the two tails.
 double tailOfU(double u, double pairs, std::size_t nA, std::size_t nB) {
@@ -121,7 +123,7 @@ double PerformMannWhitneyUTest(const TVector* A, const TVector* B, bool Flag, do
       },
       [] { return "PerformMannWhitneyUTest: not enough memory"; });
   double tail;
-  if (ties == 0 && pairs <= std::numeric_limits<int>::max()) {
+  if (ties == 0 && std::min(nA, nB) <= kMostExact && pairs <= std::numeric_limits<int>::max()) {
     tail = detail::GuardStatis([&] { return tailOfU(u, pairs, a.size(), b.size()); },
                                [] { return "PerformMannWhitneyUTest: not enough memory"; });
   } else {
@@ -142,7 +144,7 @@ int MedianTest(std::span<const double> A, std::span<const double> B, double& Chi
       [&] {
         std::vector<double> all(A.begin(), A.end());
         all.insert(all.end(), B.begin(), B.end());
-        const double median = kernels::quartilesBySelection(Values(all)).q2;
+        const double median = kernels::median(all);
         const auto count = [median](Values x) {
           return static_cast<int>(
               std::ranges::count_if(x, [median](double v) { return v <= median; }));

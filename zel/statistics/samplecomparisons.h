@@ -33,9 +33,9 @@ ZEL_API double Perform2SampleTTest(const TVector* A, const TVector* B, TtTestVer
 
 /// Mann and Whitney's test (Wilcoxon's rank sum test): is one of two samples shifted?
 ///
-/// Without ties the significance is that of UDistriIntegral; with ties, or if the number of pairs
-/// is beyond the integers, that of the normal approximation with the variance corrected for ties
-/// and U for continuity. A not-a-number ranks above every number.
+/// Without ties, and with at most 1000 values in the smaller sample and 2^31 - 1 pairs, the
+/// significance is that of UDistriIntegral; otherwise that of the normal approximation with the
+/// variance corrected for ties and U for continuity. A not-a-number ranks above every number.
 /// @param A, B  the samples; null: no values
 /// @param Flag  true: two-sided; false: one-sided, to the side on which U lies
 /// @param p     significance; 1 if all values are equal, -1 if a sample has no values
