@@ -35,8 +35,8 @@ ZEL_API int Chi2OfContTabYates(const TInt2DArray& ContTab, double& Chi2, double&
 /// @param p       significance, 1 without a degree of freedom
 /// @param DF      pooled bins - 1
 /// @param SumObs, SumExp  totals, limited to the largest integer; always filled in
-/// @return 0; with Chi2 and p 0 and DF -1: -3 if a total is 0 (there may be no bins at all), else -1
-///   if the numbers of bins differ
+/// @return 0; with Chi2 and p 0 and DF -1: -3 if a total is 0, with no bins at all too, else -1 if
+///   the numbers of bins differ
 ZEL_API int PerformChi2DistComp(std::span<const int> Observed, std::span<const int> Expected,
                                 double& Chi2, double& p, int& DF, int& SumObs, int& SumExp);
 
