@@ -83,10 +83,13 @@ TEST_F(Hypotheses, Groups) {
   EXPECT_EQ(e, f);
   test::loadCsv("USArrests.csv", 1, 4, iris);
   const TMatrix tied{{1, 1, 2}, {3, 1, 2}, {5, 5, 5}, {1, 2, 3}};  // by friedman.test too
+  const TVector uneven{1, 3, 2, 6};
+  const TIntVector two{4, 4, 5, 5};
   found << FriedmanTest(&iris, a) << a << FriedmanTest(&tied, a) << a;
+  found << Anova1F(&uneven, &two, a, b, c, i, j, k, f) << f;  // t = sqrt(0.8) in two samples
   found.expect({4.492017133309e-17, 49.16004008961, 11.34493333333, 16.962, 28.30693333333, 2, 147,
                 149, 0.5498108079674, 0.6006218158612, 1.414826748738e-31, 146.616, 0.3067205575766,
-                2.363636363636});
+                2.363636363636, 1 - std::sqrt(0.8 / 2.8), 0.8});
 }
 
 TEST_F(Hypotheses, TwoSamples) {
