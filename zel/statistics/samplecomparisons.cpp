@@ -60,7 +60,7 @@ MeanDifference ofSamples(Values a, Values b, bool haveSameVariance) {
   return result;
 }
 
-/// Where the exact distribution of U takes some tenths of a second.
+/// Values in the smaller sample at which the exact distribution of U takes some 40 ms.
 constexpr double kMostExact = 1000;
 
 /// P(U <= u) without ties for the smaller of the two tails.

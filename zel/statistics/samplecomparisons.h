@@ -42,7 +42,8 @@ ZEL_API double Perform2SampleTTest(const TVector* A, const TVector* B, TtTestVer
 /// @return U, the number of pairs in which the value of A is the larger, equal ones counted half;
 ///   -1 if a sample has no values
 /// @throws EZELStatisError  "PerformMannWhitneyUTest: not enough memory"
-/// Method: Mann and Whitney, Ann. Math. Statist. 18 (1947) 50. O(n log n).
+/// Method: Mann and Whitney, Ann. Math. Statist. 18 (1947) 50. O(n log n), and up to some 40 ms for
+/// the exact distribution.
 ZEL_API double PerformMannWhitneyUTest(const TVector* A, const TVector* B, bool Flag, double& p);
 
 /// Median test: the fourfold table of the two samples and of the values above and up to the median
