@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <limits>
 #include <random>
 #include <utility>
 
@@ -104,12 +103,10 @@ TEST_F(Hypotheses, TwoSamples) {
   const TVector A{2.5, 1, 7, 3}, B{6, 9, 4, 8, 5};  // by wilcox.test(exact = TRUE)
   found << PerformMannWhitneyUTest(&A, &B, true, p) << p
         << PerformMannWhitneyUTest(&B, &A, false, p) << p;
-  TDoubleArray vShaped, straight;
-  for (std::size_t row = 0; row < 32; ++row)
-    (cars.Column(8)[row] == 0 ? vShaped : straight).push_back(cars.Column(1)[row]);
-  found << MedianTest(vShaped, straight, a, b, c, d, p) << a << b << c << d << p;
-  found.expect({3, 1 / 9.0, 17, 1 / 18.0, 0, 10.04120759415, 0.001530768201809, 7.905882352941,
-                0.004927430103394, 0.002103956510709});
+  found << MedianTest(setosa.Elements(), versicolor.Elements(), a, b, c, d, p) << a << b << c << d
+        << p;
+  found.expect({3, 1 / 9.0, 17, 1 / 18.0, 0, 60.8643457383, 6.114629521409e-15, 57.7831132453,
+                2.926714967232e-14, 3.453645050175e-16});
   found << PerformMannWhitneyUTest(&setosa, &versicolor, true, p) << p;
   found.expect({168.5, 8.345827145941e-14}, 1e-7);
 }
@@ -118,19 +115,14 @@ TEST_F(Hypotheses, TwoSamples) {
 TEST_F(Hypotheses, Runs) {
   found << ExactRunsTest(3, 4, 4) << ExactRunsTest(25, 25, 17) << ExactRunsTest(40, 30, 24)
         << ExactRunsTest(3000, 2500, 2500) << ExactRunsTest(1000, 1000, 300);
-  test::loadCsv("faithful.csv", 1, 1, iris);
-  v.SetElements(iris.Column(1));
-  v.MeanCenter();
-  found << DurbinWatson(v.Elements());
+  found << DurbinWatson(TDoubleArray{1, 2, 4, 7});
   found.expect({19 / 35.0, 0.007074659429392, 0.003869083350135, 2.907737705384e-10,
-                4.804886578805e-238, 3.077258329898});
+                4.804886578805e-238, 0.2});
   TBitFld bits;
   bits.SetSize(59);
   for (i = 1; i < 60; i += 2) bits.SetBit(i, true);
   found << RunsTestSerial(&sepals, p) << p << RunsTest(&bits, p) << p;
-  bits.SetSize(7);
-  found << RunsTest(&bits, p) << p;
-  found.expect({1, 3.31940111434e-11, 1, 2.142436737899e-14, 0, 1}, 1e-7);
+  found.expect({1, 3.31940111434e-11, 1, 2.142436737899e-14}, 1e-7);
 }
 
 TEST_F(Hypotheses, Counts) {
@@ -176,20 +168,18 @@ TEST_F(Hypotheses, Normality) {
         << PerformLillieforsTest(&mpg, true);
   found.expect(
       {0, 0.9660256892753, ShapiroWilkIntegral(a, 32, 25), 0.2352042053927, 0.1263024418376},
-      1e-7);  // W by mpmath
-  std::mt19937 random(3);
-  for (const double shift : {0.0, 0.3, 40.0}) {  // at every element, beside the search
-    TDoubleArray x(2001);
-    for (double& value : x) value = std::normal_distribution<double>(shift)(random);
-    std::ranges::sort(x);
-    v.SetElements(x);
-    double expected = 0;
-    for (i = 0; i < 2001; ++i) {
-      const double F = nDistriIntegral(v(i + 1));
-      expected = std::max({expected, (i + 1) / 2001.0 - F, F - i / 2001.0});
-    }
-    EXPECT_EQ(PerformKSNormalityTest(&v, true), expected);
+      1e-7);               // W by mpmath
+  std::mt19937 random(3);  // at every element, beside the search
+  TDoubleArray x(2001);
+  for (double& value : x) value = std::normal_distribution<double>(0.2)(random);
+  std::ranges::sort(x);
+  v.SetElements(x);
+  double expected = 0;
+  for (i = 0; i < 2001; ++i) {
+    const double F = nDistriIntegral(v(i + 1));
+    expected = std::max({expected, (i + 1) / 2001.0 - F, F - i / 2001.0});
   }
+  EXPECT_EQ(PerformKSNormalityTest(&v, true), expected);
 }
 
 TEST_F(Hypotheses, ChecksInOrder) {
@@ -220,7 +210,7 @@ TEST_F(Hypotheses, ChecksInOrder) {
         << PercentileOfArray(x, -1, 200, 101, a) << PercentileOfArray(x, 200, -1, 5, a)
         << PercentileOfArray(x, 0, 150, 5, a) << a << PercentileOfArray(x, 50, 99, 100, a) << a
         << PercentileOfArray(x, 50, 99, 50, a) << a;
-  found.expect({-4, -1, -2, -1, -3, 0, 0,  std::numeric_limits<double>::max(),
+  found.expect({-4, -1, -2, -1, -3, 0, 0,  0x1.fffffffffffffp1023,
                 -3, 0,  0,  -1, 1,  0, -1, -1,
                 -2, -1, -2, -3, -1, 3, -3, 3,
                 -1, -2, -3, -1, 0,  0, 7,  0,
@@ -237,9 +227,9 @@ TEST_F(Hypotheses, ChecksInOrder) {
         << RunsTest(nullptr, p) << p;
   std::string comment = "old";
   found << LoadPLSModelComment("/no/such/file", comment)
-        << LoadPLSModelComment(ZEL_TEST_DATA "/sunspots.asc", comment);
-  found.expect({-1, -2, -3, -1, 8, 1, -1, -1, -2, -1, -2, -2, -3, 2, 0, 0, -1, -1, 0}, 0);
-  EXPECT_EQ(comment.substr(0, 20), "Yearly mean sunspot ");
+        << LoadPLSModelComment(ZEL_TEST_DATA "/sunspots.asc", comment)
+        << comment.starts_with("Yearly mean");
+  found.expect({-1, -2, -3, -1, 8, 1, -1, -1, -2, -1, -2, -2, -3, 2, 0, 0, -1, -1, 0, 1}, 0);
   const test::FailingNew fail(0);
   EXPECT_THROW_MSG(anova(flat, two), EZELStatisError, "Anova1F: not enough memory");
 }
