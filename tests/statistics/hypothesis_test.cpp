@@ -4,7 +4,6 @@
 #include <array>
 #include <cmath>
 #include <random>
-#include <utility>
 
 #include "tests/support/data_file.h"
 #include "tests/support/expect_message.h"
@@ -114,8 +113,8 @@ TEST_F(Hypotheses, TwoSamples) {
 /// Sums of integers (Python), and the normal tail (mpmath).
 TEST_F(Hypotheses, Runs) {
   found << ExactRunsTest(3, 4, 4) << ExactRunsTest(25, 25, 17) << ExactRunsTest(40, 30, 24)
-        << ExactRunsTest(3000, 2500, 2500) << ExactRunsTest(1000, 1000, 300);
-  found << DurbinWatson(TDoubleArray{1, 2, 4, 7});
+        << ExactRunsTest(3000, 2500, 2500) << ExactRunsTest(1000, 1000, 300)
+        << DurbinWatson(TDoubleArray{1, 2, 4, 7});
   found.expect({19 / 35.0, 0.007074659429392, 0.003869083350135, 2.907737705384e-10,
                 4.804886578805e-238, 0.2});
   TBitFld bits;
