@@ -5,6 +5,8 @@
 #include <cmath>
 #include <limits>
 
+#include "zel/kernels/stirling.h"
+
 namespace zel::kernels {
 
 namespace {
@@ -41,46 +43,10 @@ Extended excess(Extended a, Extended b, Extended x, Extended y) {
   return (a - product) - (restOfProduct + restOfN * x);
 }
 
-/// ln(r) - (r - 1), where u = r - 1 is given too.
-Extended logMinusLinear(Extended r, Extended u) {
-  if (r < 0.5L || r > 2) return std::log(r) - u;
-  // With s = u / (2 + u): ln(1+u) = 2 (s + s^3/3 + s^5/5 + ...), and 2 s - u = -u s.
-  static constexpr auto kReciprocals = [] {
-    std::array<Extended, 20> values{};
-    for (std::size_t k = 0; k < values.size(); ++k) values[k] = 2 / (2 * Extended(k) + 3);
-    return values;
-  }();
-  const Extended s = u / (2 + u);
-  const Extended z = s * s;
-  // s^2 is at most 1/9; the number of terms follows from it.
-  const std::size_t terms = z < 1e-6L ? 4 : z < 1e-3L ? 7 : z < 0.02L ? 12 : kReciprocals.size();
-  Extended sum = 0;
-  for (std::size_t k = terms; k-- > 0;) sum = sum * z + kReciprocals[k];
-  return s * (z * sum - u);
-}
-
 /// a ln(x (a+b)/a) + b ln(y (a+b)/b), which is at most 0.
 Extended exponent(Extended a, Extended b, Extended x, Extended y, Extended lambda) {
   const Extended n = a + b;
   return a * logMinusLinear(x * n / a, -lambda / a) + b * logMinusLinear(y * n / b, lambda / b);
-}
-
-constexpr Extended kStirling = 20;
-// Of Stirling's series in 1/z, 1/z^3, ...
-constexpr Extended kStirlingTerms[] = {
-    1.0L / 12,        -1.0L / 360, 1.0L / 1260,       -1.0L / 1680,      1.0L / 1188,
-    -691.0L / 360360, 1.0L / 156,  -3617.0L / 122400, 43867.0L / 244188, -174611.0L / 125400};
-
-/// How many of the terms reach 2^-68.
-int stirlingTerms(Extended z) { return z < 100 ? 10 : z < 10000 ? 6 : 3; }
-
-/// ln of Gamma(z) / (sqrt(2 pi) z^(z-1/2) e^-z) for z >= kStirling.
-Extended stirlingRemainder(Extended z) {
-  const Extended w = 1 / z;
-  const Extended square = w * w;
-  Extended sum = 0;
-  for (int k = stirlingTerms(z); k-- > 0;) sum = sum * square + kStirlingTerms[k];
-  return sum * w;
 }
 
 /// stirlingRemainder(z+step) - stirlingRemainder(z), in proportion to the step.
@@ -233,6 +199,10 @@ Extended betaPower(Extended a, Extended b, Extended x, Extended y) {
   return power(a, b, x, y, excess(a, b, x, y));
 }
 
+Extended betaPower(Extended a, Extended b, Extended x, Extended y, Extended lambda) {
+  return power(a, b, x, y, lambda);
+}
+
 Extended betaSeries(Extended a, Extended b, Extended x) {
   Extended term = 1;
   Extended sum = 1;
@@ -286,6 +256,10 @@ Extended betaFraction(Extended a, Extended b, Extended x, Extended y, Extended l
 }
 
 BetaTails incompleteBeta(Extended a, Extended b, Extended x, Extended y) {
+  return incompleteBeta(a, b, x, y, excess(a, b, x, y));
+}
+
+BetaTails incompleteBeta(Extended a, Extended b, Extended x, Extended y, Extended lambda) {
   if (std::isnan(a + b + x + y)) return {a + b + x + y, a + b + x + y};
   if (x <= 0) return {0, 1};
   if (y <= 0) return {1, 0};
@@ -294,7 +268,6 @@ BetaTails incompleteBeta(Extended a, Extended b, Extended x, Extended y) {
     const auto [lower, upper] = corner(b, a, y);
     return {upper, lower};
   }
-  const Extended lambda = excess(a, b, x, y);
   if (lambda < 0) {
     const Extended upper = tailBelowMean(b, a, y, x, -lambda);
     return {1 - upper, upper};

@@ -33,9 +33,14 @@ struct BetaTails {
 /// small; the smaller of the two is taken for exact. x <= 0 gives {0, 1}, y <= 0 {1, 0},
 /// not-a-number not-a-number. Both tails keep their relative precision.
 [[nodiscard]] BetaTails incompleteBeta(Extended a, Extended b, Extended x, Extended y);
+/// The same for a caller who knows lambda = a y - b x more precisely than x and y, which for large
+/// parameters decides the precision.
+[[nodiscard]] BetaTails incompleteBeta(Extended a, Extended b, Extended x, Extended y,
+                                       Extended lambda);
 
 /// x^a y^b / B(a, b) for 0 < x, y = 1 - x.
 [[nodiscard]] Extended betaPower(Extended a, Extended b, Extended x, Extended y);
+[[nodiscard]] Extended betaPower(Extended a, Extended b, Extended x, Extended y, Extended lambda);
 
 /// I_x(a, b) a / betaPower: 1 + (a+b)/(a+1) x + (a+b)(a+b+1)/((a+1)(a+2)) x^2 + ..., whose terms
 /// are all positive. Meant for x away from 1 and x (a+b) up to a few times a+1: the number of terms

@@ -5,6 +5,7 @@
 
 #include "zel/base/types.h"
 #include "zel/kernels/incomplete_beta.h"
+#include "zel/kernels/normal_tail.h"
 
 namespace zel::kernels {
 
@@ -46,13 +47,6 @@ Extended gammaRatio(Extended a) {
   const Extended w = 1 / a;
   for (auto c = std::rbegin(kCoefficients); c != std::rend(kCoefficients); ++c) sum = sum * w + *c;
   return above / below * std::sqrt(a) * sum;
-}
-
-/// The z beyond which the normal distribution has q < 1/2, to 5e-4 (Abramowitz and Stegun 26.2.23).
-Extended normalTail(Extended q) {
-  const Extended s = std::sqrt(-2 * std::log(q));
-  return s - (2.515517L + s * (0.802853L + s * 0.010328L)) /
-                 (1 + s * (1.432788L + s * (0.189269L + s * 0.001308L)));
 }
 
 /// The distribution with df degrees of freedom.
