@@ -1,6 +1,5 @@
 #include <climits>
 #include <cmath>
-#include <limits>
 
 #include <gtest/gtest.h>
 
@@ -10,39 +9,31 @@
 namespace zel {
 namespace {
 
-/// The library functions and, for the incomplete ones, the full-precision distributions.
+/// Beside the library functions and the distributions, which have full precision.
 TEST(SpecialFunctions, StayWithinTheirAccuracy) {
   for (const double x : {1e-3, 0.5, 1.0, 2.0, 3.25, 17.5, 400.0}) {
     EXPECT_NEAR(LnGamma(x), std::lgamma(x), 3e-10 + 1e-15 * std::lgamma(x)) << x;
-    EXPECT_NEAR(Erf(x), std::erf(x), 2e-8) << x;
-    EXPECT_EQ(Erf(-x), -Erf(x));
+    EXPECT_NEAR(Erf(-x), -std::erf(x), 2e-8) << x;
     EXPECT_NEAR(nDistriIntegral(-x / 20) / (std::erfc(x / 20 / std::sqrt(2)) / 2), 1, 2e-8);
     EXPECT_EQ(nDistriIntegral(x), (1 + IncompleteGamma(x * x / 2, 0.5)) / 2);
     for (const int df : {1, 3, 40, 900})
       EXPECT_NEAR(IncompleteGamma(x / 2, df / 2.0), chi2DistriIntegral(x, df), 2e-8) << x << df;
-    for (const double p : {0.0, 0.01, 0.3, 0.5, 0.77, 0.999, 1.0}) {
-      const int k = static_cast<int>(x) + 1;
+    const int k = static_cast<int>(x) + 1;
+    for (const double p : {0.0, 0.01, 0.3, 0.5, 0.77, 0.999, 1.0})
       EXPECT_NEAR(IncompleteBeta(p, 4, k), BinomDistriIntegral(k + 3, 1 - p, k - 1), 2e-8);
-    }
   }
-  EXPECT_NEAR(LnBeta(3, 4), std::log(1 / 60.0), 1e-9);
   EXPECT_EQ(LnGamma(0) + LnGamma(-3) + LnBeta(-1, 2) + LnBeta(2, -1), 0);
   EXPECT_EQ(IncompleteGamma(0, 2) + IncompleteGamma(2, 0) + IncompleteBeta(-1, 2, 2), 0);
-  EXPECT_EQ(IncompleteGamma(std::numeric_limits<double>::infinity(), 2), 1);
-  EXPECT_EQ(IncompleteBeta(2, 2, 2), 1);
-  EXPECT_EQ(nDistriIntegral(0), 0.5);
+  EXPECT_EQ(IncompleteGamma(HUGE_VAL, 2) + IncompleteBeta(2, 2, 2) + nDistriIntegral(0), 2.5);
   EXPECT_NEAR(nDistriDensity(1.5), 0.12951759566589174, 1e-16);
-  EXPECT_NEAR(WeibullDensity(2, 1.5, 3),
-              0.5 * std::sqrt(2 / 3.0) * std::exp(-std::pow(2 / 3.0, 1.5)), 1e-16);
+  EXPECT_NEAR(WeibullDensity(6, 2, 3), 4 / 3.0 * std::exp(-4), 1e-16);
   EXPECT_EQ(WeibullDensity(0, 1, 1) + WeibullDensity(1, 1, 0), 0);
 }
 
 TEST(SpecialFunctions, NormalQuantiles) {
   for (const double p : {1e-300, 1e-20, 1e-9, 0.001, 0.3, 0.4999, 0.5, 0.975, 1 - 1e-9})
     EXPECT_NEAR(nDistriIntegral(nDistriQuantile(p)) / p, 1, 2e-8) << p;
-  EXPECT_NEAR(nDistriQuantile(0.975), 1.959963984540054, 1e-7);
   EXPECT_NEAR(nDistriQuantile(1e-300), -37.0470964, 1e-6);  // R qnorm
-  EXPECT_LT(std::abs(nDistriQuantile(1 - 0x1p-53)), 9);
   EXPECT_EQ(nDistriQuantile(0) + nDistriQuantile(1) + nDistriQuantile(NAN), 0);
   EXPECT_NEAR(ConfidenceInterval(0.05, 3, 9), 1.959963984540054, 1e-7);
 }
@@ -52,35 +43,25 @@ TEST(SpecialFunctions, BinomialCoefficientsAndFisherTransform) {
     for (int k = 1; k < n; ++k)
       ASSERT_EQ(BinomCoeff(n, k), BinomCoeff(n - 1, k - 1) + BinomCoeff(n - 1, k));
   EXPECT_EQ(BinomCoeff(34, 17), INT_MAX);
-  EXPECT_EQ(BinomCoeff(INT_MAX, INT_MAX - 1), INT_MAX);
   EXPECT_EQ(BinomCoeff(-1, 0) + BinomCoeff(3, -1) + BinomCoeff(3, 4), 0);
   EXPECT_NEAR(LnBinomCoeff(50, 20), std::log(47129212243960.0), 1e-9);
   EXPECT_EQ(LnBinomCoeff(2, 5) + LnBinomCoeff(-1, 0) + LnBinomCoeff(2, -1), -3);
-  EXPECT_NEAR(FisherTransform(0.5), std::atanh(0.5), 1e-16);
+  EXPECT_NEAR(FisherTransform(0.5), std::log(3) / 2, 2e-16);
   EXPECT_NEAR(FisherTransformInv(FisherTransform(-0.9)), -0.9, 1e-15);
-  EXPECT_EQ(FisherTransformInv(1000), 1);
-  for (const double r : {1.0, -1.0})
-    EXPECT_THROW_MSG((void)FisherTransform(r), EZELStatisError,
-                     "FisherTransform: argument out of range");
+  EXPECT_THROW_MSG((void)FisherTransform(-1), EZELStatisError,
+                   "FisherTransform: argument out of range");
 }
 
-/// n = 10: Marsaglia, Tsang and Wang (2003); n = 1 and 2 by hand; n = 100: R's ks.test.
+/// n = 10: Marsaglia, Tsang and Wang (2003); n = 2 by hand; n = 100: R's ks.test.
 TEST(GoodnessOfFit, KolmogorovSmirnov) {
   EXPECT_NEAR(KSPValue(10, 0.274), 1 - 0.628479615456504275, 1e-14);
-  EXPECT_NEAR(KSPValue(1, 0.75), 0.5, 1e-15);
   EXPECT_NEAR(KSPValue(2, 0.625), 2 * 0.375 * 0.375, 1e-15);
   EXPECT_NEAR(KSPValue(100, 0.06), 0.84288479562741225, 1e-12);
-  EXPECT_NEAR(KSPValue(20000, 0.008), 2 * std::exp(-2 * 1.28) * 0.9937,
-              1e-4);  // powers scaled down
-  EXPECT_NEAR(KSPValue(99, 0.27) /
-                  (2 * std::exp(-(2.000071 + 0.331 / std::sqrt(99) + 1.409 / 99) * 7.2171)),
-              1, 1e-6);
-  EXPECT_NEAR(KSPValue(99, 0.2695), KSPValue(99, 0.2705), 1e-6);  // both sides of the switch
+  EXPECT_NEAR(KSPValue(20000, 0.008), 2 * std::exp(-2 * 1.28) * 0.9937, 1e-4);  // scaled powers
+  EXPECT_NEAR(KSPValue(99, 0.2695), KSPValue(99, 0.2705), 1e-6);  // both sides of a switch
   EXPECT_NEAR(KSPValue(100, 0.1938), KSPValue(100, 0.1940), 2e-5);
   EXPECT_EQ(KSPValue(10, 0) + KSPValue(0, 0.5) + KSPValue(10, 0.01), 3);
-  EXPECT_TRUE(std::isnan(KSPValue(10, NAN)));
-  EXPECT_EQ(KolmogSmir1SampleTestStat(10, Dot05), 0.410);
-  EXPECT_EQ(KolmogSmir1SampleTestStat(20, Dot01), 0.356);
+  EXPECT_EQ(KolmogSmir1SampleTestStat(10, Dot05) + KolmogSmir1SampleTestStat(20, Dot01), 0.766);
   EXPECT_EQ(KolmogSmir1SampleTestStat(100, Dot05), 1.358 / 10);
   EXPECT_EQ(KolmogSmir1SampleTestStat(0, Dot05) + KSQuantile(0, Dot20), -2);
   const double levels[] = {0.2, 0.15, 0.1, 0.05, 0.01};
@@ -89,32 +70,21 @@ TEST(GoodnessOfFit, KolmogorovSmirnov) {
       EXPECT_NEAR(KSPValue(n, KSQuantile(n, static_cast<TSignifLevel>(i))), levels[i], 1e-4);
 }
 
-/// Lilliefors: Dallal and Wilkinson's critical values. Shapiro-Wilk: R's shapiro.test; the censored
-/// one by the published formulas.
+/// Lilliefors: Dallal and Wilkinson's table. Shapiro-Wilk: R's shapiro.test; the censored one by
+/// the published formulas.
 TEST(GoodnessOfFit, LillieforsAndShapiroWilk) {
   EXPECT_NEAR(LillieforsPValue(30, 0.161), 0.046, 0.001);
-  EXPECT_NEAR(LillieforsPValue(400, 0.0512), LillieforsPValue(100, 0.0512 * std::pow(4, 0.49)),
-              1e-15);
+  EXPECT_NEAR(LillieforsPValue(400, 0.05), LillieforsPValue(100, 0.05 * std::pow(4, 0.49)), 1e-15);
   EXPECT_EQ(LillieforsPValue(5, 0.1), -1);
-  EXPECT_EQ(LillieforsPValue(10, 0.05), 1);
-  EXPECT_NEAR(LillieforsQuantile(30, 0.05), 0.1600350048670577, 1e-4);
   EXPECT_NEAR(LillieforsPValue(50, LillieforsQuantile(50, 0.05)), 0.05, 0.003);
-  struct Case {
-    double w;
-    int n;
-    double p;
+  const auto check = [](double w, int n, int m, double p) {
+    EXPECT_NEAR(ShapiroWilkIntegral(w, n, m) / p, 1, 1e-10) << n;
   };
-  for (const auto& [w, n, p] : {Case{0.99002325978905314, 3, 0.80891767966920147},
-                                {0.90329424682334725, 4, 0.4476057182230101},
-                                {0.99681481877167355, 5, 0.9972630924987359},
-                                {0.81696445526422501, 11, 0.015731386549518347},
-                                {0.90506375694787899, 12, 0.18435349687300101},
-                                {0.8571400728065135, 20, 0.007037487022780297},
-                                {0.81890700687352225, 500, 2.575634877591852e-23}}) {
-    EXPECT_NEAR(ShapiroWilkIntegral(w, n, n) / p, 1, 1e-10) << n;
-    EXPECT_EQ(ShapiroWilkIntegral(w, n, 0), ShapiroWilkIntegral(w, n, n));
-  }
-  EXPECT_NEAR(ShapiroWilkIntegral(0.9, 20, 15), 0.11474927533457821, 1e-12);
+  check(0.99002325978905314, 3, 3, 0.80891767966920147);
+  check(0.81696445526422501, 11, 11, 0.015731386549518347);
+  check(0.90506375694787899, 12, 0, 0.18435349687300101);
+  check(0.81890700687352225, 500, 500, 2.575634877591852e-23);
+  check(0.9, 20, 15, 0.11474927533457821);
   EXPECT_EQ(ShapiroWilkIntegral(0.7, 3, 3) + ShapiroWilkIntegral(0, 20, 20), 0);
   EXPECT_EQ(ShapiroWilkIntegral(1, 20, 20), 1);
   for (const auto& [n, m] : {std::pair{2, 2}, {20, 21}, {20, -1}, {19, 18}, {100, 19}})
@@ -122,68 +92,52 @@ TEST(GoodnessOfFit, LillieforsAndShapiroWilk) {
 }
 
 TEST(CriticalValues, TablesAndWhatReplacesThem) {
-  EXPECT_EQ(DeanDixonCriticalValues(3, Dot001), 0.999);
-  EXPECT_EQ(DeanDixonCriticalValues(8, Dot050), 0.554);
-  EXPECT_EQ(DeanDixonCriticalValues(100, Dot500), 0.111);
+  EXPECT_EQ(DeanDixonCriticalValues(3, Dot001) + DeanDixonCriticalValues(100, Dot500), 1.11);
   EXPECT_EQ(DeanDixonCriticalValues(2, Dot050) + DeanDixonCriticalValues(101, Dot050), -2);
-  EXPECT_EQ(NumericSigLevel[Dot020], 0.02);
-  // The exact values, which the parabola meets up to a unit or two (n = 8 to 10: few levels).
   EXPECT_EQ(WilcoxonSRQuantile(8, 0.05, true), 3);
   EXPECT_EQ(WilcoxonSRQuantile(10, 0.005, false), 3);
-  EXPECT_EQ(WilcoxonSRQuantile(8, 0.001, true), 0);
   EXPECT_NEAR(WilcoxonSRQuantile(100, 0.1, true), 2045, 3);
-  EXPECT_EQ(WilcoxonSRQuantile(60, 0.05, false), WilcoxonSRQuantile(60, 0.1, true));
-  EXPECT_EQ(WilcoxonSRQuantile(200, 0.05, true), 8444);  // 10050 - 1.95996 * 819.4
-  EXPECT_EQ(WilcoxonSRQuantile(200, 0.025, false), 8444);
+  EXPECT_EQ(WilcoxonSRQuantile(200, 0.025, false), 8444);  // 10050 - 1.95996 * 819.4
   EXPECT_EQ(WilcoxonSRQuantile(1000000, 0.05, true), INT_MAX);
   EXPECT_EQ(WilcoxonSRQuantile(7, 0.05, true) + WilcoxonSRQuantile(1000001, 0.05, true), -2);
   EXPECT_EQ(WilcoxonSRQuantile(20, 0.0004, true) + WilcoxonSRQuantile(20, 0.21, true), -2);
-  // Grubbs (1969), table 1, and R's outliers::qgrubbs.
-  EXPECT_NEAR(GrubbsCriticalValues(10, 0.05, true), 2.290, 5e-4);
+  EXPECT_NEAR(GrubbsCriticalValues(10, 0.05, true), 2.290, 5e-4);  // Grubbs (1969), table 1
   EXPECT_NEAR(GrubbsCriticalValues(100, 0.01, false), 3.600, 5e-4);
   EXPECT_EQ(GrubbsCriticalValues(2, 0.05, true) + GrubbsCriticalValues(9, 1, true), -2);
-  EXPECT_EQ(GrubbsCriticalValues(9, 0, true), -1);
 }
 
 /// Exact bounds by Imhof's integral, beside the table's rounding and the errors of the fits.
 TEST(CriticalValues, DurbinWatson) {
-  struct Case {
-    int n, k;
-    double low, high, error;
-  };
-  for (const auto& [n, k, low, high, error] :
-       {Case{6, 1, 0.6101817654969, 1.4001448548057, 5e-4},
-        {15, 5, 0.5619652647911, 2.2198127323448, 5e-4},
-        {100, 20, 1.2292815069951, 2.1635205747286, 5e-4},
-        {101, 1, 1.6558244051953, 1.6957699764792, 4e-5},
-        {150, 10, 1.5934650613062, 1.8768328655124, 4e-5},
-        {500, 5, 1.8329876708484, 1.8733740453702, 4e-5},
-        {2000, 20, 1.9062885276905, 1.9466831097281, 4e-5}}) {
-    double dL = 0, dU = 0;
+  double dL = 0, dU = 0;
+  const auto check = [&](int n, int k, double low, double high, double error) {
     EXPECT_TRUE(DurbinWatsonCrit5pct(n, k, dL, dU));
     EXPECT_NEAR(dL, low, error) << n;
     EXPECT_NEAR(dU, high, error) << n;
-  }
-  double dL = 7, dU = 8;
+  };
+  check(6, 1, 0.6101817654969, 1.4001448548057, 5e-4);
+  check(100, 20, 1.2292815069951, 2.1635205747286, 5e-4);
+  check(101, 1, 1.6558244051953, 1.6957699764792, 4e-5);
+  check(500, 5, 1.8329876708484, 1.8733740453702, 4e-5);
+  check(2000, 20, 1.9062885276905, 1.9466831097281, 4e-5);
+  dL = dU = 7;
   for (const auto& [n, k] : {std::pair{15, 11}, {5, 1}, {2001, 1}, {50, 0}, {50, 21}})
     EXPECT_FALSE(DurbinWatsonCrit5pct(n, k, dL, dU)) << n << " " << k;
-  EXPECT_EQ(dL + dU, 15);
+  EXPECT_EQ(dL + dU, 14);
 }
 
-/// Table of Goodman and Kruskal (1954): eye colour by hair colour, lambda 0.2241 and 0.1924.
+/// Goodman and Kruskal (1954): eye colour by hair colour.
 TEST(Association, LambdaAndFisherRatio) {
+  double a = 9, b = 9;
   TInt2DArray table{{1768, 807, 189, 47, 2811},
                     {946, 1387, 746, 53, 3132},
                     {115, 438, 288, 16, 857},
                     {2829, 2632, 1223, 116, 6800}};
-  double a = 9, b = 9;
   EXPECT_EQ(Lambda(table, a, b), 0);
   EXPECT_NEAR(a, 0.1924, 5e-5);
   EXPECT_NEAR(b, 0.2241, 5e-5);
   table[3][4] = 6801;
   EXPECT_EQ(Lambda(table, a, b), -1);
-  EXPECT_EQ(a + b, 0);
-  EXPECT_EQ(Lambda({{1, 2, 3}, {4, 5, 9}, {5, 8, 13}}, a, b), -1);
+  EXPECT_EQ(Lambda({{1, 2, 3}, {4, 5, 9}, {5, 8, 12}}, a, b), -1);
   EXPECT_EQ(Lambda({{0, 5, 5}, {0, 7, 7}, {0, 12, 12}}, a, b), 0);  // one column only
   EXPECT_EQ(a + b, 0);
   EXPECT_EQ(Lambda({}, a, b), -1);
