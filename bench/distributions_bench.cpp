@@ -121,7 +121,7 @@ double zelKolmogorov(int n, int k) { return 1 - KSPValue(n, k * 0.09 / std::sqrt
   add("F integral", zelF, boostF);
   add("F quantile", zelFQuantile, boostFQuantileOf);
   add("binomial integral", zelBinomial, boostBinomial);
-  for (const int n : {10, 50, 100}) addBesideR("U integral", "u", n, zelU);
+  for (const int n : {10, 20, 50}) addBesideR("U integral", "u", n, zelU);
   for (const int n : {10, 100, 1000}) addBesideR("Kolmogorov-Smirnov", "ks", n, zelKolmogorov);
   return true;
 }();

@@ -30,7 +30,6 @@ TEST(SpecialFunctions, StayWithinTheirAccuracy) {
 TEST(SpecialFunctions, NormalQuantiles) {
   for (const double p : {1e-300, 1e-20, 1e-9, 0.001, 0.3, 0.4999, 0.5, 0.975, 1 - 1e-9})
     EXPECT_NEAR(nDistriIntegral(nDistriQuantile(p)) / p, 1, 2e-8) << p;
-  EXPECT_NEAR(nDistriQuantile(1e-300), -37.0470964, 1e-6);  // R qnorm
   EXPECT_NEAR(ConfidenceInterval(0.05, 3, 9), 1.959963984540054, 1e-7);
 }
 
@@ -45,26 +44,21 @@ TEST(SpecialFunctions, BinomialCoefficientsAndFisherTransform) {
                    "FisherTransform: argument out of range");
 }
 
-/// n = 10: Marsaglia, Tsang and Wang (2003); n = 2 by hand; n = 100: R's ks.test.
+/// n = 10: Marsaglia, Tsang and Wang (2003); n = 2 by hand; else R's ks.test.
 TEST(GoodnessOfFit, KolmogorovSmirnov) {
   EXPECT_NEAR(KSPValue(10, 0.274), 1 - 0.628479615456504275, 1e-14);
   EXPECT_NEAR(KSPValue(2, 0.625), 2 * 0.375 * 0.375, 1e-15);
   EXPECT_NEAR(KSPValue(100, 0.06), 0.84288479562741225, 1e-12);
-  EXPECT_NEAR(KSPValue(20000, 0.008), 2 * std::exp(-2 * 1.28) * 0.9937, 1e-4);  // scaled powers
-  EXPECT_NEAR(KSPValue(99, 0.2695), KSPValue(99, 0.2705), 1e-6);  // both sides of a switch
+  EXPECT_NEAR(KSPValue(20000, 0.008), 0.15371596725059, 1e-12);  // powers scaled down
+  EXPECT_NEAR(KSPValue(99, 0.2), 0.00060187124282240489, 1e-14);
   EXPECT_EQ(KSPValue(0, 0.5) + KSPValue(10, 0.01) + KSQuantile(0, Dot20), 1);
   EXPECT_NEAR(KSPValue(100, 0.1938), KSPValue(100, 0.1940), 2e-5);
-  const double levels[] = {0.2, 0.15, 0.1, 0.05, 0.01};
-  for (const int n : {1, 7, 20, 21})
-    for (int i = 0; i < 5; ++i)
-      EXPECT_NEAR(KSPValue(n, KSQuantile(n, static_cast<TSignifLevel>(i))), levels[i], 1e-4);
+  for (const int n : {1, 20, 21}) EXPECT_NEAR(KSPValue(n, KSQuantile(n, Dot05)), 0.05, 1e-4);
 }
 
-/// Lilliefors: Dallal and Wilkinson's table. Shapiro-Wilk: R's shapiro.test; the censored one by
-/// the published formulas.
+/// Shapiro-Wilk: R's shapiro.test; the censored one by the published formulas in mpmath.
 TEST(GoodnessOfFit, LillieforsAndShapiroWilk) {
-  EXPECT_NEAR(LillieforsPValue(400, 0.05), LillieforsPValue(100, 0.05 * std::pow(4, 0.49)), 1e-15);
-  EXPECT_NEAR(LillieforsPValue(50, LillieforsQuantile(50, 0.05)), 0.05, 0.003);
+  EXPECT_NEAR(LillieforsPValue(400, LillieforsQuantile(400, 0.05)), 0.05, 0.003);
   const auto check = [](double w, int n, int m, double p) {
     EXPECT_NEAR(ShapiroWilkIntegral(w, n, m) / p, 1, 1e-10) << n;
   };
@@ -81,7 +75,7 @@ TEST(CriticalValues, TablesAndWhatReplacesThem) {
   EXPECT_EQ(DeanDixonCriticalValues(3, Dot001) + DeanDixonCriticalValues(100, Dot500), 1.11);
   EXPECT_EQ(DeanDixonCriticalValues(2, Dot050) + DeanDixonCriticalValues(101, Dot050), -2);
   EXPECT_EQ(WilcoxonSRQuantile(8, 0.05, true), 3);
-  EXPECT_NEAR(WilcoxonSRQuantile(100, 0.1, true), 2045, 3);
+  EXPECT_NEAR(WilcoxonSRQuantile(60, 0.05, false), 690, 2);
   EXPECT_EQ(WilcoxonSRQuantile(200, 0.025, false), 8444);  // 10050 - 1.95996 * 819.4
   EXPECT_EQ(WilcoxonSRQuantile(7, 0.05, true) + WilcoxonSRQuantile(1000001, 0.05, true), -2);
   EXPECT_NEAR(GrubbsCriticalValues(10, 0.05, true), 2.290, 5e-4);  // Grubbs (1969), table 1
