@@ -39,7 +39,6 @@ TEST(Distributions, ChiSquareAndFInBothTails) {
   check(1600, 1000, 0, 1, 1.7420398244391630e-30, 3.2949547891631928e-31);
   check(970000, 1000000, 0, 3.6118883335486622e-102, 1, 5.5973818154551172e-104);
   check(1e-300, 1, 1, 6.3661977236758135e-151, 1, 3.1830988618379067e+149);
-  check(0.01, 12, 5, 2.3576225394649767e-9, 0.99999999764237746, 1.3743408301901263e-6);
   check(0.5, 3000, 2000, 1.1651659812227854e-66, 1, 1.0020198220470363e-63);
   check(1.5, 7, 100000, 0.83802111053249536, 0.16197888946750464, 0.34901344991194458);
   EXPECT_TRUE(isNear(chi2DistriQuantile(1 - 0x1p-53, 2), 106 * std::log(2.0)));  // -2 ln(1 - p)
@@ -81,7 +80,6 @@ TEST(Distributions, MannWhitneyU) {
     EXPECT_EQ(UDistriQuantile(nx, ny, UDistriIntegral(nx, ny, u)), u);
     EXPECT_EQ(UDistriQuantile(nx, ny, lower * (1 + 1e-15)), u + 1);
   };
-  checkAt(1, 6, 2, 1 / 7.0, 3 / 7.0);
   checkAt(250, 4, 499, 0.0026402125462235587, 0.49867976973249822);
   checkAt(30, 40, 333, 2.8115898924013736e-5, 0.00064901158243339185);
   checkAt(80, 90, 1200, 3.2039445878794162e-17, 1.0624159494943312e-15);
@@ -92,7 +90,6 @@ TEST(Distributions, MannWhitneyU) {
 TEST(Distributions, Hypergeometric) {
   EXPECT_NEAR(HyperGeoDistriDensity(0.5, 10, 5, 2), 100.0 / 252, 1e-9);
   EXPECT_NEAR(HyperGeoDistriDensity(0.45, 10, 5, 0), 6.0 / 252, 1e-9);  // 4 marked: ties to even
-  EXPECT_EQ(HyperGeoDistriDensity(0.5, 10, 7, 1) + HyperGeoDistriDensity(0.5, 10, 7, 6), 0);
   const auto expectRefusal = [](double p, int npop, int nsample, const char* reason) {
     EXPECT_THROW_MSG((void)HyperGeoDistriDensity(p, npop, nsample, 0), EZELStatisError,
                      std::string("HyperGeoDistriDensity: ") + reason);

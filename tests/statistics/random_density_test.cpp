@@ -37,9 +37,6 @@ TEST(RandGen, DrawsFollowTheDistribution) {
   g.FDistri(8, 9);
   EXPECT_TRUE(g.Standardize());
   check(g, [](double x) { return FDistriIntegral(x, 8, 9); });
-  g.SetLowBorder(-40);
-  g.tDistri(4);
-  check(g, [](double x) { return tDistriIntegral(x, 4); });
 }
 
 TEST(RandGen, TableAndBins) {
@@ -60,8 +57,6 @@ TEST(RandGen, TableAndBins) {
   for (int i = 1; i <= 10; ++i) g.SetProbability(i, 0);
   EXPECT_FALSE(g.Standardize());
   EXPECT_GE(g.Random(), 2);  // after all attempts
-  g.SetResolution(5000);
-  EXPECT_EQ(g.Probability(4000) + g.Probability(4001), 1);
 }
 
 /// Each rule written out as it is stated: walks over gaps, exponentials.
