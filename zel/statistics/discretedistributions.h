@@ -39,7 +39,7 @@ ZEL_API bool BinomDistriQuantile(int n, double p, double q, int& result);
 /// larger; 0 <= u <= nx ny, symmetric. Right to an ulp for sizes up to some thousands.
 /// @return 0 for u outside 0..nx ny and sizes below 1
 /// Method, with m the smaller size: closed forms for m <= 4; for small samples and small u the
-/// exact recurrence (Harding, Appl. Statist. 33 (1984) 1), at most some 10 ms and 4 MB; else the
+/// exact recurrence (Harding, Appl. Statist. 33 (1984) 1), at most some 40 ms and 4 MB; else the
 /// integral of the generating function through its saddle point, some 100 m evaluations and no
 /// storage.
 [[nodiscard]] ZEL_API double UDistriDensity(int nx, int ny, int u);
