@@ -24,7 +24,7 @@ namespace zel::kernels {
 
 /// P(U = u) and P(U <= u), u <= mn / 2 (above, the caller takes the symmetry), by the cheapest
 /// method:
-///   - up to three values in the smaller sample: the counts are polynomials for each u modulo 6;
+///   - up to four values in the smaller sample: the counts are polynomials for each u modulo 12;
 ///   - cheap tables: the recurrence;
 ///   - else the integral of the generating function over a line in the complex plane, through the
 ///     saddle point or a little beside it, by the trapezoidal rule, which converges faster than any

@@ -6,7 +6,7 @@
 
 namespace zel {
 
-/// Distribution function P(X <= chi2) with df degrees of freedom, right to two ulps in the lower
+/// Distribution function P(X <= chi2) with df degrees of freedom, right to an ulp in the lower
 /// tail too, for every df.
 /// @return 0 for df below 1 and chi2 <= 0, so that a significance made from it is 1; not-a-number
 ///   for a chi2 that is none

@@ -14,8 +14,9 @@ namespace zel {
 /// nDistriIntegral(-x).
 [[nodiscard]] ZEL_API double nDistriIntegral(double x);
 
-/// The x with nDistriIntegral(x) = p, to a relative error of p of 1e-8. For p close to 1 take
-/// -nDistriQuantile(1 - p) instead, which is precise to the last digits of the argument.
+/// The x with nDistriIntegral(x) = p, to a relative error of p of 1e-8, down to the smallest p. For
+/// p close to 1 take minus the quantile of 1 - p, whose error is relative to that smaller
+/// probability.
 /// @return 0 for p outside the open interval (0, 1)
 /// Method: bisection about a rational approximation (Abramowitz and Stegun 26.2.23).
 [[nodiscard]] ZEL_API double nDistriQuantile(double p);
