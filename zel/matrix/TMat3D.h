@@ -11,6 +11,13 @@
 
 namespace zel {
 
+namespace detail {
+template <int Rank>
+struct TGridBlock;
+template <int Rank>
+struct TGridView;
+}  // namespace detail
+
 /// Three-dimensional container of doubles: columns, rows and layers, each numbered from 1 and at
 /// least one, with indices and ranges always in that order. An image stack, for example.
 ///
@@ -35,7 +42,7 @@ class ZEL_API TMat3D : public TComponent {
 
   /// Fires OnChange.
   void Changed();
-  /// Fires OnPercentDone.
+  /// Fires OnPercentDone, with this array as the sender whoever calls.
   void PercDone(TObject* Sender, int Percent);
 
   [[nodiscard]] int NrOfColumns() const { return FNumX; }
@@ -132,8 +139,6 @@ class ZEL_API TMat3D : public TComponent {
   [[nodiscard]] std::string CRCofData() const;
 
  private:
-  struct TBlock;
-
   [[nodiscard]] bool Contains(int Nx, int Ny, int Nz) const {
     // Indices below 1 become huge.
     return static_cast<unsigned>(Nx) - 1U < static_cast<unsigned>(FNumX) &&
@@ -146,15 +151,12 @@ class ZEL_API TMat3D : public TComponent {
                static_cast<std::size_t>(FNumZ) +
            static_cast<std::size_t>(Nz - 1);
   }
-  [[nodiscard]] TBlock Clamped(int LowCol, int HighCol, int LowRow, int HighRow, int LowLayer,
-                               int HighLayer) const;
+  [[nodiscard]] detail::TGridView<3> View() const;
+  [[nodiscard]] detail::TGridBlock<3> Clamped(int LowCol, int HighCol, int LowRow, int HighRow,
+                                              int LowLayer, int HighLayer) const;
   void RequireLayer(int Layer) const;
   template <class Operation>
   decltype(auto) Guarded(Operation&& operation) const;
-  template <class Use>
-  void ForEachRun(const TBlock& block, Use&& use) const;
-  template <class Use>
-  decltype(auto) WithCells(const TBlock& block, Use&& use) const;
   template <class Next>
   void FillBy(Next&& next);
 

@@ -66,7 +66,7 @@ class TNumMatrix : public TComponent {
 
   /// Fires OnChange.
   void Changed();
-  /// Fires OnPercentDone.
+  /// Fires OnPercentDone, with this matrix as the sender whoever calls.
   void PercDone(TObject* Sender, int Percent);
 
   [[nodiscard]] int NrOfColumns() const { return FNCol; }
