@@ -5,24 +5,18 @@
 #include <cstdint>
 #include <new>
 
-#include "zel/base/guard_impl.h"
 #include "zel/foundation/randoms.h"
 #include "zel/kernels/fingerprint.h"
 #include "zel/kernels/hooks.h"
 #include "zel/kernels/moments.h"
 #include "zel/kernels/range.h"
 #include "zel/matrix/grid_impl.h"
+#include "zel/matrix/mat3d_impl.h"
 
 namespace zel {
 
 using detail::TGridBlock;
 using detail::TGridView;
-
-template <class Operation>
-decltype(auto) TMat3D::Guarded(Operation&& operation) const {
-  return detail::GuardMemory(operation,
-                             [&] { return EZELMatrixError(ComponentMessage(detail::kNoMemory)); });
-}
 
 TMat3D::TMat3D(TComponent* AOwner) : TComponent(AOwner) {
   Guarded([&] { Mat.SetLength(1, 1, 1); });

@@ -138,6 +138,21 @@ class ZEL_API TMat3D : public TComponent {
   /// Fingerprint of the elements in their order; see TNumMatrix::CRCofData.
   [[nodiscard]] std::string CRCofData() const;
 
+  /// Reads the header of a binary file, whatever file it is.
+  /// @return true if it is one of a three-dimensional array
+  /// @throws EInOutError  if the file is missing, cut off or cannot be read
+  static bool ReadBinaryHeader(std::string_view FName, int& NrColumns, int& NrRows, int& NrLayers,
+                               int& NrTimeSlots, std::string& DataID, int& Format);
+  /// Writes a binary file with DataID (its first 255 bytes) and elements; the guide describes it.
+  /// @return 0; -1 if it cannot be written, an old file is left as it was then
+  int SaveBinary(std::string_view FName) const;
+  /// Reads a file of SaveBinary: size, DataID and elements. OnChange fires for a resize and at the
+  /// end.
+  /// @return 0; -1, with nothing changed, if the header is not that of such a file
+  /// @throws EInOutError      as ReadBinaryHeader; the array is unchanged then
+  /// @throws EZELMatrixError  `: not enough memory on heap`; the array is unchanged then
+  int LoadBinary(std::string_view FName);
+
  private:
   [[nodiscard]] bool Contains(int Nx, int Ny, int Nz) const {
     // Indices below 1 become huge.
@@ -155,6 +170,8 @@ class ZEL_API TMat3D : public TComponent {
   [[nodiscard]] detail::TGridBlock<3> Clamped(int LowCol, int HighCol, int LowRow, int HighRow,
                                               int LowLayer, int HighLayer) const;
   void RequireLayer(int Layer) const;
+  /// Takes over contents with their size and DataID; OnChange fires for a resize and at the end.
+  void TakeAll(TDouble3DArray& contents, std::string_view id);
   template <class Operation>
   decltype(auto) Guarded(Operation&& operation) const;
   template <class Next>

@@ -312,6 +312,48 @@ class ZEL_API TMat4D : public TComponent {
                               int LowLayer, int HighLayer, int LowTimeSlot, int HighTimeSlot,
                               int NThreads) const;
 
+  // Binary files, read and written by ranges of time slots; the guide describes them. A file that
+  // is missing, lacks what is to be read or cannot be read throws EInOutError. What fails leaves
+  // the array as it was. Where a routine makes several checks, the last one that fails sets the
+  // code.
+  //
+  // Time slots of a file are TSlotStart..TSlotEnd, TSlotEnd lowered to their number; with a bound
+  // below 1, all of them.
+
+  /// Reads the header of a binary file, whatever file it is.
+  /// @return true if it is one of a four-dimensional array
+  /// @throws EInOutError
+  static bool ReadBinaryHeader(std::string_view FName, int& NrColumns, int& NrRows, int& NrLayers,
+                               int& NrTimeSlots, std::string& DataID, int& Format);
+  /// Passes the elements of time slots to OnReadElement, one after the other, holding no more than
+  /// a record of the file; the array does not take part. The format code is not checked. Reports
+  /// each percent.
+  /// @return 0; -1 if TSlotStart exceeds the number of time slots
+  int ReadBinary(std::string_view FName, int TSlotStart, int TSlotEnd);
+  /// Fires OnReadElement.
+  void ReadElement(TObject* Sender, int ix, int iy, int il, int it, double Value);
+  /// Reads a layer of a time slot into the same slice of the array. Reports each percent; OnChange
+  /// does not fire.
+  /// @return 0; -1: no such time slot in the file, or in the array; -2: no such layer in either;
+  ///   -3: columns or rows differ
+  int ReadLayer(std::string_view FName, int Layer, int TSlot);
+  /// Writes a file with DataID (its first 255 bytes) and the time slots of a range, clamped.
+  /// @return 0; -1 if it cannot be written, an old file is left as it was then
+  int SaveBinary(std::string_view FName, int TSlotStart, int TSlotEnd) const;
+  /// Makes this array that of the time slots of a file, with its DataID. OnChange fires for a
+  /// resize and at the end.
+  /// @return 0; -1: no time slot of the range is in the file; -2: it is not one of a
+  ///   four-dimensional array
+  int LoadBinary(std::string_view FName, int TSlotStart, int TSlotEnd);
+  /// The same, whatever the format code is.
+  int LoadBinaryNoFmtCheck(std::string_view FName, int TSlotStart, int TSlotEnd);
+  /// Appends the time slots of a range, clamped, to a file with the same numbers of columns, rows
+  /// and layers. A missing file is written as by SaveBinary. The header, written last, gets their
+  /// number; until then, and if anything fails, the file holds what it held.
+  /// @return 0; -1: it cannot be written; -2: the file is not one of a four-dimensional array; -3:
+  ///   its columns, rows or layers differ; -4: there would be more than 2147483647 time slots
+  int AppendToBinaryFile(std::string_view FName, int TSlotStart, int TSlotEnd) const;
+
  private:
   class TPercent;
 
@@ -350,6 +392,9 @@ class ZEL_API TMat4D : public TComponent {
   decltype(auto) Guarded(Operation&& operation) const;
   /// Takes over contents with their size; OnChange fires.
   void TakeOver(TDouble4DArray& contents);
+  /// The same with a DataID; OnChange fires for a resize in addition.
+  void TakeAll(TDouble4DArray& contents, std::string_view id);
+  int LoadSlots(std::string_view FName, int TSlotStart, int TSlotEnd, bool ChecksFormat);
   template <class Next>
   void FillBy(const detail::TGridBlock<4>& block, Next&& next);
   /// Reverses the order of `count` pieces of `length` cells, everywhere in the storage.
@@ -382,6 +427,16 @@ ZEL_API void CopyArr3DLayerToArr2D(const TDouble3DArray& Arr, TDouble2DArray& De
 /// outside the matrix count as 0, a reversed range is empty. A null matrix counts as an empty one.
 ZEL_API void CopyMatrixToArray(const TMatrix* Mat, TDouble2DArray& Dest, int LowCol, int HighCol,
                                int LowRow, int HighRow);
+
+/// Reads a layer of a time slot of a binary file to an array, indexed [column][row], which gets its
+/// size, or adds it to the array.
+/// @return 0; -1: no such time slot in the file; -2: no such layer; -3: the array to add to has not
+///   the size of the layer; the last of them, nothing happens then
+/// @throws EInOutError      if the file is missing, cut off or cannot be read
+/// @throws EZELMatrixError  for want of memory; Data is unchanged then
+ZEL_API int Read4DLayer(std::string_view FName, int Layer, int TSlot, TDouble2DArray& Data);
+ZEL_API int Read4DLayerAndAccumulate(std::string_view FName, int Layer, int TSlot,
+                                     TDouble2DArray& Data);
 
 /// Worker that aggregates the pixels of one column of a four-dimensional array: the cells of the
 /// rows LowRow..HighRow of column Column, over the layers and time slots of the given ranges, go

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "zel/base/wholefile.h"
+#include "zel/matrix/binary_matrix_impl.h"
 #include "zel/matrix/container_impl.h"
 #include "zel/matrix/number_form_impl.h"
 #include "zel/vector/files_impl.h"
@@ -65,6 +66,42 @@ bool TNumMatrix<T>::TakeRectangle(const detail::TStoredRectangle<T>& read, bool 
   }
   Changed();
   return true;
+}
+
+template <class T>
+void TNumMatrix<T>::TakeAll(TDynArray<T, 2>& contents, int Nc, int Nr, std::string_view id) {
+  std::string newId(id);
+  const bool resized = Nc != FNCol || Nr != FNRow;
+  TakeOver(contents, Nc, Nr);
+  FDataID.swap(newId);
+  if (resized) Changed();
+  Changed();
+}
+
+template <class T>
+bool TNumMatrix<T>::ReadBinaryHeader(std::string_view FName, int& NrColumns, int& NrRows,
+                                     std::string& DataID, int& Format) {
+  const detail::TBinaryReader reader(FName);
+  const detail::TBinaryHeader& header = reader.Header();
+  NrColumns = header.Columns;
+  NrRows = header.Rows;
+  DataID = header.DataID;
+  Format = header.Format;
+  return header.IsMatrix(detail::kElementFormat<T>);
+}
+
+template <class T>
+int TNumMatrix<T>::SaveBinary(std::string_view FName) const {
+  return Guarded([&] { return detail::SaveBinaryMatrix(FName, View(), FDataID) ? 0 : -1; });
+}
+
+template <class T>
+int TNumMatrix<T>::LoadBinary(std::string_view FName) {
+  TDynArray<T, 2> cells;
+  detail::TBinaryHeader header;
+  if (!Guarded([&] { return detail::LoadBinaryMatrix(FName, cells, header); })) return -1;
+  TakeAll(cells, header.Columns, header.Rows, header.DataID);
+  return 0;
 }
 
 }  // namespace zel

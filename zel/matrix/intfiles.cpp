@@ -1,4 +1,6 @@
 // TIntMatrix: files and streams of either form.
+#include <array>
+
 #include "zel/matrix/files_impl.h"
 #include "zel/matrix/intmatrix_impl.h"
 
@@ -40,6 +42,106 @@ bool TIntMatrix::LoadFromStream(std::istream* InStream, bool AdjustMatrixSize) {
 
 bool TIntMatrix::LoadFromFile(std::string_view FileName, bool AdjustMatrixSize) {
   return Edit([&](TNumMatrix& m) { return m.LoadFromFile(FileName, AdjustMatrixSize); });
+}
+
+/// Lets load(matrix), 0 on success, replace this matrix, or fill a dense one whose contents a
+/// sparse one then takes.
+template <class Load>
+int TIntMatrix::Replace(Load&& load) {
+  if (!FIsSparse) return load(static_cast<TNumMatrix&>(*this));
+  TDenseCopy copy(*this);
+  const int result = load(*copy);
+  if (result != 0) return result;
+  std::string id = (*copy).DataID();
+  const bool resized = FNCol != (*copy).NrOfColumns() || FNRow != (*copy).NrOfRows();
+  TakeContents(copy);
+  SetDataID(id);
+  if (resized) Changed();
+  Changed();
+  return 0;
+}
+
+int TIntMatrix::SaveBinary(std::string_view FName) const {
+  return WithRectangle(0, 0, 0, 0, [&](const detail::TBounds&, auto cells) {
+    return Guarded([&] { return detail::SaveBinaryMatrix(FName, cells, DataID()) ? 0 : -1; });
+  });
+}
+
+int TIntMatrix::LoadBinary(std::string_view FName) {
+  return Replace([&](TNumMatrix& m) { return m.LoadBinary(FName); });
+}
+
+bool TIntMatrix::StoreSparseMat(std::string_view FileName) const {
+  return Guarded([&] {
+    TRecords list;
+    int count = FSparseNumElem;
+    if (!FIsSparse) list = RecordsOf(Elements(), NrOfRows(), 1, count);
+    const TRecords& cells = FIsSparse ? SpMat : list;
+    WholeFileWriter file(FileName);
+    if (!file.IsOpen()) return false;
+    detail::TBinaryWriter writer(
+        file.Stream(),
+        {NrOfColumns(), NrOfRows(), 0, 0, std::string_view(DataID()), detail::kSparseCells, count});
+    for (int k = 0; k < count && file.Stream(); ++k) {
+      const TSpMatElemInt& cell = cells.data()[k];
+      writer.Write(std::array{cell.colidx, cell.rowidx, cell.value});
+    }
+    writer.Finish();
+    return file.Commit();
+  });
+}
+
+bool TIntMatrix::LoadSparseMat(std::string_view FileName) {
+  try {
+    return Guarded([&] {
+      detail::TBinaryReader reader(FileName);
+      const detail::TBinaryHeader& header = reader.Header();
+      if (!header.IsMatrix(detail::kSparseCells)) return false;
+      if (std::min({header.Columns, header.Rows, header.Cells}) < 0) return false;
+      const auto count = static_cast<std::size_t>(header.Cells);
+      reader.Seek(0, 3 * std::uint64_t{count}, sizeof(int));
+      TRecords cells = NewRecords(count, std::max(FAllocBy, 1));
+      TSpMatElemInt last{0, 0, 0};
+      for (std::size_t k = 0; k < count; ++k) {
+        std::array<int, 3> cell;
+        reader.Read(cell);
+        const TSpMatElemInt next{cell[0], cell[1], cell[2]};
+        const bool ascends =
+            next.colidx > last.colidx || (next.colidx == last.colidx && next.rowidx > last.rowidx);
+        const bool lies = next.colidx >= 1 && next.colidx <= header.Columns && next.rowidx >= 1 &&
+                          next.rowidx <= header.Rows;
+        if (!ascends || !lies) return false;
+        cells.data()[k] = last = next;
+      }
+      return TakeCells(cells, header.Cells, header.Columns, header.Rows, header.DataID);
+    });
+  } catch (const EInOutError&) {
+    return false;
+  }
+}
+
+bool TIntMatrix::TakeCells(TRecords& cells, int count, int Nc, int Nr, std::string_view id) {
+  if (!FIsSparse) {
+    const auto held =
+        std::max(count + detail::kUnbackedPositions, static_cast<std::int64_t>(NrOfElements()));
+    if (std::int64_t{Nc} * Nr > held) return false;
+    TInt2DArray contents;
+    Guarded([&] { contents.SetLength(std::max(Nc, 1), std::max(Nr, 1)); });
+    for (int k = 0; k < count; ++k) {
+      const TSpMatElemInt& cell = cells.data()[k];
+      contents(cell.colidx - 1, cell.rowidx - 1) = cell.value;
+    }
+    TakeAll(contents, Nc, Nr, id);
+    return true;
+  }
+  const bool resized = FNCol != Nc || FNRow != Nr;
+  SetDataID(id);
+  SetRecords(cells, count);
+  FNCol = Nc;
+  FNRow = Nr;
+  if (resized) Changed();
+  Changed();
+  return true;
 }
 
 }  // namespace zel

@@ -312,6 +312,23 @@ class TNumMatrix : public TComponent {
   /// @throws EZELMatrixError  `: not enough memory on heap`
   bool LoadFromFile(std::string_view FileName, bool AdjustMatrixSize);
 
+  // Binary files. What fails leaves the matrix as it was. A file that is missing, cut off or cannot
+  // be read throws EInOutError.
+
+  /// Reads the header of a binary file, whatever file it is.
+  /// @return true if it is one of a matrix with elements of this kind
+  /// @throws EInOutError
+  static bool ReadBinaryHeader(std::string_view FName, int& NrColumns, int& NrRows,
+                               std::string& DataID, int& Format);
+  /// Writes a binary file with DataID (its first 255 bytes) and elements; the guide describes it.
+  /// @return 0; -1 if it cannot be written, an old file is left as it was then
+  int SaveBinary(std::string_view FName) const;
+  /// Reads a file of SaveBinary: size, DataID and elements. OnChange fires for a resize and at the
+  /// end.
+  /// @return 0; -1 if the header is not that of a matrix with elements of this kind
+  /// @throws EInOutError, EZELMatrixError  `: not enough memory on heap`
+  int LoadBinary(std::string_view FName);
+
   // What C++ callers expect beside the operations above.
   /// Elements of a column (numbered from 1); none outside the matrix.
   [[nodiscard]] std::span<const T> Column(int c) const;
@@ -387,6 +404,9 @@ class TNumMatrix : public TComponent {
   void SetRows(std::initializer_list<std::initializer_list<T>> rows);
   /// Takes over contents of the given size; OnChange does not fire.
   void TakeOver(TDynArray<T, 2>& contents, int Nc, int Nr) noexcept;
+  /// Takes over contents of the given size with their DataID; OnChange fires for a resize and at
+  /// the end.
+  void TakeAll(TDynArray<T, 2>& contents, int Nc, int Nr, std::string_view id);
   /// Inserts a row of zeros, of a valid number; OnChange does not fire.
   void OpenRow(int row);
   /// Stores what has been read, if it fits.
