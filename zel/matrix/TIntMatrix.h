@@ -217,6 +217,17 @@ class ZEL_API TIntMatrix : public TNumMatrix<int> {
   ///   2^24 cells
   /// @throws EZELMatrixError  `: not enough memory on heap`
   bool LoadSparseMat(std::string_view FileName);
+  /// A sparse matrix writes its records, and takes the cells that it reads as records, whatever the
+  /// size.
+  bool SaveAsXMLFile(std::string_view FName, std::string_view DataID) const;
+  void WriteToXMLStream(std::ostream& OutStream, bool CreateHeader, std::string_view DataID) const;
+  void WriteToOpenXMLFile(std::ostream& TextFile, bool CreateHeader, std::string_view DataID) const;
+  bool LoadFromXMLFile(std::string_view FName, std::string_view DataID);
+  bool ReadFromXMLStream(std::istream& InStream, std::string_view DataID);
+  bool ReadFromOpenXMLFile(std::istream& TextFile, std::string_view DataID);
+
+ protected:
+  int ProcessXmlTag(TMatXmlTag Tag, std::string_view Attr, std::string_view Content);
 
  private:
   using TRecords = TDynArray<TSpMatElemInt, 1>;
@@ -278,6 +289,7 @@ class ZEL_API TIntMatrix : public TNumMatrix<int> {
   int FSparseLowRow = 0;
   int FSparseHighRow = 0;
   TRecords SpMat;
+  detail::TXmlState FXmlState;
 };
 
 /// Rows in braces.

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -11,6 +12,7 @@
 #include "zel/matrix/binary_matrix_impl.h"
 #include "zel/matrix/container_impl.h"
 #include "zel/matrix/number_form_impl.h"
+#include "zel/matrix/xml_form_impl.h"
 #include "zel/vector/files_impl.h"
 
 namespace zel {
@@ -102,6 +104,65 @@ int TNumMatrix<T>::LoadBinary(std::string_view FName) {
   if (!Guarded([&] { return detail::LoadBinaryMatrix(FName, cells, header); })) return -1;
   TakeAll(cells, header.Columns, header.Rows, header.DataID);
   return 0;
+}
+
+template <class T>
+bool TNumMatrix<T>::SaveAsXMLFile(std::string_view FName, std::string_view DataID) const {
+  return Guarded([&] { return detail::SaveXmlFile(*this, FName, DataID); });
+}
+
+template <class T>
+void TNumMatrix<T>::WriteToXMLStream(std::ostream& OutStream, bool CreateHeader,
+                                     std::string_view DataID) const {
+  Guarded([&] {
+    detail::TXmlMatrixWriter xml(OutStream, CreateHeader, DataID, FDataID,
+                                 std::array{FNCol, FNRow});
+    for (int c = 1; c <= FNCol; ++c) {
+      for (int r = 1; r <= FNRow; ++r) {
+        if (!xml.Cell({c, r}, GetVal(c, r))) return;
+      }
+    }
+    xml.End();
+  });
+}
+
+template <class T>
+void TNumMatrix<T>::WriteToOpenXMLFile(std::ostream& TextFile, bool CreateHeader,
+                                       std::string_view DataID) const {
+  WriteToXMLStream(TextFile, CreateHeader, DataID);
+}
+
+template <class T>
+bool TNumMatrix<T>::LoadFromXMLFile(std::string_view FName, std::string_view DataID) {
+  return detail::LoadXmlFile(*this, FName, DataID);
+}
+
+template <class T>
+bool TNumMatrix<T>::ReadFromXMLStream(std::istream& InStream, std::string_view DataID) {
+  detail::TXmlMatrix<T> read(2);
+  TDynArray<T, 2> contents;
+  const bool isRead = Guarded([&] {
+    detail::XmlReader reader(InStream);
+    if (!read.Read(reader, DataID) || !read.IsBorneOut(NrOfElements())) return false;
+    contents.SetLength(std::max(read.Count(0), 1), std::max(read.Count(1), 1));
+    read.Store(contents.data());
+    return true;
+  });
+  if (isRead) TakeAll(contents, read.Count(0), read.Count(1), read.ID());
+  return isRead;
+}
+
+template <class T>
+bool TNumMatrix<T>::ReadFromOpenXMLFile(std::istream& TextFile, std::string_view DataID) {
+  return ReadFromXMLStream(TextFile, DataID);
+}
+
+template <class T>
+int TNumMatrix<T>::ProcessXmlTag(TMatXmlTag Tag, std::string_view Attr, std::string_view Content) {
+  return detail::ProcessXmlTag<T>(
+      2, Tag, Attr, Content, FXmlState, FirstCell,
+      [&](const auto& counts) { Resize(counts[0], counts[1]); },
+      [&](const detail::TXmlIndex& at, T value) { SetVal(at[0], at[1], value); });
 }
 
 }  // namespace zel

@@ -144,4 +144,59 @@ bool TIntMatrix::TakeCells(TRecords& cells, int count, int Nc, int Nr, std::stri
   return true;
 }
 
+bool TIntMatrix::SaveAsXMLFile(std::string_view FName, std::string_view DataID) const {
+  return Guarded([&] { return detail::SaveXmlFile(*this, FName, DataID); });
+}
+
+void TIntMatrix::WriteToXMLStream(std::ostream& OutStream, bool CreateHeader,
+                                  std::string_view DataID) const {
+  if (!FIsSparse) return TNumMatrix::WriteToXMLStream(OutStream, CreateHeader, DataID);
+  Guarded([&] {
+    detail::TXmlMatrixWriter xml(OutStream, CreateHeader, DataID, TNumMatrix::DataID(),
+                                 std::array{FNCol, FNRow});
+    for (const TSpMatElemInt& cell : StoredCells()) {
+      if (!xml.Cell({cell.colidx, cell.rowidx}, cell.value)) return;
+    }
+    xml.End();
+  });
+}
+
+void TIntMatrix::WriteToOpenXMLFile(std::ostream& TextFile, bool CreateHeader,
+                                    std::string_view DataID) const {
+  WriteToXMLStream(TextFile, CreateHeader, DataID);
+}
+
+bool TIntMatrix::LoadFromXMLFile(std::string_view FName, std::string_view DataID) {
+  return detail::LoadXmlFile(*this, FName, DataID);
+}
+
+bool TIntMatrix::ReadFromXMLStream(std::istream& InStream, std::string_view DataID) {
+  if (!FIsSparse) return TNumMatrix::ReadFromXMLStream(InStream, DataID);
+  detail::TXmlMatrix<int> read(2);
+  return Guarded([&] {
+    detail::XmlReader reader(InStream);
+    if (!read.Read(reader, DataID)) return false;
+    const auto cells = read.Sorted();
+    TRecords records = NewRecords(cells.size(), FAllocBy);
+    TSpMatElemInt* next = records.data();
+    const auto rows = static_cast<std::uint64_t>(read.Count(1));
+    for (const auto& [place, value] : cells) {
+      *next++ = {static_cast<int>(place / rows) + 1, static_cast<int>(place % rows) + 1, value};
+    }
+    return TakeCells(records, static_cast<int>(cells.size()), read.Count(0), read.Count(1),
+                     read.ID());
+  });
+}
+
+bool TIntMatrix::ReadFromOpenXMLFile(std::istream& TextFile, std::string_view DataID) {
+  return ReadFromXMLStream(TextFile, DataID);
+}
+
+int TIntMatrix::ProcessXmlTag(TMatXmlTag Tag, std::string_view Attr, std::string_view Content) {
+  return detail::ProcessXmlTag<int>(
+      2, Tag, Attr, Content, FXmlState, FirstCell,
+      [&](const auto& counts) { Resize(counts[0], counts[1]); },
+      [&](const detail::TXmlIndex& at, int value) { SetVal(at[0], at[1], value); });
+}
+
 }  // namespace zel

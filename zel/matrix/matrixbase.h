@@ -14,6 +14,7 @@
 
 #include "zel/base/Zel_zelbase.h"
 #include "zel/base/streams.h"
+#include "zel/matrix/xmlvocabulary.h"
 #include "zel/vector/Zel_vector.h"
 
 namespace zel {
@@ -329,6 +330,29 @@ class TNumMatrix : public TComponent {
   /// @throws EInOutError, EZELMatrixError  `: not enough memory on heap`
   int LoadBinary(std::string_view FName);
 
+  // XML: an element `matrix` with the counts and a `cell` for each stored value; the guide
+  // describes it. Values are written as the shortest text that gives the same number again,
+  // infinities and not-a-number included.
+
+  /// Writes a file with the XML declaration and the matrix.
+  /// @param DataID  an identifier by which the readers find the matrix among others; empty: DataID
+  ///   of this object
+  /// @return false if the file could not be written; an old file is untouched then
+  bool SaveAsXMLFile(std::string_view FName, std::string_view DataID) const;
+  /// Writes the element, behind the XML declaration if that is wanted.
+  void WriteToXMLStream(std::ostream& OutStream, bool CreateHeader, std::string_view DataID) const;
+  void WriteToOpenXMLFile(std::ostream& TextFile, bool CreateHeader, std::string_view DataID) const;
+  /// Reads the first matrix with an identifier, or the first one if that is empty: size, elements
+  /// (what has no cell is 0) and DataID. OnChange fires for a resize and at the end.
+  /// @return false, with nothing changed, if the source cannot be read, there is no such matrix, it
+  ///   is damaged (an unknown tag, a cell without a number, no closing tag), or its size exceeds
+  ///   what this object has and the cells it holds by more than 2^24
+  /// @throws EZELMatrixError  `: not enough memory on heap`
+  bool LoadFromXMLFile(std::string_view FName, std::string_view DataID);
+  /// The same from a stream, which is left behind the matrix.
+  bool ReadFromXMLStream(std::istream& InStream, std::string_view DataID);
+  bool ReadFromOpenXMLFile(std::istream& TextFile, std::string_view DataID);
+
   // What C++ callers expect beside the operations above.
   /// Elements of a column (numbered from 1); none outside the matrix.
   [[nodiscard]] std::span<const T> Column(int c) const;
@@ -404,6 +428,13 @@ class TNumMatrix : public TComponent {
   void SetRows(std::initializer_list<std::initializer_list<T>> rows);
   /// Takes over contents of the given size; OnChange does not fire.
   void TakeOver(TDynArray<T, 2>& contents, int Nc, int Nr) noexcept;
+  static constexpr TMatXmlTag xmlInvalid = xmlMatInvalid;
+  /// Takes one tag of a matrix that is read: a count is kept; the first cell gives the object the
+  /// announced size, and each cell is stored by SetVal; a count and xmlMatBegin set FirstCell.
+  /// @param Attr  attribute text; an index that is missing there is 0
+  /// @return 0 to go on; 1 for xmlMatEnd; -1 for xmlInvalid and for a cell without a value
+  int ProcessXmlTag(TMatXmlTag Tag, std::string_view Attr, std::string_view Content);
+  bool FirstCell = false;  ///< no cell has been processed in the current read
   /// Takes over contents of the given size with their DataID; OnChange fires for a resize and at
   /// the end.
   void TakeAll(TDynArray<T, 2>& contents, int Nc, int Nr, std::string_view id);
@@ -427,6 +458,7 @@ class TNumMatrix : public TComponent {
   int FNCol = 1;
   int FNRow = 1;
   std::string FDataID;
+  detail::TXmlState FXmlState;
   TDynArray<T, 2> Mat;
 };
 
