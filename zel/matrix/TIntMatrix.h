@@ -217,6 +217,16 @@ class ZEL_API TIntMatrix : public TNumMatrix<int> {
   ///   2^24 cells
   /// @throws EZELMatrixError  `: not enough memory on heap`
   bool LoadSparseMat(std::string_view FileName);
+  /// Writes an ASC file, values as plain integers.
+  /// @param Comment   first line, line feeds as blanks; empty: a default that names the file
+  /// @param CustData  further columns of texts, [column][row], behind the rows; what they lack is
+  ///   empty
+  /// @return 0; -1 if it cannot be written, an old file is left as it was then
+  int ExportAsASC(std::string_view FName, std::string_view Comment) const;
+  int ExportAsASC(std::string_view FName, std::string_view Comment,
+                  const TStr2DArray& CustData) const;
+  int ImportASC(std::string_view FName, std::string& Comment);
+  int ImportASC(std::string_view FName, std::string& Comment, TStr2DArray& CustData);
   /// A sparse matrix writes its records, and takes the cells that it reads as records, whatever the
   /// size.
   bool SaveAsXMLFile(std::string_view FName, std::string_view DataID) const;

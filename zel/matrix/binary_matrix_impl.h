@@ -11,6 +11,7 @@
 #include "zel/kernels/integer_products.h"
 #include "zel/kernels/products.h"
 #include "zel/matrix/binary_form_impl.h"
+#include "zel/matrix/number_form_impl.h"
 
 namespace zel::detail {
 
@@ -57,6 +58,8 @@ template <class T>
   const TBinaryHeader& found = reader.Header();
   if (!found.IsMatrix(kElementFormat<T>) || std::min(found.Columns, found.Rows) < 0) return false;
   reader.Seek(0, found.LayerSize(), sizeof(T));
+  const auto held = static_cast<std::size_t>(found.LayerSize());
+  if (!IsBorneOut(found.Columns, found.Rows, held, 0)) return false;
   const auto columns = static_cast<std::size_t>(found.Columns);
   const auto rows = static_cast<std::size_t>(found.Rows);
   TDynArray<T, 2> read(std::max<std::size_t>(columns, 1), std::max<std::size_t>(rows, 1));

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "zel/base/wholefile.h"
+#include "zel/matrix/asc_form_impl.h"
 #include "zel/matrix/binary_matrix_impl.h"
 #include "zel/matrix/container_impl.h"
 #include "zel/matrix/number_form_impl.h"
@@ -54,9 +55,8 @@ template <class T>
 bool TNumMatrix<T>::TakeRectangle(const detail::TStoredRectangle<T>& read, bool AdjustMatrixSize) {
   const detail::TBounds& to = read.Bounds;
   if (AdjustMatrixSize) {
-    const auto backed = static_cast<std::int64_t>(read.Values.size()) + detail::kUnbackedPositions;
-    const auto held = std::max(backed, static_cast<std::int64_t>(NrOfElements()));
-    if (std::int64_t{to.HighCol} * to.HighRow > held) return false;
+    if (!detail::IsBorneOut(to.HighCol, to.HighRow, read.Values.size(), NrOfElements()))
+      return false;
     Resize(to.HighCol, to.HighRow);
   } else if (to.HighCol > FNCol || to.HighRow > FNRow) {
     return false;
@@ -143,7 +143,10 @@ bool TNumMatrix<T>::ReadFromXMLStream(std::istream& InStream, std::string_view D
   TDynArray<T, 2> contents;
   const bool isRead = Guarded([&] {
     detail::XmlReader reader(InStream);
-    if (!read.Read(reader, DataID) || !read.IsBorneOut(NrOfElements())) return false;
+    if (!read.Read(reader, DataID) ||
+        !detail::IsBorneOut(read.Count(0), read.Count(1), read.Cells(), NrOfElements())) {
+      return false;
+    }
     contents.SetLength(std::max(read.Count(0), 1), std::max(read.Count(1), 1));
     read.Store(contents.data());
     return true;
@@ -163,6 +166,40 @@ int TNumMatrix<T>::ProcessXmlTag(TMatXmlTag Tag, std::string_view Attr, std::str
       2, Tag, Attr, Content, FXmlState, FirstCell,
       [&](const auto& counts) { Resize(counts[0], counts[1]); },
       [&](const detail::TXmlIndex& at, T value) { SetVal(at[0], at[1], value); });
+}
+
+template <class T>
+int TNumMatrix<T>::ExportASC(const detail::TASCSource& source,
+                             kernels::MatrixSpan<const T> cells) const {
+  return Guarded([&] {
+    WholeFileWriter file(source.FileName);
+    if (!file.IsOpen()) return -1;
+    detail::WriteMatrixASC(file.Stream(), source, cells);
+    return file.Commit() ? 0 : -1;
+  });
+}
+
+template <class T>
+int TNumMatrix<T>::ImportASC(std::string_view FName, std::string& Comment, TStr2DArray& CustData) {
+  constexpr int unreadable = -1;
+  constexpr int noSuchFile = -8;
+  if (!FileExists(FName)) return noSuchFile;
+  detail::TASCMatrix<T> read;
+  const int result = Guarded([&] {
+    const auto text = ReadWholeFile(FName);
+    return text ? detail::ReadMatrixASC(*text, read) : unreadable;
+  });
+  if (result != unreadable) Comment = std::move(read.Comment);
+  if (result != 0) return result;
+  CustData = std::move(read.CustData);
+  TakeAll(read.Values, read.Columns, read.Rows, FDataID);
+  return 0;
+}
+
+template <class T>
+int TNumMatrix<T>::ImportASC(std::string_view FName, std::string& Comment) {
+  TStr2DArray ignored;
+  return ImportASC(FName, Comment, ignored);
 }
 
 }  // namespace zel

@@ -50,6 +50,7 @@ template <class Load>
 int TIntMatrix::Replace(Load&& load) {
   if (!FIsSparse) return load(static_cast<TNumMatrix&>(*this));
   TDenseCopy copy(*this);
+  Guarded([&] { (*copy).SetDataID(DataID()); });
   const int result = load(*copy);
   if (result != 0) return result;
   std::string id = (*copy).DataID();
@@ -197,6 +198,26 @@ int TIntMatrix::ProcessXmlTag(TMatXmlTag Tag, std::string_view Attr, std::string
       2, Tag, Attr, Content, FXmlState, FirstCell,
       [&](const auto& counts) { Resize(counts[0], counts[1]); },
       [&](const detail::TXmlIndex& at, int value) { SetVal(at[0], at[1], value); });
+}
+
+int TIntMatrix::ExportAsASC(std::string_view FName, std::string_view Comment) const {
+  return ExportAsASC(FName, Comment, TStr2DArray());
+}
+
+int TIntMatrix::ExportAsASC(std::string_view FName, std::string_view Comment,
+                            const TStr2DArray& CustData) const {
+  return WithRectangle(0, 0, 0, 0, [&](const detail::TBounds&, auto cells) {
+    return ExportASC({ClassName(), FName, Comment, 0, &CustData}, cells);
+  });
+}
+
+int TIntMatrix::ImportASC(std::string_view FName, std::string& Comment) {
+  TStr2DArray ignored;
+  return ImportASC(FName, Comment, ignored);
+}
+
+int TIntMatrix::ImportASC(std::string_view FName, std::string& Comment, TStr2DArray& CustData) {
+  return Replace([&](TNumMatrix& m) { return m.ImportASC(FName, Comment, CustData); });
 }
 
 }  // namespace zel

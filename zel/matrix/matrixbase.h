@@ -21,6 +21,7 @@ namespace zel {
 
 namespace detail {
 class TResults;
+struct TASCSource;
 template <class T>
 struct TStoredRectangle;
 }  // namespace detail
@@ -330,6 +331,18 @@ class TNumMatrix : public TComponent {
   /// @throws EInOutError, EZELMatrixError  `: not enough memory on heap`
   int LoadBinary(std::string_view FName);
 
+  /// Reads an ASC file; the guide describes the form. `NAN` and `###` stand for missing values,
+  /// which become 0. Row attributes and all names are passed over. OnChange fires for a resize and
+  /// at the end.
+  /// @param Comment   receives line 1, unless the result is -1 or -8
+  /// @param CustData  receives the further columns, [column][row]; none if there are none
+  /// @return 0; 1..4: the first bad line of the header; -1: the file cannot be read; -5: a bad row
+  ///   attribute; -6: a value is missing or no number; -8: no such file; -9: bad lines behind the
+  ///   rows. Unless it is 0, the matrix is unchanged.
+  /// @throws EZELMatrixError  `: not enough memory on heap`
+  int ImportASC(std::string_view FName, std::string& Comment);
+  int ImportASC(std::string_view FName, std::string& Comment, TStr2DArray& CustData);
+
   // XML: an element `matrix` with the counts and a `cell` for each stored value; the guide
   // describes it. Values are written as the shortest text that gives the same number again,
   // infinities and not-a-number included.
@@ -435,6 +448,8 @@ class TNumMatrix : public TComponent {
   /// @return 0 to go on; 1 for xmlMatEnd; -1 for xmlInvalid and for a cell without a value
   int ProcessXmlTag(TMatXmlTag Tag, std::string_view Attr, std::string_view Content);
   bool FirstCell = false;  ///< no cell has been processed in the current read
+  /// Writes an ASC file with these cells.
+  int ExportASC(const detail::TASCSource& source, kernels::MatrixSpan<const T> cells) const;
   /// Takes over contents of the given size with their DataID; OnChange fires for a resize and at
   /// the end.
   void TakeAll(TDynArray<T, 2>& contents, int Nc, int Nr, std::string_view id);

@@ -91,7 +91,7 @@ class TXmlMatrix {
   [[nodiscard]] std::uint64_t Size() const { return FSize; }
   /// Cells that were there.
   [[nodiscard]] std::uint64_t Cells() const { return FValues.size() + FOthers.size(); }
-  /// The text bears an array of that size out, or one of the size that the target has anyway.
+  /// The text bears an array of that size out, or one that is no larger than what is held already.
   [[nodiscard]] bool IsBorneOut(std::uint64_t held) const;
   /// Stores the cells in an array of that size, which is 0 everywhere.
   void Store(T* elements) const;
