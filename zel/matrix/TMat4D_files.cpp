@@ -7,39 +7,18 @@
 
 #include "zel/base/wholefile.h"
 #include "zel/kernels/products.h"
-#include "zel/matrix/binary_form_impl.h"
+#include "zel/matrix/binary_arrays_impl.h"
 #include "zel/matrix/mat4d_impl.h"
 
 namespace zel {
 
 using detail::TBinaryHeader;
 using detail::TBinaryReader;
+using detail::TSlots;
 
 namespace {
 
 constexpr std::size_t kRecordElements = detail::kBinaryRecord / sizeof(double);
-
-/// Time slots of a file, from 1; empty if First exceeds Last.
-struct TSlots {
-  int First;
-  int Last;
-  TSlots(const TBinaryHeader& header, int start, int end)
-      : First(start < 1 || end < 1 ? 1 : start),
-        Last(start < 1 || end < 1 ? header.TimeSlots : std::min(end, header.TimeSlots)) {}
-  [[nodiscard]] std::uint64_t Count() const {
-    return Last < First ? 0 : static_cast<std::uint64_t>(Last - First) + 1;
-  }
-};
-
-/// Goes to the elements of time slots.
-/// @return their number
-std::uint64_t seekSlots(TBinaryReader& reader, const TSlots& slots) {
-  const std::uint64_t slot = reader.Header().TimeSlotSize();
-  const auto before = static_cast<std::uint64_t>(slots.First - 1);
-  const std::uint64_t count = TBinaryHeader::Product(slot, slots.Count());
-  reader.Seek(TBinaryHeader::Product(slot, before), count);
-  return count;
-}
 
 bool isIndex(int i, int n) { return i >= 1 && i <= n; }
 
@@ -80,7 +59,7 @@ int TMat4D::ReadBinary(std::string_view FName, int TSlotStart, int TSlotEnd) {
   const TBinaryHeader& header = reader.Header();
   if (TSlotStart > header.TimeSlots) return -1;
   const TSlots slots(header, TSlotStart, TSlotEnd);
-  const std::uint64_t total = seekSlots(reader, slots);
+  const std::uint64_t total = slots.Seek(reader);
   if (total == 0) return 0;
   TPercent percent(*this, static_cast<std::size_t>(total));
   std::array<double, kRecordElements> record;
@@ -127,18 +106,8 @@ int TMat4D::ReadLayer(std::string_view FName, int Layer, int TSlot) {
 
 int TMat4D::SaveBinary(std::string_view FName, int TSlotStart, int TSlotEnd) const {
   MakeValidTSlotRange(TSlotStart, TSlotEnd);
-  const int count = TSlotEnd - TSlotStart + 1;
-  const std::size_t slot = SliceSize() * static_cast<std::size_t>(FNumZ);
   return Guarded([&] {
-    WholeFileWriter file(FName);
-    if (!file.IsOpen()) return -1;
-    detail::TBinaryWriter writer(
-        file.Stream(),
-        {FNumX, FNumY, FNumZ, count, std::string_view(FDataID), detail::kDoubleElements});
-    writer.Write(std::span<const double>(&Mat(TSlotStart - 1, 0, 0, 0),
-                                         slot * static_cast<std::size_t>(count)));
-    writer.Finish();
-    return file.Commit() ? 0 : -1;
+    return detail::SaveBinaryArray(FName, Mat, TSlotStart - 1, TSlotEnd - 1, FDataID) ? 0 : -1;
   });
 }
 
@@ -153,20 +122,8 @@ void TMat4D::TakeAll(TDouble4DArray& contents, std::string_view id) {
 int TMat4D::LoadSlots(std::string_view FName, int TSlotStart, int TSlotEnd, bool ChecksFormat) {
   TDouble4DArray read;
   std::string id;
-  const int result = Guarded([&] {
-    TBinaryReader reader(FName);
-    const TBinaryHeader& header = reader.Header();
-    const bool isOwn = header.Layers >= 1 && header.TimeSlots >= 1 && header.TimeSlotSize() > 0;
-    if (!isOwn || (ChecksFormat && !header.Is4D())) return -2;
-    const TSlots slots(header, TSlotStart, TSlotEnd);
-    if (slots.Count() == 0) return -1;
-    seekSlots(reader, slots);
-    read.SetLength(slots.Count(), static_cast<std::size_t>(header.Layers),
-                   static_cast<std::size_t>(header.Rows), static_cast<std::size_t>(header.Columns));
-    reader.Read(std::span(read.data(), read.size()));
-    id = header.DataID;
-    return 0;
-  });
+  const int result = Guarded(
+      [&] { return detail::LoadBinaryArray(FName, TSlotStart, TSlotEnd, ChecksFormat, read, id); });
   if (result == 0) TakeAll(read, id);
   return result;
 }
@@ -217,7 +174,7 @@ int TMat4D::AppendToBinaryFile(std::string_view FName, int TSlotStart, int TSlot
     if (header.TimeSlots > std::numeric_limits<int>::max() - count) return -4;
     if (header.Columns != FNumX || header.Rows != FNumY || header.Layers != FNumZ) return -3;
     if (!header.Is4D()) return -2;
-    held = seekSlots(reader, TSlots(header, 0, 0));
+    held = TSlots(header, 0, 0).Seek(reader);
   }
   header.TimeSlots += count;
   const std::size_t slot = SliceSize() * static_cast<std::size_t>(FNumZ);

@@ -1,6 +1,7 @@
 // TIntMatrix: files and streams of either form.
 #include <array>
 
+#include "zel/matrix/binary_arrays_impl.h"
 #include "zel/matrix/files_impl.h"
 #include "zel/matrix/intmatrix_impl.h"
 
@@ -77,43 +78,20 @@ bool TIntMatrix::StoreSparseMat(std::string_view FileName) const {
     TRecords list;
     int count = FSparseNumElem;
     if (!FIsSparse) list = RecordsOf(Elements(), NrOfRows(), 1, count);
-    const TRecords& cells = FIsSparse ? SpMat : list;
-    WholeFileWriter file(FileName);
-    if (!file.IsOpen()) return false;
-    detail::TBinaryWriter writer(
-        file.Stream(),
-        {NrOfColumns(), NrOfRows(), 0, 0, std::string_view(DataID()), detail::kSparseCells, count});
-    for (int k = 0; k < count && file.Stream(); ++k) {
-      const TSpMatElemInt& cell = cells.data()[k];
-      writer.Write(std::array{cell.colidx, cell.rowidx, cell.value});
-    }
-    writer.Finish();
-    return file.Commit();
+    return detail::SaveSparseCells(
+        FileName,
+        {NrOfColumns(), NrOfRows(), 0, 0, std::string_view(DataID()), detail::kSparseCells, count},
+        FIsSparse ? SpMat : list);
   });
 }
 
 bool TIntMatrix::LoadSparseMat(std::string_view FileName) {
   try {
     return Guarded([&] {
-      detail::TBinaryReader reader(FileName);
-      const detail::TBinaryHeader& header = reader.Header();
-      if (!header.IsMatrix(detail::kSparseCells)) return false;
-      if (std::min({header.Columns, header.Rows, header.Cells}) < 0) return false;
-      const auto count = static_cast<std::size_t>(header.Cells);
-      reader.Seek(0, 3 * std::uint64_t{count}, sizeof(int));
-      TRecords cells = NewRecords(count, std::max(FAllocBy, 1));
-      TSpMatElemInt last{0, 0, 0};
-      for (std::size_t k = 0; k < count; ++k) {
-        std::array<int, 3> cell;
-        reader.Read(cell);
-        const TSpMatElemInt next{cell[0], cell[1], cell[2]};
-        const bool ascends =
-            next.colidx > last.colidx || (next.colidx == last.colidx && next.rowidx > last.rowidx);
-        const bool lies = next.colidx >= 1 && next.colidx <= header.Columns && next.rowidx >= 1 &&
-                          next.rowidx <= header.Rows;
-        if (!ascends || !lies) return false;
-        cells.data()[k] = last = next;
-      }
+      detail::TBinaryHeader header;
+      TRecords cells;
+      if (!detail::LoadSparseCells(FileName, header, cells)) return false;
+      if (FIsSparse) cells.resize(std::max<std::size_t>(cells.size(), 1));
       return TakeCells(cells, header.Cells, header.Columns, header.Rows, header.DataID);
     });
   } catch (const EInOutError&) {
