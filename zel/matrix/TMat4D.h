@@ -39,6 +39,8 @@ enum class LayerOp : std::uint8_t;
 /// was.
 class ZEL_API TMat4D : public TComponent {
  public:
+  /// A tag that is none of a matrix.
+  static constexpr TMatXmlTag xmlInvalid = xmlMatInvalid;
   /// Fired by Changed.
   TNotifyEvent OnChange;
   /// Progress of long operations.
@@ -376,7 +378,6 @@ class ZEL_API TMat4D : public TComponent {
   bool ReadFromOpenXMLFile(std::istream& TextFile, std::string_view DataID);
 
  protected:
-  static constexpr TMatXmlTag xmlInvalid = xmlMatInvalid;
   /// Takes one tag of a matrix that is read: a count is kept; the first cell gives the object the
   /// announced size, and each cell is stored by SetVal; a count and xmlMatBegin set FirstCell.
   /// @param Attr  attribute text; an index that is missing there is 0

@@ -51,6 +51,8 @@ template <class T>
 class TNumMatrix : public TComponent {
  public:
   using value_type = T;
+  /// A tag that is none of a matrix.
+  static constexpr TMatXmlTag xmlInvalid = xmlMatInvalid;
   using TVectorType = std::conditional_t<std::is_same_v<T, double>, TVector, TIntVector>;
 
   /// Fired by Changed.
@@ -441,7 +443,6 @@ class TNumMatrix : public TComponent {
   void SetRows(std::initializer_list<std::initializer_list<T>> rows);
   /// Takes over contents of the given size; OnChange does not fire.
   void TakeOver(TDynArray<T, 2>& contents, int Nc, int Nr) noexcept;
-  static constexpr TMatXmlTag xmlInvalid = xmlMatInvalid;
   /// Takes one tag of a matrix that is read: a count is kept; the first cell gives the object the
   /// announced size, and each cell is stored by SetVal; a count and xmlMatBegin set FirstCell.
   /// @param Attr  attribute text; an index that is missing there is 0
