@@ -142,8 +142,7 @@ TEST(Mat4D, DoesWhatPlainLoopsDo) {
         return i[2] == low[2] ? 7 : std::count(i.begin(), i.end(), i[0]) == 4 ? -3 : p.get(i);
       });
     } else if (operation == 6) {
-      TMatrix matrix;
-      test::fillNormal(matrix, 3, 2);
+      const TMatrix matrix{{1, 2, 3}, {4, 5, 6}};
       m.CopyMatrixToLayer(&matrix, 1, 2, 2, 0, from[2], from[3], place[0], place[1]);
       p.paste({place[0], place[1], from[2], from[3]}, {2, 2, 1, 1},
               [&](Index i) { return matrix(i[0], i[1]); });
@@ -275,7 +274,7 @@ TEST_F(Layers, SameBitsForEveryNumberOfThreadsAndInstructionSet) {
         (m.*forms[f])(&other, 599, 2, 0, 0, 7, 2, 4, 1, threads);
         EXPECT_EQ(test::contents(other).size(), 1796U);
         EXPECT_EQ(other.CRCofData(), serial.CRCofData());
-        EXPECT_NEAR(ProcStat, threads == 1 ? 94 : 100, 1e-9);
+        EXPECT_NEAR(ProcStat, threads == 1 ? 99 : 100, 1e-9);
       }
     });
     reset();

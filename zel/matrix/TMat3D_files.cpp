@@ -10,7 +10,7 @@
 namespace zel {
 
 void TMat3D::TakeAll(TDouble3DArray& contents, std::string_view id) {
-  std::string newId(id);
+  std::string newId = Guarded([&] { return std::string(id); });
   const bool resized = std::pair(contents.Length(0), contents.Length(1)) !=
                            std::pair(Mat.Length(0), Mat.Length(1)) ||
                        contents.Length(2) != Mat.Length(2);
@@ -67,7 +67,7 @@ void TMat3D::WriteToOpenXMLFile(std::ostream& TextFile, bool CreateHeader,
 }
 
 bool TMat3D::LoadFromXMLFile(std::string_view FName, std::string_view DataID) {
-  return detail::LoadXmlFile(*this, FName, DataID);
+  return Guarded([&] { return detail::LoadXmlFile(*this, FName, DataID); });
 }
 
 bool TMat3D::ReadFromXMLStream(std::istream& InStream, std::string_view DataID) {

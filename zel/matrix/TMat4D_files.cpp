@@ -112,7 +112,7 @@ int TMat4D::SaveBinary(std::string_view FName, int TSlotStart, int TSlotEnd) con
 }
 
 void TMat4D::TakeAll(TDouble4DArray& contents, std::string_view id) {
-  std::string newId(id);
+  std::string newId = Guarded([&] { return std::string(id); });
   const auto before = View().Sizes;
   FDataID.swap(newId);
   TakeOver(contents);

@@ -29,7 +29,7 @@ void TMat4D::WriteToOpenXMLFile(std::ostream& TextFile, bool CreateHeader,
 }
 
 bool TMat4D::LoadFromXMLFile(std::string_view FName, std::string_view DataID) {
-  return detail::LoadXmlFile(*this, FName, DataID);
+  return Guarded([&] { return detail::LoadXmlFile(*this, FName, DataID); });
 }
 
 bool TMat4D::ReadFromOpenXMLFile(std::istream& TextFile, std::string_view DataID) {

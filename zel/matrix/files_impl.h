@@ -72,7 +72,7 @@ bool TNumMatrix<T>::TakeRectangle(const detail::TStoredRectangle<T>& read, bool 
 
 template <class T>
 void TNumMatrix<T>::TakeAll(TDynArray<T, 2>& contents, int Nc, int Nr, std::string_view id) {
-  std::string newId(id);
+  std::string newId = Guarded([&] { return std::string(id); });
   const bool resized = Nc != FNCol || Nr != FNRow;
   TakeOver(contents, Nc, Nr);
   FDataID.swap(newId);
@@ -134,7 +134,7 @@ void TNumMatrix<T>::WriteToOpenXMLFile(std::ostream& TextFile, bool CreateHeader
 
 template <class T>
 bool TNumMatrix<T>::LoadFromXMLFile(std::string_view FName, std::string_view DataID) {
-  return detail::LoadXmlFile(*this, FName, DataID);
+  return Guarded([&] { return detail::LoadXmlFile(*this, FName, DataID); });
 }
 
 template <class T>

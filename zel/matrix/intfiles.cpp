@@ -54,10 +54,15 @@ int TIntMatrix::Replace(Load&& load) {
   Guarded([&] { (*copy).SetDataID(DataID()); });
   const int result = load(*copy);
   if (result != 0) return result;
-  std::string id = (*copy).DataID();
-  const bool resized = FNCol != (*copy).NrOfColumns() || FNRow != (*copy).NrOfRows();
-  TakeContents(copy);
-  SetDataID(id);
+  const std::string id = Guarded([&] { return DataID(); });
+  const bool resized = FNCol != copy.Matrix().NrOfColumns() || FNRow != copy.Matrix().NrOfRows();
+  Guarded([&] { SetDataID(copy.Matrix().DataID()); });
+  try {
+    TakeContents(copy);
+  } catch (...) {
+    SetDataID(id);  // which there is room for
+    throw;
+  }
   if (resized) Changed();
   Changed();
   return 0;
@@ -114,7 +119,7 @@ bool TIntMatrix::TakeCells(TRecords& cells, int count, int Nc, int Nr, std::stri
     return true;
   }
   const bool resized = FNCol != Nc || FNRow != Nr;
-  SetDataID(id);
+  Guarded([&] { SetDataID(id); });
   SetRecords(cells, count);
   FNCol = Nc;
   FNRow = Nr;
@@ -146,7 +151,7 @@ void TIntMatrix::WriteToOpenXMLFile(std::ostream& TextFile, bool CreateHeader,
 }
 
 bool TIntMatrix::LoadFromXMLFile(std::string_view FName, std::string_view DataID) {
-  return detail::LoadXmlFile(*this, FName, DataID);
+  return Guarded([&] { return detail::LoadXmlFile(*this, FName, DataID); });
 }
 
 bool TIntMatrix::ReadFromXMLStream(std::istream& InStream, std::string_view DataID) {

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <iterator>
 #include <limits>
+#include <numeric>
 
 #include "zel/base/numbertext_impl.h"
 #include "zel/base/stringhelpers.h"
@@ -175,12 +176,21 @@ std::vector<std::pair<std::uint64_t, T>> TXmlMatrix<T>::Sorted() const {
   std::vector<std::pair<std::uint64_t, T>> cells;
   cells.reserve(FValues.size() + FOthers.size());
   for (const T value : FValues) cells.emplace_back(cells.size(), value);
-  cells.insert(cells.end(), FOthers.begin(), FOthers.end());
-  std::stable_sort(cells.begin(), cells.end(),
-                   [](const auto& a, const auto& b) { return a.first < b.first; });
-  // Of equal places the last one stays.
-  const auto isSame = [](const auto& a, const auto& b) { return a.first == b.first; };
-  cells.erase(cells.begin(), std::unique(cells.rbegin(), cells.rend(), isSame).base());
+  std::vector<std::size_t> order(FOthers.size());
+  std::iota(order.begin(), order.end(), std::size_t{0});
+  std::sort(order.begin(), order.end(), [this](std::size_t a, std::size_t b) {
+    return std::pair(FOthers[a].first, a) < std::pair(FOthers[b].first, b);
+  });
+  for (const std::size_t k : order) {
+    const auto& [place, value] = FOthers[k];
+    if (place < FValues.size()) {
+      cells[static_cast<std::size_t>(place)].second = value;
+    } else if (!cells.empty() && cells.back().first == place) {
+      cells.back().second = value;
+    } else {
+      cells.emplace_back(place, value);
+    }
+  }
   return cells;
 }
 
