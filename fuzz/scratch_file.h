@@ -21,6 +21,7 @@ class ScratchFile {
   ~ScratchFile() { std::filesystem::remove(name_); }
   [[nodiscard]] const std::string& name() const { return name_; }
   void write(std::string_view text) const {
+    std::filesystem::remove(name_);  // truncating an old file is slow
     std::ofstream(name_, std::ios::binary)
         .write(text.data(), static_cast<std::streamsize>(text.size()));
   }

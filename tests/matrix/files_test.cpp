@@ -44,8 +44,9 @@ class MatrixFiles : public testing::Test {
                        const Load& load, std::size_t needed) {
     const std::string before = contentsOf(target);
     test::Events events(target);
-    const std::size_t step = needed < 3000 ? 1 : 97;
+    const std::size_t step = needed < 400 ? 1 : needed / 40;
     for (std::size_t cut = 0; cut < needed; cut += step) {
+      std::filesystem::remove(name());  // truncating an old file is slow
       writeBytes(name(), bytes.substr(0, cut));
       try {
         EXPECT_FALSE(load()) << cut;
