@@ -33,8 +33,9 @@ template <class Terms>
 void addLayer(const double* x, std::size_t n, double* sums, double* errors) {
   const Tag d;
   const OnAdder unit;
+  const std::size_t whole = n - n % kLanes;
   std::size_t i = 0;
-  for (; i + kLanes <= n; i += kLanes) {
+  for (; i < whole; i += kLanes) {
     Vec s[Terms::kSums];
     Vec e[Terms::kSums];
     for (std::size_t k = 0; k < Terms::kSums; ++k) {
