@@ -17,12 +17,12 @@ template <class Use>
 void each(Index n, Use use) {
   for (Index i{1, 1, 1, 1}; i[0] <= n[0];) {
     use(i);
-    for (int d = 3; ++i[d] > n[d] && d > 0; --d) i[d] = 1;
+    for (std::size_t d = 3; ++i[d] > n[d] && d > 0; --d) i[d] = 1;
   }
 }
 
 Index plus(Index a, Index b, int sign = 1) {
-  for (int d = 0; d < 4; ++d) a[d] += sign * (b[d] - 1);
+  for (std::size_t d = 0; d < 4; ++d) a[d] += sign * (b[d] - 1);
   return a;
 }
 
@@ -32,7 +32,7 @@ struct Plain {
   Values cells{};
   double* find(Index i) {
     int k = 0;
-    for (int d = 0; d < 4; ++d) {
+    for (std::size_t d = 0; d < 4; ++d) {
       if (i[d] < 1 || i[d] > n[d]) return nullptr;
       k = k * n[d] + i[d] - 1;
     }
@@ -99,7 +99,7 @@ TEST(Mat4D, DoesWhatPlainLoopsDo) {
     const Index low = drawAll(-1, 5), high = drawAll(-1, 5), size = drawAll(0, 6),
                 place = drawAll(-1, 3);
     Index from, to, length;
-    for (int d = 0; d < 4; ++d) {
+    for (std::size_t d = 0; d < 4; ++d) {
       const bool isAll = low[d] == 0 && high[d] == 0;
       std::tie(from[d], to[d]) = std::minmax(
           {std::clamp(low[d], 1, p.n[d]), std::clamp(isAll ? p.n[d] : high[d], 1, p.n[d])});
@@ -117,12 +117,12 @@ TEST(Mat4D, DoesWhatPlainLoopsDo) {
     } else if (operation == 2) {
       const Index f = drawAll(1, 4), o = drawAll(0, 5);
       Index n;
-      for (int d = 0; d < 4; ++d) n[d] = (p.n[d] - o[d] % f[d] - 1) / f[d] + 1;
+      for (std::size_t d = 0; d < 4; ++d) n[d] = (p.n[d] - o[d] % f[d] - 1) / f[d] + 1;
       isFresh = draw(0, 1) == 0;  // averages of averages would differ by rounding
       with(f, o, [&](auto... r) { m.Resample(r..., !isFresh); });
       p = make(n, [&](Index i) {
         double sum = 0;
-        for (int d = 0; d < 4; ++d) i[d] = (i[d] - 1) * f[d] + o[d] % f[d] + 1;
+        for (std::size_t d = 0; d < 4; ++d) i[d] = (i[d] - 1) * f[d] + o[d] % f[d] + 1;
         each(f, [&](Index k) { sum += p.get(plus(i, k)); });
         return isFresh ? p.get(i) : sum / (f[0] * f[1] * f[2] * f[3]);
       });
@@ -132,7 +132,7 @@ TEST(Mat4D, DoesWhatPlainLoopsDo) {
         return p.get({i[1], i[0], i[2], i[3]});
       });
     } else if (operation == 4) {
-      const int d = draw(0, 3);
+      const auto d = static_cast<std::size_t>(draw(0, 3));
       (m.*kMirrors[d])();
       p = make(p.n, [&](Index i) { return i[d] = p.n[d] + 1 - i[d], p.get(i); });
     } else if (operation == 5) {
@@ -215,7 +215,7 @@ TEST(Mat4D, StatisticsOfBlocksAreThoseOfPlainLoops) {
     SetRandSeed(k);
     for (int j = 0; j < 15; ++j) {
       Index i;
-      for (int d = 0; d < 4; ++d) i[d] = low[d] + Random(high[d] - low[d] + 1);
+      for (std::size_t d = 0; d < 4; ++d) i[d] = low[d] + Random(high[d] - low[d] + 1);
       sample.push_back(p.get(i));
     }
     const auto often = std::find_if(sample.begin(), sample.end(), [&](double x) {
