@@ -25,4 +25,32 @@ void plainDistances(const double* x, std::size_t rows, std::size_t columns, doub
   }
 }
 
+namespace {
+
+using Runs = Eigen::Map<const Eigen::Array<double, Eigen::Dynamic, Eigen::Dynamic, Eigen::RowMajor>>;
+
+Runs runsOf(const double* x, std::size_t n, std::size_t runs) {
+  return {x, static_cast<Eigen::Index>(runs), static_cast<Eigen::Index>(n)};
+}
+
+Eigen::Map<Eigen::Array<double, 1, Eigen::Dynamic>> rowOf(double* x, std::size_t n) {
+  return {x, static_cast<Eigen::Index>(n)};
+}
+
+}  // namespace
+
+void eigenMeanOfRuns(const double* x, std::size_t n, std::size_t runs, double* result) {
+  rowOf(result, n) = runsOf(x, n, runs).colwise().mean();
+}
+
+void eigenMaximumOfRuns(const double* x, std::size_t n, std::size_t runs, double* result) {
+  rowOf(result, n) = runsOf(x, n, runs).colwise().maxCoeff();
+}
+
+void eigenDeviationOfRuns(const double* x, std::size_t n, std::size_t runs, double* result) {
+  const auto all = runsOf(x, n, runs);
+  const Eigen::Array<double, 1, Eigen::Dynamic> mean = all.colwise().mean();
+  rowOf(result, n) = (all.rowwise() - mean).square().colwise().mean().sqrt();
+}
+
 }  // namespace zel::bench

@@ -1,38 +1,14 @@
 // The two text files of the vectors: number files and ASC files. What is read must survive being
 // written and read again.
-#include <unistd.h>
-
-#include <filesystem>
-#include <fstream>
 #include <string>
 
+#include "fuzz/scratch_file.h"
 #include "fuzz/target.h"
 #include "zel/vector/Zel_vector.h"
 
 namespace zel_fuzz {
 namespace {
 
-/// A file name of this process, gone at its end.
-class ScratchFile {
- public:
-  ScratchFile()
-      : name_((std::filesystem::temp_directory_path() / ("zel_fuzz_" + std::to_string(::getpid())))
-                  .string()) {}
-  ~ScratchFile() { std::filesystem::remove(name_); }
-  [[nodiscard]] const std::string& name() const { return name_; }
-  void write(std::string_view text) const {
-    std::ofstream(name_, std::ios::binary)
-        .write(text.data(), static_cast<std::streamsize>(text.size()));
-  }
-
- private:
-  std::string name_;
-};
-
-const ScratchFile& scratchFile() {
-  static const ScratchFile file;
-  return file;
-}
 const std::string& scratch() { return scratchFile().name(); }
 
 constexpr std::size_t kMostGap = std::size_t{1} << 24;

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "zel/base/ascheader_impl.h"
+#include "zel/base/ascii_impl.h"
 #include "zel/base/stringhelpers.h"
 #include "zel/base/wholefile.h"
 
@@ -115,6 +116,46 @@ void WriteASCHeader(std::ostream& out, std::string_view className, std::string_v
       comment.empty() ? DefaultASCComment(className, fileName) : std::string(comment);
   out << ReplaceCharInString(line, '\n', ' ') << '\n';
   out << columns << "\t;nr. of columns\n" << rows << "\t;nr. of rows\n" << flags << '\n';
+}
+
+void AppendASCText(std::string& line, std::string_view text) {
+  constexpr std::string_view kDigits = "0123456789ABCDEF";
+  line += '"';
+  for (const char c : text) {
+    if (isControl(c)) {
+      const auto code = static_cast<unsigned char>(c);
+      (line += "\\x").append({kDigits[code / 16], kDigits[code % 16]});
+    } else {
+      if (c == '"' || c == '\\') line += '\\';
+      line += c;
+    }
+  }
+  line += '"';
+}
+
+std::optional<std::string> TakeASCText(std::string_view& line) {
+  const auto take = [&](char c) {
+    if (!line.starts_with(c)) return false;
+    line.remove_prefix(1);
+    return true;
+  };
+  if (!take('"')) return std::nullopt;
+  std::string text;
+  while (!take('"')) {
+    if (line.empty()) return std::nullopt;
+    if (!take('\\') || line.starts_with('"') || line.starts_with('\\')) {
+      text += line.front();
+      line.remove_prefix(1);
+      continue;
+    }
+    if (!take('x') || line.size() < 2) return std::nullopt;
+    unsigned code = 0;
+    const char* const end = line.data() + 2;
+    if (std::from_chars(line.data(), end, code, 16).ptr != end) return std::nullopt;
+    line.remove_prefix(2);
+    text += static_cast<char>(code);
+  }
+  return text;
 }
 
 }  // namespace detail

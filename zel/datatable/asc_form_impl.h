@@ -45,7 +45,6 @@ enum TASCLine : std::uint8_t {
 inline constexpr std::array<std::string_view, 10> kASCLineNames = {
     "comment",  "colnames", "colattrib", "scales", "categories",
     "rownames", "states",   "values",    "custom", "end"};
-inline constexpr std::string_view kASCMore = ";more";
 
 inline constexpr std::string_view kASCClassName = "TDataTable";
 inline constexpr std::uint8_t kEmptyState = 2;  ///< of a cell that is NAN in its row

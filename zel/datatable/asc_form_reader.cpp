@@ -331,29 +331,10 @@ class TASCReader {
 
   /// A text in quotation marks.
   std::string takeText() {
-    std::string text;
-    if (isAtEnd() || !take('"')) failInEntry();
-    while (!take('"')) {
-      if (take('\\')) {
-        text += takeEscaped();
-      } else {
-        if (FLine.empty()) failInEntry();
-        text += FLine.front();
-        FLine.remove_prefix(1);
-      }
-    }
-    return text;
-  }
-
-  char takeEscaped() {
-    if (take('"')) return '"';
-    if (take('\\')) return '\\';
-    if (!take('x') || FLine.size() < 2) failInEntry();
-    unsigned code = 0;
-    const char* const end = FLine.data() + 2;
-    if (std::from_chars(FLine.data(), end, code, 16).ptr != end) failInEntry();
-    FLine.remove_prefix(2);
-    return static_cast<char>(code);
+    if (isAtEnd()) failInEntry();
+    auto text = TakeASCText(FLine);
+    if (!text) failInEntry();
+    return *std::move(text);
   }
 
   std::string_view FText;

@@ -35,21 +35,6 @@ void appendName(std::string& text, std::string_view name) {
   text += '"';
 }
 
-void appendExact(std::string& text, std::string_view exact) {
-  constexpr std::string_view kDigits = "0123456789ABCDEF";
-  text += '"';
-  for (const char c : exact) {
-    if (isControl(c)) {
-      const auto code = static_cast<unsigned char>(c);
-      (text += "\\x").append({kDigits[code / 16], kDigits[code % 16]});
-    } else {
-      if (c == '"' || c == '\\') text += '\\';
-      text += c;
-    }
-  }
-  text += '"';
-}
-
 bool hasControl(std::string_view text) { return std::ranges::any_of(text, isControl); }
 
 bool hasOtherNames(const TDynArray<TDTNameStr, 1>& names, char initial) {
@@ -181,7 +166,7 @@ class TASCWriter : TextWriter {
       return needsEntry(text) ? std::optional(text) : std::nullopt;
     };
     writeEntries(line, column, texts.size(), item,
-                 [&](std::string_view text) { appendExact(FText, text); });
+                 [&](std::string_view text) { AppendASCText(FText, text); });
   }
 
   void writeHeads() {
@@ -189,7 +174,7 @@ class TASCWriter : TextWriter {
     if (hasControl(comment) || comment.starts_with(DefaultASCComment(kASCClassName, ""))) {
       beginLine(alComment, 0);
       FText += '\t';
-      appendExact(FText, comment);
+      AppendASCText(FText, comment);
       FText += '\n';
     }
     writeTexts(alColNames, 0, FArrays.FColName, hasControl);
@@ -243,7 +228,7 @@ class TASCWriter : TextWriter {
       beginLine(alCustom, k + 1);
       for (std::size_t r = 0; r < FTable.Rows(); ++r) {
         FText += '\t';
-        appendExact(FText, r < custData.Length(1) ? custData(k, r) : std::string_view());
+        AppendASCText(FText, r < custData.Length(1) ? custData(k, r) : std::string_view());
         flushIfLong();
       }
       FText += '\n';

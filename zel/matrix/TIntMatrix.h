@@ -203,6 +203,42 @@ class ZEL_API TIntMatrix : public TNumMatrix<int> {
   bool StoreOnFile(int LoC, int LoR, int HiC, int HiR, std::string_view FileName) const;
   bool LoadFromFile(std::string_view FileName, bool AdjustMatrixSize);
 
+  int SaveBinary(std::string_view FName) const;
+  int LoadBinary(std::string_view FName);
+  /// Writes a binary file of the records of a sparse matrix, or of the cells of a dense one that
+  /// are not 0, with size and DataID.
+  /// @return false if it cannot be written, an old file is left as it was then
+  /// @throws EZELMatrixError  `: not enough memory on heap`
+  bool StoreSparseMat(std::string_view FileName) const;
+  /// Reads a file of StoreSparseMat: size, DataID and cells; a sparse matrix takes the records, a
+  /// dense one keeps its form. OnChange fires for a resize and at the end.
+  /// @return false, with nothing changed, if the file cannot be read, is damaged or not of this
+  ///   kind, or for a dense matrix if the size exceeds what it has and the file holds by more than
+  ///   2^24 cells
+  /// @throws EZELMatrixError  `: not enough memory on heap`
+  bool LoadSparseMat(std::string_view FileName);
+  /// Writes an ASC file, values as plain integers.
+  /// @param Comment   first line, line feeds as blanks; empty: a default that names the file
+  /// @param CustData  further columns of texts, [column][row], behind the rows; what they lack is
+  ///   empty
+  /// @return 0; -1 if it cannot be written, an old file is left as it was then
+  int ExportAsASC(std::string_view FName, std::string_view Comment) const;
+  int ExportAsASC(std::string_view FName, std::string_view Comment,
+                  const TStr2DArray& CustData) const;
+  int ImportASC(std::string_view FName, std::string& Comment);
+  int ImportASC(std::string_view FName, std::string& Comment, TStr2DArray& CustData);
+  /// A sparse matrix writes its records, and takes the cells that it reads as records, whatever the
+  /// size.
+  bool SaveAsXMLFile(std::string_view FName, std::string_view DataID) const;
+  void WriteToXMLStream(std::ostream& OutStream, bool CreateHeader, std::string_view DataID) const;
+  void WriteToOpenXMLFile(std::ostream& TextFile, bool CreateHeader, std::string_view DataID) const;
+  bool LoadFromXMLFile(std::string_view FName, std::string_view DataID);
+  bool ReadFromXMLStream(std::istream& InStream, std::string_view DataID);
+  bool ReadFromOpenXMLFile(std::istream& TextFile, std::string_view DataID);
+
+ protected:
+  int ProcessXmlTag(TMatXmlTag Tag, std::string_view Attr, std::string_view Content);
+
  private:
   using TRecords = TDynArray<TSpMatElemInt, 1>;
   class TDenseCopy;
@@ -232,6 +268,11 @@ class ZEL_API TIntMatrix : public TNumMatrix<int> {
                   int SourceRowHi, int DestCol, int DestRow);
   template <class Use>
   decltype(auto) WithRectangle(int LoC, int LoR, int HiC, int HiR, Use&& use) const;
+  template <class Load>
+  int Replace(Load&& load);
+  /// Takes over a list of cells with size and DataID, in the form of this matrix; OnChange fires.
+  /// @return false, with nothing changed, for a size that they do not bear out
+  bool TakeCells(TRecords& cells, int count, int Nc, int Nr, std::string_view id);
   template <class Operation>
   decltype(auto) Read(Operation&& operation) const;
   template <class Operation>
@@ -258,6 +299,7 @@ class ZEL_API TIntMatrix : public TNumMatrix<int> {
   int FSparseLowRow = 0;
   int FSparseHighRow = 0;
   TRecords SpMat;
+  detail::TXmlState FXmlState;
 };
 
 /// Rows in braces.

@@ -11,6 +11,13 @@
 
 namespace zel {
 
+namespace detail {
+template <int Rank>
+struct TGridBlock;
+template <int Rank>
+struct TGridView;
+}  // namespace detail
+
 /// Three-dimensional container of doubles: columns, rows and layers, each numbered from 1 and at
 /// least one, with indices and ranges always in that order. An image stack, for example.
 ///
@@ -22,6 +29,8 @@ namespace zel {
 /// OnChange fires where a member says so. Not-a-number elements: as in TNumMatrix.
 class ZEL_API TMat3D : public TComponent {
  public:
+  /// A tag that is none of a matrix.
+  static constexpr TMatXmlTag xmlInvalid = xmlMatInvalid;
   /// Fired by Changed.
   TNotifyEvent OnChange;
   /// Progress of long operations.
@@ -35,7 +44,7 @@ class ZEL_API TMat3D : public TComponent {
 
   /// Fires OnChange.
   void Changed();
-  /// Fires OnPercentDone.
+  /// Fires OnPercentDone, with this array as the sender whoever calls.
   void PercDone(TObject* Sender, int Percent);
 
   [[nodiscard]] int NrOfColumns() const { return FNumX; }
@@ -131,9 +140,53 @@ class ZEL_API TMat3D : public TComponent {
   /// Fingerprint of the elements in their order; see TNumMatrix::CRCofData.
   [[nodiscard]] std::string CRCofData() const;
 
- private:
-  struct TBlock;
+  /// Reads the header of a binary file, whatever file it is.
+  /// @return true if it is one of a three-dimensional array
+  /// @throws EInOutError  if the file is missing, cut off or cannot be read
+  static bool ReadBinaryHeader(std::string_view FName, int& NrColumns, int& NrRows, int& NrLayers,
+                               int& NrTimeSlots, std::string& DataID, int& Format);
+  /// Writes a binary file with DataID (its first 255 bytes) and elements; the guide describes it.
+  /// @return 0; -1 if it cannot be written, an old file is left as it was then
+  int SaveBinary(std::string_view FName) const;
+  /// Reads a file of SaveBinary: size, DataID and elements. OnChange fires for a resize and at the
+  /// end.
+  /// @return 0; -1, with nothing changed, if the header is not that of such a file
+  /// @throws EInOutError      as ReadBinaryHeader; the array is unchanged then
+  /// @throws EZELMatrixError  `: not enough memory on heap`; the array is unchanged then
+  int LoadBinary(std::string_view FName);
 
+  // XML: an element `matrix` with the counts and a `cell` for each stored value; the guide
+  // describes it. Values are written as the shortest text that gives the same number again,
+  // infinities and not-a-number included.
+
+  /// Writes a file with the XML declaration and the matrix.
+  /// @param DataID  an identifier by which the readers find the matrix among others; empty: DataID
+  ///   of this object
+  /// @return false if the file could not be written; an old file is untouched then
+  bool SaveAsXMLFile(std::string_view FName, std::string_view DataID) const;
+  /// Writes the element, behind the XML declaration if that is wanted.
+  void WriteToXMLStream(std::ostream& OutStream, bool CreateHeader, std::string_view DataID) const;
+  void WriteToOpenXMLFile(std::ostream& TextFile, bool CreateHeader, std::string_view DataID) const;
+  /// Reads the first matrix with an identifier, or the first one if that is empty: size, elements
+  /// (what has no cell is 0) and DataID. OnChange fires for a resize and at the end.
+  /// @return false, with nothing changed, if the source cannot be read, there is no such matrix, it
+  ///   is damaged (an unknown tag, a cell without a number, no closing tag), or its size exceeds
+  ///   what this object has and the cells it holds by more than 2^24
+  /// @throws EZELMatrixError  `: not enough memory on heap`
+  bool LoadFromXMLFile(std::string_view FName, std::string_view DataID);
+  /// The same from a stream, which is left behind the matrix.
+  bool ReadFromXMLStream(std::istream& InStream, std::string_view DataID);
+  bool ReadFromOpenXMLFile(std::istream& TextFile, std::string_view DataID);
+
+ protected:
+  /// Takes one tag of a matrix that is read: a count is kept; the first cell gives the object the
+  /// announced size, and each cell is stored by SetVal; a count and xmlMatBegin set FirstCell.
+  /// @param Attr  attribute text; an index that is missing there is 0
+  /// @return 0 to go on; 1 for xmlMatEnd; -1 for xmlInvalid and for a cell without a value
+  int ProcessXmlTag(TMatXmlTag Tag, std::string_view Attr, std::string_view Content);
+  bool FirstCell = false;  ///< no cell has been processed in the current read
+
+ private:
   [[nodiscard]] bool Contains(int Nx, int Ny, int Nz) const {
     // Indices below 1 become huge.
     return static_cast<unsigned>(Nx) - 1U < static_cast<unsigned>(FNumX) &&
@@ -146,15 +199,14 @@ class ZEL_API TMat3D : public TComponent {
                static_cast<std::size_t>(FNumZ) +
            static_cast<std::size_t>(Nz - 1);
   }
-  [[nodiscard]] TBlock Clamped(int LowCol, int HighCol, int LowRow, int HighRow, int LowLayer,
-                               int HighLayer) const;
+  [[nodiscard]] detail::TGridView<3> View() const;
+  [[nodiscard]] detail::TGridBlock<3> Clamped(int LowCol, int HighCol, int LowRow, int HighRow,
+                                              int LowLayer, int HighLayer) const;
   void RequireLayer(int Layer) const;
+  /// Takes over contents with their size and DataID; OnChange fires for a resize and at the end.
+  void TakeAll(TDouble3DArray& contents, std::string_view id);
   template <class Operation>
   decltype(auto) Guarded(Operation&& operation) const;
-  template <class Use>
-  void ForEachRun(const TBlock& block, Use&& use) const;
-  template <class Use>
-  decltype(auto) WithCells(const TBlock& block, Use&& use) const;
   template <class Next>
   void FillBy(Next&& next);
 
@@ -162,6 +214,7 @@ class ZEL_API TMat3D : public TComponent {
   int FNumY = 1;
   int FNumZ = 1;
   std::string FDataID;
+  detail::TXmlState FXmlState;
   TDouble3DArray Mat;
 };
 

@@ -205,6 +205,17 @@ class ZEL_API TMatrix : public TNumMatrix<double> {
   /// @throws EZELMatrixError  `: not enough memory on heap`
   bool LoadFromFile(std::string_view FileName, bool AdjustMatrixSize, bool AutoDetect);
 
+  /// Writes an ASC file, values in fixed-point with Precision decimals, at least 12 characters
+  /// wide; a negative Precision: as the shortest text that gives exactly the same value again.
+  /// Not-a-number is written as `NAN`, which readers take for a missing value.
+  /// @param Comment   first line, line feeds as blanks; empty: a default that names the file
+  /// @param CustData  further columns of texts, [column][row], behind the rows; what they lack is
+  ///   empty
+  /// @return 0; -1 if it cannot be written, an old file is left as it was then
+  int ExportAsASC(std::string_view FName, int Precision, std::string_view Comment) const;
+  int ExportAsASC(std::string_view FName, int Precision, std::string_view Comment,
+                  const TStr2DArray& CustData) const;
+
   /// Inserts a row of zeros before the given one, or behind the last, in one pass. Fires OnChange.
   /// @return false, with nothing changed, unless 1 <= row <= NrOfRows() + 1
   /// @throws EZELMatrixError  `: not enough memory on heap`

@@ -22,4 +22,13 @@ bool TMatrix::LoadFromFile(std::string_view FileName, bool AdjustMatrixSize, boo
          TakeRectangle(read, AdjustMatrixSize);
 }
 
+int TMatrix::ExportAsASC(std::string_view FName, int Precision, std::string_view Comment) const {
+  return ExportAsASC(FName, Precision, Comment, TStr2DArray());
+}
+
+int TMatrix::ExportAsASC(std::string_view FName, int Precision, std::string_view Comment,
+                         const TStr2DArray& CustData) const {
+  return ExportASC({ClassName(), FName, Comment, Precision, &CustData}, View());
+}
+
 }  // namespace zel

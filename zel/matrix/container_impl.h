@@ -39,8 +39,8 @@ void TNumMatrix<T>::Changed() {
 }
 
 template <class T>
-void TNumMatrix<T>::PercDone(TObject* Sender, int Percent) {
-  Fire(OnPercentDone, Sender, Percent);
+void TNumMatrix<T>::PercDone(TObject*, int Percent) {
+  Fire(OnPercentDone, this, Percent);
 }
 
 template <class T>

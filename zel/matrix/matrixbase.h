@@ -14,12 +14,14 @@
 
 #include "zel/base/Zel_zelbase.h"
 #include "zel/base/streams.h"
+#include "zel/matrix/xmlvocabulary.h"
 #include "zel/vector/Zel_vector.h"
 
 namespace zel {
 
 namespace detail {
 class TResults;
+struct TASCSource;
 template <class T>
 struct TStoredRectangle;
 }  // namespace detail
@@ -49,6 +51,8 @@ template <class T>
 class TNumMatrix : public TComponent {
  public:
   using value_type = T;
+  /// A tag that is none of a matrix.
+  static constexpr TMatXmlTag xmlInvalid = xmlMatInvalid;
   using TVectorType = std::conditional_t<std::is_same_v<T, double>, TVector, TIntVector>;
 
   /// Fired by Changed.
@@ -66,7 +70,7 @@ class TNumMatrix : public TComponent {
 
   /// Fires OnChange.
   void Changed();
-  /// Fires OnPercentDone.
+  /// Fires OnPercentDone, with this matrix as the sender whoever calls.
   void PercDone(TObject* Sender, int Percent);
 
   [[nodiscard]] int NrOfColumns() const { return FNCol; }
@@ -311,6 +315,58 @@ class TNumMatrix : public TComponent {
   /// @throws EZELMatrixError  `: not enough memory on heap`
   bool LoadFromFile(std::string_view FileName, bool AdjustMatrixSize);
 
+  // Binary files. What fails leaves the matrix as it was. A file that is missing, cut off or cannot
+  // be read throws EInOutError.
+
+  /// Reads the header of a binary file, whatever file it is.
+  /// @return true if it is one of a matrix with elements of this kind
+  /// @throws EInOutError
+  static bool ReadBinaryHeader(std::string_view FName, int& NrColumns, int& NrRows,
+                               std::string& DataID, int& Format);
+  /// Writes a binary file with DataID (its first 255 bytes) and elements; the guide describes it.
+  /// @return 0; -1 if it cannot be written, an old file is left as it was then
+  int SaveBinary(std::string_view FName) const;
+  /// Reads a file of SaveBinary: size, DataID and elements. OnChange fires for a resize and at the
+  /// end.
+  /// @return 0; -1 if the header is not that of a matrix with elements of this kind
+  /// @throws EInOutError, EZELMatrixError  `: not enough memory on heap`
+  int LoadBinary(std::string_view FName);
+
+  /// Reads an ASC file; the guide describes the form. `NAN` and `###` stand for missing values,
+  /// which become 0. Row attributes and all names are passed over. OnChange fires for a resize and
+  /// at the end.
+  /// @param Comment   receives line 1, unless the result is -1 or -8
+  /// @param CustData  receives the further columns, [column][row]; none if there are none
+  /// @return 0; 1..4: the first bad line of the header; -1: the file cannot be read; -5: a bad row
+  ///   attribute; -6: a value is missing or no number; -8: no such file; -9: bad lines behind the
+  ///   rows. Unless it is 0, the matrix is unchanged.
+  /// @throws EZELMatrixError  `: not enough memory on heap`
+  int ImportASC(std::string_view FName, std::string& Comment);
+  int ImportASC(std::string_view FName, std::string& Comment, TStr2DArray& CustData);
+
+  // XML: an element `matrix` with the counts and a `cell` for each stored value; the guide
+  // describes it. Values are written as the shortest text that gives the same number again,
+  // infinities and not-a-number included.
+
+  /// Writes a file with the XML declaration and the matrix.
+  /// @param DataID  an identifier by which the readers find the matrix among others; empty: DataID
+  ///   of this object
+  /// @return false if the file could not be written; an old file is untouched then
+  bool SaveAsXMLFile(std::string_view FName, std::string_view DataID) const;
+  /// Writes the element, behind the XML declaration if that is wanted.
+  void WriteToXMLStream(std::ostream& OutStream, bool CreateHeader, std::string_view DataID) const;
+  void WriteToOpenXMLFile(std::ostream& TextFile, bool CreateHeader, std::string_view DataID) const;
+  /// Reads the first matrix with an identifier, or the first one if that is empty: size, elements
+  /// (what has no cell is 0) and DataID. OnChange fires for a resize and at the end.
+  /// @return false, with nothing changed, if the source cannot be read, there is no such matrix, it
+  ///   is damaged (an unknown tag, a cell without a number, no closing tag), or its size exceeds
+  ///   what this object has and the cells it holds by more than 2^24
+  /// @throws EZELMatrixError  `: not enough memory on heap`
+  bool LoadFromXMLFile(std::string_view FName, std::string_view DataID);
+  /// The same from a stream, which is left behind the matrix.
+  bool ReadFromXMLStream(std::istream& InStream, std::string_view DataID);
+  bool ReadFromOpenXMLFile(std::istream& TextFile, std::string_view DataID);
+
   // What C++ callers expect beside the operations above.
   /// Elements of a column (numbered from 1); none outside the matrix.
   [[nodiscard]] std::span<const T> Column(int c) const;
@@ -386,6 +442,17 @@ class TNumMatrix : public TComponent {
   void SetRows(std::initializer_list<std::initializer_list<T>> rows);
   /// Takes over contents of the given size; OnChange does not fire.
   void TakeOver(TDynArray<T, 2>& contents, int Nc, int Nr) noexcept;
+  /// Takes one tag of a matrix that is read: a count is kept; the first cell gives the object the
+  /// announced size, and each cell is stored by SetVal; a count and xmlMatBegin set FirstCell.
+  /// @param Attr  attribute text; an index that is missing there is 0
+  /// @return 0 to go on; 1 for xmlMatEnd; -1 for xmlInvalid and for a cell without a value
+  int ProcessXmlTag(TMatXmlTag Tag, std::string_view Attr, std::string_view Content);
+  bool FirstCell = false;  ///< no cell has been processed in the current read
+  /// Writes an ASC file with these cells.
+  int ExportASC(const detail::TASCSource& source, kernels::MatrixSpan<const T> cells) const;
+  /// Takes over contents of the given size with their DataID; OnChange fires for a resize and at
+  /// the end.
+  void TakeAll(TDynArray<T, 2>& contents, int Nc, int Nr, std::string_view id);
   /// Inserts a row of zeros, of a valid number; OnChange does not fire.
   void OpenRow(int row);
   /// Stores what has been read, if it fits.
@@ -406,6 +473,7 @@ class TNumMatrix : public TComponent {
   int FNCol = 1;
   int FNRow = 1;
   std::string FDataID;
+  detail::TXmlState FXmlState;
   TDynArray<T, 2> Mat;
 };
 

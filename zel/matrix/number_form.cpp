@@ -77,21 +77,6 @@ void writeRecord(std::ostream& out, const TBounds& bounds, kernels::MatrixSpan<c
 
 // Reading.
 
-/// The next word of a text as a number.
-std::optional<double> takeNumber(std::string_view& text) {
-  std::size_t blanks = 0;
-  while (blanks < text.size() && isBlank(text[blanks])) ++blanks;
-  text.remove_prefix(blanks);
-  // Most words are finite numbers, whose end need not be searched for.
-  double x = 0;
-  const std::size_t length = scanNumber(text, std::chars_format::general, x);
-  if (length > 0 && std::isfinite(x) && (length == text.size() || isBlank(text[length]))) {
-    text.remove_prefix(length);
-    return x;
-  }
-  return numberOf(ReadNextWord(text));
-}
-
 /// Takes four bounds by next(); nothing if one is missing or they are not those of a rectangle.
 template <class Next>
 std::optional<TBounds> takeBounds(Next&& next) {
@@ -125,7 +110,7 @@ void takeRows(const std::vector<T>& values, std::size_t columns, std::size_t row
 
 template <class T>
 bool readNumbers(std::string_view text, TStoredRectangle<T>& read) {
-  const auto bounds = takeBounds([&] { return takeNumber(text); });
+  const auto bounds = takeBounds([&] { return TakeNumber(text); });
   if (!bounds) return false;
   const std::size_t columns = columnsOf(*bounds);
   const std::size_t rows = rowsOf(*bounds);
@@ -134,7 +119,7 @@ bool readNumbers(std::string_view text, TStoredRectangle<T>& read) {
   if (count > text.size() / 2 + 1) return false;
   std::vector<T> values(count);
   for (T& value : values) {
-    const auto x = takeNumber(text);
+    const auto x = TakeNumber(text);
     if (!x) return false;
     value = ElementFrom<T>(*x);
   }
@@ -171,6 +156,20 @@ bool readRecord(std::istream& in, TStoredRectangle<T>& read) {
 }
 
 }  // namespace
+
+std::optional<double> TakeNumber(std::string_view& text) {
+  std::size_t blanks = 0;
+  while (blanks < text.size() && isBlank(text[blanks])) ++blanks;
+  text.remove_prefix(blanks);
+  // Most words are finite numbers, whose end need not be searched for.
+  double x = 0;
+  const std::size_t length = scanNumber(text, std::chars_format::general, x);
+  if (length > 0 && std::isfinite(x) && (length == text.size() || isBlank(text[length]))) {
+    text.remove_prefix(length);
+    return x;
+  }
+  return numberOf(ReadNextWord(text));
+}
 
 void WriteNumberFile(std::ostream& out, const TBounds& bounds,
                      kernels::MatrixSpan<const double> cells, TNumberFormat format) {
@@ -216,7 +215,7 @@ bool ReadNumberTable(std::string_view text, TStoredRectangle<double>& read) {
     line = line.substr(0, line.find("//"));
     const std::size_t before = values.size();
     while (line.find_first_not_of(" \t\r") != line.npos) {
-      const auto x = takeNumber(line);
+      const auto x = TakeNumber(line);
       if (!x) return false;
       values.push_back(*x);
     }

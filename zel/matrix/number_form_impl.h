@@ -7,7 +7,11 @@
 /// integers.
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <istream>
+#include <optional>
 #include <ostream>
 #include <string_view>
 #include <vector>
@@ -15,6 +19,7 @@
 #include "zel/base/array.h"
 #include "zel/base/wholefile.h"
 #include "zel/kernels/dense.h"
+#include "zel/vector/files_impl.h"
 
 namespace zel::detail {
 
@@ -33,12 +38,24 @@ struct TStoredRectangle {
   TDynArray<T, 2> Values;  ///< [column][row] of the rectangle
 };
 
+/// A source that holds so many elements bears out a matrix of that size, or one that is no larger
+/// than what is held already. An empty matrix too has storage.
+[[nodiscard]] inline bool IsBorneOut(int columns, int rows, std::size_t elements,
+                                     std::size_t held) {
+  const auto needed = static_cast<std::uint64_t>(std::max(columns, 1)) *
+                      static_cast<std::uint64_t>(std::max(rows, 1));
+  return needed <= std::max<std::uint64_t>(elements + kUnbackedPositions, held);
+}
+
 /// How numbers of a number file look: right-aligned in a field, with so many decimals; negative
 /// decimals: the shortest text that gives the same number again.
 struct TNumberFormat {
   int Width = 0;
   int Decimals = -1;
 };
+
+/// Takes the next word off the front of a text, as a number; nothing if it is none.
+[[nodiscard]] std::optional<double> TakeNumber(std::string_view& text);
 
 /// @param cells  those of the rectangle
 void WriteNumberFile(std::ostream& out, const TBounds& bounds,

@@ -1,19 +1,13 @@
 // TMatrix: the square product, serial and threaded.
 #include <algorithm>
-#include <atomic>
-#include <chrono>
 #include <cmath>
-#include <condition_variable>
-#include <deque>
-#include <mutex>
 #include <new>
-#include <system_error>
-#include <thread>
 
 #include "zel/base/progress.h"
 #include "zel/kernels/products.h"
 #include "zel/matrix/TMatSq1ColThread.h"
 #include "zel/matrix/TMatrix.h"
+#include "zel/matrix/column_workers_impl.h"
 #include "zel/matrix/container_impl.h"
 
 namespace zel {
@@ -55,116 +49,25 @@ bool SquareSerially(kernels::ConstMatrix a, double norm, kernels::Matrix r) {
   return true;
 }
 
-/// The columns that are left, and what the workers and the caller's thread tell one another.
-struct TSquareJob {
-  kernels::ConstMatrix a;
-  double norm;
-  kernels::Matrix r;
-  std::size_t threads;
-  std::atomic<bool> stop = false;
-  std::mutex mutex{};
-  std::condition_variable news{};
-  // Under the mutex:
-  std::size_t next = 0;     // first column that nobody has taken
-  std::size_t events = 0;   // runs and workers that came to their end
-  std::size_t running = 0;  // workers
-
-  /// Takes the next run: half of a worker's share of the columns that are left. Their columns grow
-  /// shorter, so the last runs are small and the workers end together.
-  /// @return false if no column is left, or the work is to stop
-  bool Take(std::size_t& first, std::size_t& last) {
-    const std::lock_guard lock(mutex);
-    const std::size_t left = a.columns - next;
-    if (left == 0 || stop) return false;
-    const std::size_t shortest = std::clamp<std::size_t>(a.columns / threads, 1, kShortestRun);
-    const std::size_t run = std::clamp<std::size_t>(left / (2 * threads), shortest, kRun);
-    first = next;
-    last = next = first + std::min(run, left);
-    return true;
-  }
-};
-
-/// Takes runs of columns until none is left.
-class TSquareWorker : public TMatSq1ColThread {
- public:
-  explicit TSquareWorker(TSquareJob& job) : FJob(job) {}
-  ~TSquareWorker() override { WaitFor(); }
-
- protected:
-  void Execute() override {
-    std::size_t first = 0;
-    std::size_t last = 0;
-    while (FJob.Take(first, last)) {
-      SquareRun(FJob.a, FJob.norm, first, last, FJob.r);
-      ProcStat += static_cast<double>(last - first);
-      Tell(0);
-    }
-    Tell(1);
-  }
-
- private:
-  void Tell(std::size_t ended) {
-    const std::lock_guard lock(FJob.mutex);
-    ++FJob.events;
-    FJob.running -= ended;
-    FJob.news.notify_one();
-  }
-
-  TSquareJob& FJob;
-};
-
-/// Ends and joins the workers whatever happens to the caller's thread.
-class TSquareWorkers {
- public:
-  explicit TSquareWorkers(TSquareJob& job) : FJob(job) {}
-  ~TSquareWorkers() { FJob.stop = true; }  // the workers then wait for themselves
-
-  /// Starts another worker, if the system has a thread for it.
-  bool Start() {
-    TSquareWorker& worker = FWorkers.emplace_back(FJob);
-    {
-      const std::lock_guard lock(FJob.mutex);
-      ++FJob.running;
-    }
-    try {
-      worker.Start();
-    } catch (const std::system_error&) {
-      const std::lock_guard lock(FJob.mutex);
-      --FJob.running;
-      return false;
-    }
-    return true;
-  }
-
- private:
-  TSquareJob& FJob;
-  std::deque<TSquareWorker> FWorkers;
-};
-
 bool SquareByThreads(kernels::ConstMatrix a, double norm, kernels::Matrix r, std::size_t threads) {
   if (AbortMathProc) return false;
-  TSquareJob job{.a = a, .norm = norm, .r = r, .threads = threads};
-  TSquareWorkers workers(job);
-  std::size_t started = 0;
-  while (started < threads && workers.Start()) ++started;
-  if (started == 0) return SquareSerially(a, norm, r);
-  for (std::size_t seen = 0;;) {
-    if (MathFeedBackProc) MathFeedBackProc(ProcStat);
-    if (AbortMathProc) return false;
-    std::unique_lock lock(job.mutex);
-    if (job.running == 0) break;
-    job.news.wait_for(lock, std::chrono::milliseconds(10), [&] { return job.events != seen; });
-    seen = job.events;
-  }
-  if (MathFeedBackProc) MathFeedBackProc(ProcStat);
-  return true;
+  detail::TColumnJob job{
+      .columns = a.columns,
+      .threads = threads,
+      .shortestRun = kShortestRun,
+      .longestRun = kRun,
+      .progress = 1,
+      .compute = [&](std::size_t first, std::size_t last) { SquareRun(a, norm, first, last, r); }};
+  const auto result =
+      detail::RunColumnWorkers<TMatSq1ColThread>(job, [] { return AbortMathProc.load(); });
+  if (result == detail::TColumnResult::kNoThread) return SquareSerially(a, norm, r);
+  return result == detail::TColumnResult::kDone;
 }
 
 }  // namespace
 
 bool TMatrix::Square(TMatrix* MatRes, double Norm) {
-  const unsigned processors = std::max(1U, std::thread::hardware_concurrency());
-  return Square(MatRes, Norm, static_cast<int>(processors));
+  return Square(MatRes, Norm, detail::Processors());
 }
 
 bool TMatrix::Square(TMatrix* MatRes, double Norm, int NThreads) {
