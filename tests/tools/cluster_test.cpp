@@ -1,29 +1,26 @@
 // zel cluster against R and the library, and what it says.
-#include <gtest/gtest.h>
-
-#include <string>
-
-#include "tests/tools/json_fields.h"
+#include "tests/support/testing.h"
 #include "tests/tools/run_zel.h"
 #include "zel/analysis/Zel_math2.h"
 
 namespace zel_test {
 namespace {
 
+using ClusterCommand = ToolTest;
+
 // R 4.2.2: kmeans(scale(iris[, 1:4]), 3, nstart = 100); height and table(cutree(h, 4)) of
 // h = hclust(dist(scale(USArrests)), m), m = complete, single, average, mcquitty, ward.D, and of
 // hclust(dist(USArrests, "manhattan"), "complete")
-TEST(ClusterCommand, RealDataAsR) {
-  const TempDir folder;
+TEST_F(ClusterCommand, RealDataAsR) {
   const JsonFields partition(
-      runZel(folder, "cluster '" ZEL_TEST_DATA "/iris.csv' --by Species --json").output);
+      runZel("cluster '" ZEL_TEST_DATA "/iris.csv' --by Species --json").output);
   expectFields(partition,
                "within 138.88835971735148 total 596 clusters/0/size 53 clusters/1/size 50 "
                "clusters/2/size 47 clusters/1/means/0 5.006 clusters/1/classes/0 50",
                1e-12);
   const std::string command = "cluster '" ZEL_TEST_DATA "/USArrests.csv' --clusters 4 --json ";
   const auto expectTree = [&](const std::string& options, const std::string& expected) {
-    expectFields(JsonFields(runZel(folder, command + options).output), expected, 1e-12);
+    expectFields(jsonOf(command + options), expected, 1e-12);
   };
   expectTree("--method complete",
              "unions/48/distance 6.0766415626545776 clusters/0/size 21 clusters/1/size 11 "
@@ -45,12 +42,11 @@ TEST(ClusterCommand, RealDataAsR) {
              "clusters/0/size 24 clusters/1/size 14 clusters/2/size 10");
 }
 
-TEST(ClusterCommand, TableAndPictures) {
-  const TempDir folder;
+TEST_F(ClusterCommand, TableAndPictures) {
   // Two groups by hand; the row without a value is left out.
-  writeBytes(folder.file("x.csv"), "name,x,y\na,0,0\nb,10,\nc,1,0\nd,10,10\ne,0,1\nf,11,10\n");
-  const ZelRun tree = runZel(
-      folder, "cluster x.csv --raw --method single --clusters 2 --distance squared --plot t.svg");
+  write("x.csv", "name,x,y\na,0,0\nb,10,\nc,1,0\nd,10,10\ne,0,1\nf,11,10\n");
+  const ZelRun tree =
+      runZel("cluster x.csv --raw --method single --clusters 2 --distance squared --plot t.svg");
   EXPECT_EQ("", tree.errors);
   expectWords(tree.output, {R"(
   single linkage, distance squared, of the values as they are, n = 5, 1 row left out for missing values
@@ -73,15 +69,14 @@ TEST(ClusterCommand, TableAndPictures) {
   cluster 1: a, c, e
   cluster 2: d, f
 )"});
-  expectWords(readBytes(folder.file("t.svg")), {">a<", "1 (3)", "2 (2)", "single linkage"});
-  const ZelRun partition = runZel(folder, "cluster x.csv --clusters 2 --starts 0 --plot p.svg");
+  expectWords(readBytes(path("t.svg")), {">a<", "1 (3)", "2 (2)", "single linkage"});
+  const ZelRun partition = runZel("cluster x.csv --clusters 2 --starts 0 --plot p.svg");
   expectWords(partition.output, {"k-means, started from the first rows, of standardised values",
                                  "cluster 2: d, f\n"});
-  expectWords(readBytes(folder.file("p.svg")), {"1 (3)", "2 (2)"});
-  EXPECT_EQ(0, runZel(folder, "cluster x.csv --clusters 5 --method ward --plot all.svg").status);
+  expectWords(readBytes(path("p.svg")), {"1 (3)", "2 (2)"});
+  EXPECT_EQ(0, runZel("cluster x.csv --clusters 5 --method ward --plot all.svg").status);
   const JsonFields json(
-      runZel(folder, "cluster x.csv --clusters 1 --method flexible --flexible 1 --by name --json")
-          .output);
+      runZel("cluster x.csv --clusters 1 --method flexible --flexible 1 --by name --json").output);
   expectFields(json,
                "assignment/1/row 3 assignment/1/name c assignment/4/cluster 1 "
                "unions/0/first 3 unions/0/second 5 positions/8 3.375 clusters/0/classes/1 0 "
@@ -89,11 +84,10 @@ TEST(ClusterCommand, TableAndPictures) {
                1e-14);
 }
 
-TEST(ClusterCommand, Refusals) {
-  const TempDir folder;
-  writeBytes(folder.file("x.csv"), "a,b,c\n1,2,1e200\n2,2,-1e200\n3,2,0\n");
+TEST_F(ClusterCommand, Refusals) {
+  write("x.csv", "a,b,c\n1,2,1e200\n2,2,-1e200\n3,2,0\n");
   expectRefusals(
-      folder, "cluster",
+      "cluster",
       {{"x.csv",
         "x.csv, column \"b\": it is constant and so cannot be standardised (--column leaves it "
         "out, --raw takes it)"},

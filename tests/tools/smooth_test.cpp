@@ -1,18 +1,14 @@
 // zel smooth against the library, and what it says.
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
-
-#include "tests/tools/json_fields.h"
+#include "tests/support/testing.h"
 #include "tests/tools/run_zel.h"
 #include "zel/analysis/Zel_math2.h"
 
 namespace zel_test {
 namespace {
 
-TEST(SmoothCommand, NumbersOfTheLibrary) {
-  const TempDir folder;
+using SmoothCommand = ToolTest;
+
+TEST_F(SmoothCommand, NumbersOfTheLibrary) {
   zel::TVector spots, result, taps;
   std::string comment;
   ASSERT_EQ(0, spots.ImportASC(ZEL_TEST_DATA "/sunspots.asc", comment));
@@ -20,7 +16,7 @@ TEST(SmoothCommand, NumbersOfTheLibrary) {
   result.Resize(n);
   const std::string command = "smooth '" ZEL_TEST_DATA "/sunspots.asc' --json --method ";
   const auto expectResult = [&](const std::string& options, double factor, double offset) {
-    const JsonFields json(runZel(folder, command + options).output);
+    const JsonFields json(runZel(command + options).output);
     for (int i = 1; i <= n; ++i) {
       EXPECT_DOUBLE_EQ(result(i) * factor + offset, json.number("result/" + std::to_string(i - 1)))
           << options << ' ' << i;
@@ -67,10 +63,9 @@ TEST(SmoothCommand, NumbersOfTheLibrary) {
   }
 }
 
-TEST(SmoothCommand, TableAndPictures) {
-  const TempDir folder;
-  writeBytes(folder.file("x.csv"), "name,v\na,1\nb,3\nc,8\nd,6\n");
-  const ZelRun run = runZel(folder, "smooth x.csv --width 3 --rows 3 --plot x.svg");
+TEST_F(SmoothCommand, TableAndPictures) {
+  write("x.csv", "name,v\na,1\nb,3\nc,8\nd,6\n");
+  const ZelRun run = runZel("smooth x.csv --width 3 --rows 3 --plot x.svg");
   EXPECT_EQ("", run.errors);
   expectWords(run.output, {R"(x.csv: v, 4 values, sample time 1
 
@@ -86,19 +81,16 @@ TEST(SmoothCommand, TableAndPictures) {
   d       6  5.666667   0.3333333
   (1 more; --rows shows more, --json has all)
 )"});
-  expectWords(readBytes(folder.file("x.svg")), {"moving average over 3 values", ">v<"});
-  EXPECT_EQ(
-      0,
-      runZel(folder, "smooth '" ZEL_TEST_DATA "/sunspots.asc' --method slope --plot y.svg").status);
-  expectWords(readBytes(folder.file("y.svg")), {"derivative"});
+  expectWords(readBytes(path("x.svg")), {"moving average over 3 values", ">v<"});
+  EXPECT_EQ(0,
+            runZel("smooth '" ZEL_TEST_DATA "/sunspots.asc' --method slope --plot y.svg").status);
+  expectWords(readBytes(path("y.svg")), {"derivative"});
 }
 
-TEST(SmoothCommand, Refusals) {
-  const TempDir folder;
-  writeBytes(folder.file("x.csv"),
-             "a,b,c\n1,2,1e308\n2,,-1e308\n3,5,1e308\n4,4,-1e308\n5,4,1e308\n6,4,-1e308\n");
+TEST_F(SmoothCommand, Refusals) {
+  write("x.csv", "a,b,c\n1,2,1e308\n2,,-1e308\n3,5,1e308\n4,4,-1e308\n5,4,1e308\n6,4,-1e308\n");
   expectRefusals(
-      folder, "smooth",
+      "smooth",
       {{"x.csv --column b",
         "x.csv, column \"b\": row 2 has no value, and a filter takes a series without gaps"},
        {"x.csv --column a --width 4", "--width: the method mean takes an odd number from 3 on"},
@@ -123,7 +115,7 @@ TEST(SmoothCommand, Refusals) {
        {"x.csv --column a --method savgol",
         "--method: \"savgol\" is none of mean, median, triangle, polynomial, slope, curvature, "
         "lowpass, highpass, bandpass, bandstop, chebyshev-low and chebyshev-high"}});
-  EXPECT_EQ("", readBytes(folder.file("z.svg"))) << "no picture";
+  EXPECT_EQ("", readBytes(path("z.svg"))) << "no picture";
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 /// @file
-/// Export marker of the shared library: only what carries ZEL_API is visible outside libzel.
+/// Export marker of the shared library: only what carries ZEL_API is visible outside libzel, but for
+/// members of such classes that carry ZEL_LOCAL.
 #pragma once
 
 #if defined(_WIN32)
@@ -8,6 +9,8 @@
 #else
 #define ZEL_API __declspec(dllimport)
 #endif
+#define ZEL_LOCAL
 #else
 #define ZEL_API __attribute__((visibility("default")))
+#define ZEL_LOCAL __attribute__((visibility("hidden")))
 #endif

@@ -268,8 +268,6 @@ class TDynArray {
   [[nodiscard]] T& back() requires(Rank == 1) { return FData[size() - 1]; }
   [[nodiscard]] const T& front() const requires(Rank == 1) { return FData[0]; }
   [[nodiscard]] const T& back() const requires(Rank == 1) { return FData[size() - 1]; }
-  operator std::span<T>() requires(Rank == 1) { return {FData, size()}; }
-  operator std::span<const T>() const requires(Rank == 1) { return {FData, size()}; }
 
   friend std::ostream& operator<<(std::ostream& out, const TDynArray& a) {
     const T* next = a.FData;

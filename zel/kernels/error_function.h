@@ -3,7 +3,8 @@
 #pragma once
 
 #include <cmath>
-#include <iterator>
+
+#include "zel/kernels/horner.h"
 
 namespace zel::kernels {
 
@@ -15,10 +16,7 @@ namespace zel::kernels {
                                       -0.18628806, 0.27886807, -1.13520398, 1.48851587,
                                       -0.82215223, 0.17087277};
   const double t = 1 / (1 + std::fabs(x) / 2);
-  double power = 0;
-  for (auto c = std::rbegin(kCoefficients); c != std::rend(kCoefficients); ++c)
-    power = power * t + *c;
-  const double complement = t * std::exp(-x * x + power);
+  const double complement = t * std::exp(-x * x + horner(kCoefficients, t));
   return 1 - (x < 0 ? 2 - complement : complement);
 }
 

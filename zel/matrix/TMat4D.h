@@ -496,7 +496,7 @@ class ZEL_API TOfLayersThread : public TThread {
   int HighTimeSlot = 1;
 
  protected:
-  void Aggregate(kernels::LayerOp op, int divisor);
+  ZEL_LOCAL void Aggregate(kernels::LayerOp op, int divisor);
 };
 
 class ZEL_API TMeanOfLayersThread : public TOfLayersThread {

@@ -449,7 +449,8 @@ class TNumMatrix : public TComponent {
   int ProcessXmlTag(TMatXmlTag Tag, std::string_view Attr, std::string_view Content);
   bool FirstCell = false;  ///< no cell has been processed in the current read
   /// Writes an ASC file with these cells.
-  int ExportASC(const detail::TASCSource& source, kernels::MatrixSpan<const T> cells) const;
+  ZEL_LOCAL int ExportASC(const detail::TASCSource& source,
+                          kernels::MatrixSpan<const T> cells) const;
   /// Takes over contents of the given size with their DataID; OnChange fires for a resize and at
   /// the end.
   void TakeAll(TDynArray<T, 2>& contents, int Nc, int Nr, std::string_view id);

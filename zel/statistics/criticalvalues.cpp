@@ -5,10 +5,10 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
-#include <span>
 
 #include "zel/analysis/TCurveFit.h"
 #include "zel/base/rounding.h"
+#include "zel/kernels/horner.h"
 #include "zel/statistics/normaldistribution.h"
 #include "zel/statistics/tdistribution.h"
 
@@ -42,16 +42,10 @@ constexpr Fit kWatsonFits[kMostRegressors][2] = {
 #include "zel/statistics/durbinwatsonfits.inc"
 };
 
-double polynomial(std::span<const double> coefficients, double x) {
-  double value = 0;
-  for (auto c = coefficients.rbegin(); c != coefficients.rend(); ++c) value = value * x + *c;
-  return value;
-}
-
 double watsonBeyondTable(int n, const Fit& fit) {
   const double base = 2 + std::sqrt(4.0 / n) * nDistriQuantile(0.05);
-  if (n <= 200) return base + polynomial(fit.to200, n - 150);
-  if (n <= 500) return base + polynomial(fit.to500, n - 350);
+  if (n <= 200) return base + kernels::horner(fit.to200, n - 150);
+  if (n <= 500) return base + kernels::horner(fit.to500, n - 350);
   return base + 1 / (fit.beyond[0] * n + fit.beyond[1]);
 }
 

@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <initializer_list>
 #include <limits>
 #include <string>
 
 #include "zel/base/array.h"
 #include "zel/base/types.h"
+#include "zel/kernels/horner.h"
 #include "zel/kernels/power_of_matrix.h"
 #include "zel/statistics/memory_impl.h"
 
@@ -33,13 +33,6 @@ constexpr double kCritical[kTabulated][kLevels] = {
     {0.237, 0.252, 0.272, 0.301, 0.363}, {0.231, 0.246, 0.264, 0.294, 0.356}};
 
 bool isLevel(TSignifLevel alpha) { return alpha < kLevels; }
-
-double polynomial(std::initializer_list<double> coefficients, double x) {
-  double value = 0;
-  for (auto c = std::rbegin(coefficients); c != std::rend(coefficients); ++c)
-    value = value * x + *c;
-  return value;
-}
 
 /// The m by m matrix of Marsaglia, Tsang and Wang by columns, m = 2k - 1, h = k - n d.
 void fillKolmogorov(kernels::Matrix H, double h) {
@@ -93,10 +86,10 @@ void censor(double missing, double logN, double& mean, double& deviation) {
   const double fraction = -std::log(missing);
   const double slope = 1 + logN * 0.8378;
   const double z90 =
-      kZ[0] + slope * std::pow(polynomial({0.164, 0.533}, std::pow(0.556, logN)), fraction);
+      kZ[0] + slope * std::pow(kernels::horner({0.164, 0.533}, std::pow(0.556, logN)), fraction);
   const double z95 =
-      kZ[1] + slope * std::pow(polynomial({0.1736, 0.315}, std::pow(0.622, logN)), fraction);
-  const double z99 = kZ[2] + slope * std::pow(polynomial({0.256, -0.00635}, logN), fraction);
+      kZ[1] + slope * std::pow(kernels::horner({0.1736, 0.315}, std::pow(0.622, logN)), fraction);
+  const double z99 = kZ[2] + slope * std::pow(kernels::horner({0.256, -0.00635}, logN), fraction);
   const double centre = (z90 + z95 + z99) / 3;
   const double scale =
       (kZ[0] * (z90 - centre) + kZ[1] * (z95 - centre) + kZ[2] * (z99 - centre)) / kSquares;
@@ -150,13 +143,13 @@ double LillieforsPValue(int n, double d) {
 double LillieforsQuantile(int n, double alpha) {
   const double p = 1 - alpha;
   const double a =
-      polynomial({6.32207539843126, -17.1398870006148, 38.42812675101057, -45.93241384693391,
-                  7.88697700041829, 29.79317711037858, -18.48090137098585},
-                 p);
+      kernels::horner({6.32207539843126, -17.1398870006148, 38.42812675101057, -45.93241384693391,
+                       7.88697700041829, 29.79317711037858, -18.48090137098585},
+                      p);
   const double b =
-      polynomial({12.940399038404, -53.458334259532, 186.923866119699, -410.582178349305,
-                  517.377862566267, -343.581476222384, 92.123451358715},
-                 p);
+      kernels::horner({12.940399038404, -53.458334259532, 186.923866119699, -410.582178349305,
+                       517.377862566267, -343.581476222384, 92.123451358715},
+                      p);
   return 1 / std::sqrt(n * a + b);
 }
 
@@ -175,14 +168,14 @@ double ShapiroWilkIntegral(double w, int n, int m) {
   double y = std::log(1 - w);
   double mean, deviation;
   if (n <= 11) {
-    const double limit = polynomial({-2.273, 0.459}, size);
+    const double limit = kernels::horner({-2.273, 0.459}, size);
     if (y >= limit) return 0;
     y = -std::log(limit - y);
-    mean = polynomial({0.544, -0.39978, 0.025054, -6.714e-4}, size);
-    deviation = std::exp(polynomial({1.3822, -0.77857, 0.062767, -0.0020322}, size));
+    mean = kernels::horner({0.544, -0.39978, 0.025054, -6.714e-4}, size);
+    deviation = std::exp(kernels::horner({1.3822, -0.77857, 0.062767, -0.0020322}, size));
   } else {
-    mean = polynomial({-1.5861, -0.31082, -0.083751, 0.0038915}, logN);
-    deviation = std::exp(polynomial({-0.4803, -0.082676, 0.0030302}, logN));
+    mean = kernels::horner({-1.5861, -0.31082, -0.083751, 0.0038915}, logN);
+    deviation = std::exp(kernels::horner({-0.4803, -0.082676, 0.0030302}, logN));
   }
   if (missing > 0) censor(missing / size, logN, mean, deviation);
   return upperNormal((y - mean) / deviation);

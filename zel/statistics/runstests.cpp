@@ -44,7 +44,7 @@ bool RunsTest(const TBitFld* Bits, double& p) {
 
 bool RunsTestSerial(const TVector* Data, double& p) {
   p = -1;
-  if (!Data) return false;
+  if (!Data || Data->NrOfElem() == 0) return false;
   const auto x = Data->Elements();
   const double median = detail::GuardStatis([x] { return kernels::median(x); },
                                             [] { return "RunsTestSerial: not enough memory"; });

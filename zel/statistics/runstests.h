@@ -21,7 +21,7 @@ namespace zel {
 ZEL_API bool RunsTest(const TBitFld* Bits, double& p);
 
 /// Runs test of which elements are above the median (second quartile) of all.
-/// @param Data  null: false, with p = -1
+/// @param Data  null or without elements: false, with p = -1
 /// @param p  as in RunsTest
 /// @return p < 0.05
 /// @throws EZELStatisError  "RunsTestSerial: not enough memory"
