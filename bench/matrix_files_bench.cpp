@@ -63,8 +63,8 @@ void binaryFiles() {
     TMatrix back;
     TMat4D backSlots;
     const bool saved = (*blocks)->matrix.SaveBinary(ours) == 0 && back.LoadBinary(ours) == 0;
-    const bool savedSlots = (*blocks)->slots.SaveBinary(ours, 0, 0) == 0 &&
-                            backSlots.LoadBinary(ours, 0, 0) == 0;
+    const bool savedSlots =
+        (*blocks)->slots.SaveBinary(ours, 0, 0) == 0 && backSlots.LoadBinary(ours, 0, 0) == 0;
     return saved && savedSlots && back.CRCofData() == (*blocks)->matrix.CRCofData() &&
            backSlots.CRCofData() == (*blocks)->slots.CRCofData();
   };

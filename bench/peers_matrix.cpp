@@ -27,7 +27,8 @@ void plainDistances(const double* x, std::size_t rows, std::size_t columns, doub
 
 namespace {
 
-using Runs = Eigen::Map<const Eigen::Array<double, Eigen::Dynamic, Eigen::Dynamic, Eigen::RowMajor>>;
+using Runs =
+    Eigen::Map<const Eigen::Array<double, Eigen::Dynamic, Eigen::Dynamic, Eigen::RowMajor>>;
 
 Runs runsOf(const double* x, std::size_t n, std::size_t runs) {
   return {x, static_cast<Eigen::Index>(runs), static_cast<Eigen::Index>(n)};

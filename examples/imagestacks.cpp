@@ -34,8 +34,8 @@ int main() {
   double sum = 0;
   part.OnReadElement = [&](zel::TObject*, int, int, int, int, double value) { sum += value; };
   part.ReadBinary(file, 0, 0);
-  std::cout << "sum of the file " << sum << ", of the array "
-            << series.Sum(0, 0, 0, 0, 0, 0, 0, 0) << '\n';
+  std::cout << "sum of the file " << sum << ", of the array " << series.Sum(0, 0, 0, 0, 0, 0, 0, 0)
+            << '\n';
 
   // Aggregates over layers and time slots.
   zel::TMatrix mean;

@@ -63,8 +63,8 @@ void readNumbers(std::string_view text) {
   require(record.Values.size() * 4 <= text.size(), "an item for each element");
   std::stringstream copy;
   form::WriteRecord(copy, record.Bounds,
-                    View<T>{record.Values.data(), record.Values.Length(1),
-                            record.Values.Length(0), record.Values.Length(1)});
+                    View<T>{record.Values.data(), record.Values.Length(1), record.Values.Length(0),
+                            record.Values.Length(1)});
   form::TStoredRectangle<T> again;
   require(form::ReadRecord(copy, again), "a written record reads");
   requireSame(record.Values, again.Values, "the same items");

@@ -1,6 +1,6 @@
 /// @file
-/// What nearly every test needs: the framework, the standard headers that tests write their data and
-/// plain versions with, the helpers of many, and the odd numbers.
+/// What nearly every test needs: the framework, the standard headers that tests write their data
+/// and plain versions with, the helpers of many, and the odd numbers.
 #pragma once
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 /// @file
-/// Export marker of the shared library: only what carries ZEL_API is visible outside libzel, but for
-/// members of such classes that carry ZEL_LOCAL.
+/// Export marker of the shared library: only what carries ZEL_API is visible outside libzel, but
+/// for members of such classes that carry ZEL_LOCAL.
 #pragma once
 
 #if defined(_WIN32)

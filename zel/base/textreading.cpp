@@ -117,4 +117,11 @@ std::string_view ReadNextWord(std::string_view& text) {
   return word;
 }
 
+std::string_view ReadNextLine(std::string_view& text) {
+  std::string_view line = text.substr(0, text.find('\n'));
+  text.remove_prefix(std::min(line.size() + 1, text.size()));
+  if (line.ends_with('\r')) line.remove_suffix(1);
+  return line;
+}
+
 }  // namespace zel

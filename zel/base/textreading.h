@@ -50,4 +50,7 @@ ZEL_API bool ReadQuotedName(std::string_view& text, char quote, std::string& Nam
 /// Takes the next word, as ReadNextWordInTextFile does, off the front of a text.
 [[nodiscard]] ZEL_API std::string_view ReadNextWord(std::string_view& text);
 
+/// Takes a line off the front of a text and returns it without its end (LF, CRLF).
+ZEL_API std::string_view ReadNextLine(std::string_view& text);
+
 }  // namespace zel

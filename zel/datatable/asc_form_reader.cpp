@@ -14,6 +14,7 @@
 #include "zel/base/ascii_impl.h"
 #include "zel/base/numbertext.h"
 #include "zel/base/numbertext_impl.h"
+#include "zel/base/textreading.h"
 #include "zel/datatable/asc_form_impl.h"
 
 namespace zel::detail {
@@ -31,14 +32,6 @@ struct TASCError {
   int code;
   std::string text;
 };
-
-/// Takes a line off the front of a text.
-std::string_view takeLine(std::string_view& text) {
-  std::string_view line = text.substr(0, text.find('\n'));
-  text.remove_prefix(std::min(line.size() + 1, text.size()));
-  if (line.ends_with('\r')) line.remove_suffix(1);
-  return line;
-}
 
 class TASCReader {
  public:
@@ -64,7 +57,7 @@ class TASCReader {
   void readHeader() {
     constexpr std::string_view kExpected[] = {"the comment", "the number of columns",
                                               "the number of rows", "the flags"};
-    for (int line = 0; line < 4; ++line) takeLine(FRest);
+    for (int line = 0; line < 4; ++line) ReadNextLine(FRest);
     std::istringstream lines(std::string(FText.substr(0, FText.size() - FRest.size())));
     if (const int bad = ReadHeaderOfASC(lines, FHeader); bad > 0) {
       const auto k = static_cast<std::size_t>(bad) - 1;
@@ -187,14 +180,14 @@ class TASCReader {
   void readMore() {
     do {
       if (FRest.empty()) return;
-      FLine = takeLine(FRest);
+      FLine = ReadNextLine(FRest);
     } while (ReadNextWord(FLine) != kASCMore);
     std::pair<int, std::size_t> last{-1, 0};
     for (;;) {
       if (FRest.empty()) {
         fail(kBadMore, FRest, "the lines behind the rows are cut off before \";end\"");
       }
-      FLine = takeLine(FRest);
+      FLine = ReadNextLine(FRest);
       const std::string_view word = ReadNextWord(FLine);
       if (word.empty()) continue;
       const auto found = std::ranges::find(kASCLineNames, word.substr(1));

@@ -14,6 +14,7 @@
 #include "zel/base/ascii_impl.h"
 #include "zel/base/numbertext_impl.h"
 #include "zel/base/textreading.h"
+#include "zel/base/textwriter_impl.h"
 #include "zel/matrix/number_form_impl.h"
 #include "zel/vector/files_impl.h"
 
@@ -29,7 +30,6 @@ constexpr std::string_view kCustom = ";custom";
 constexpr std::string_view kEnd = ";end";
 /// Of values with a fixed number of decimals, as the vectors write them.
 constexpr std::size_t kWidth = 12;
-constexpr std::size_t kBlock = std::size_t{1} << 16;
 
 // Writing.
 
@@ -63,35 +63,29 @@ void writeCustom(std::ostream& out, const TStr2DArray& texts, std::size_t rows) 
 }
 
 template <class T>
-void writeMatrix(std::ostream& out, const TASCSource& source, kernels::MatrixSpan<const T> cells) {
-  WriteASCHeader(out, source.ClassName, source.FileName, source.Comment,
-                 static_cast<int>(cells.columns), static_cast<int>(cells.rows),
-                 std::string("FALSE FALSE FALSE FALSE").append(kASCLegend));
-  std::string text;
-  for (std::size_t r = 0; r < cells.rows && cells.columns > 0 && out; ++r) {
-    for (std::size_t c = 0; c < cells.columns; ++c) {
-      appendValue(text, cells(r, c), source.Precision);
-      text += c + 1 < cells.columns ? '\t' : '\n';
+class TMatrixWriter : TextWriter {
+ public:
+  using TextWriter::TextWriter;
+
+  void write(const TASCSource& source, kernels::MatrixSpan<const T> cells) {
+    WriteASCHeader(FOut, source.ClassName, source.FileName, source.Comment,
+                   static_cast<int>(cells.columns), static_cast<int>(cells.rows),
+                   std::string("FALSE FALSE FALSE FALSE").append(kASCLegend));
+    for (std::size_t r = 0; r < cells.rows && cells.columns > 0; ++r) {
+      for (std::size_t c = 0; c < cells.columns; ++c) {
+        appendValue(FText, cells(r, c), source.Precision);
+        FText += c + 1 < cells.columns ? '\t' : '\n';
+      }
+      if (!flushIfLong()) return;
     }
-    if (text.size() < kBlock) continue;
-    out << text;
-    text.clear();
+    flush();
+    if (source.CustData && source.CustData->Length(0) > 0) {
+      writeCustom(FOut, *source.CustData, cells.rows);
+    }
   }
-  out << text;
-  if (source.CustData && source.CustData->Length(0) > 0) {
-    writeCustom(out, *source.CustData, cells.rows);
-  }
-}
+};
 
 // Reading.
-
-/// Takes a line, without its end, off the front of a text.
-std::string_view takeLine(std::string_view& text) {
-  std::string_view line = text.substr(0, text.find('\n'));
-  text.remove_prefix(std::min(line.size() + 1, text.size()));
-  if (line.ends_with('\r')) line.remove_suffix(1);
-  return line;
-}
 
 /// Takes the value of a cell; a missing one is 0.
 bool takeValue(std::string_view& text, double& x) {
@@ -116,11 +110,11 @@ int readMore(std::string_view text, std::size_t rows, TStr2DArray& texts) {
       texts.clear();
       return 0;
     }
-    line = takeLine(text);
+    line = ReadNextLine(text);
   } while (ReadNextWord(line) != kASCMore);
   for (;;) {
     if (text.empty()) return kBadMore;
-    line = takeLine(text);
+    line = ReadNextLine(text);
     const std::string_view word = ReadNextWord(line);
     if (word == kEnd) break;
     if (word != kCustom) continue;
@@ -144,7 +138,7 @@ int readMore(std::string_view text, std::size_t rows, TStr2DArray& texts) {
 template <class T>
 int readMatrix(std::string_view text, TASCMatrix<T>& read) {
   std::string_view rest = text;
-  for (int line = 0; line < 4; ++line) takeLine(rest);
+  for (int line = 0; line < 4; ++line) ReadNextLine(rest);
   std::istringstream head{std::string(text.substr(0, text.size() - rest.size()))};
   TASCHeader header;
   const int result = ReadHeaderOfASC(head, header);
@@ -182,12 +176,12 @@ int readMatrix(std::string_view text, TASCMatrix<T>& read) {
 
 void WriteMatrixASC(std::ostream& out, const TASCSource& source,
                     kernels::MatrixSpan<const double> cells) {
-  writeMatrix(out, source, cells);
+  TMatrixWriter<double>(out).write(source, cells);
 }
 
 void WriteMatrixASC(std::ostream& out, const TASCSource& source,
                     kernels::MatrixSpan<const int> cells) {
-  writeMatrix(out, source, cells);
+  TMatrixWriter<int>(out).write(source, cells);
 }
 
 int ReadMatrixASC(std::string_view text, TASCMatrix<double>& read) {

@@ -101,6 +101,7 @@ TBinaryReader::TBinaryReader(std::string_view fileName) : FFileName(fileName) {
   const auto size = FFile.seekg(0, std::ios::end).tellg();
   if (!FFile || size < 0) Fail("cannot be read from any place");
   FSize = static_cast<std::uint64_t>(size);
+  if (FSize < kBinaryRecord) Fail("has no size");  // not an ordinary file
   Seek(0, 0);
 }
 

@@ -210,7 +210,7 @@ void appendInteger(std::string& text, int number) {
 
 TXmlMatrixWriter::TXmlMatrixWriter(std::ostream& out, bool createHeader, std::string_view id,
                                    std::string_view objectId, std::span<const int> counts)
-    : FOut(out), FRank(static_cast<int>(counts.size())) {
+    : TextWriter(out), FRank(static_cast<int>(counts.size())) {
   if (createHeader) FText += "<?xml version=\"1.0\"?>\n";
   bool isCoded = false;
   const std::string text = XmlEscape(encodeXmlText(id.empty() ? objectId : id, isCoded));
@@ -237,10 +237,7 @@ void TXmlMatrixWriter::Open(const TXmlIndex& at) {
 
 bool TXmlMatrixWriter::Close() {
   FText += "</cell>\n";
-  if (FText.size() < std::size_t{1} << 16) return true;
-  FOut << FText;
-  FText.clear();
-  return FOut.good();
+  return flushIfLong();
 }
 
 bool TXmlMatrixWriter::Cell(const TXmlIndex& at, double value) {
@@ -257,8 +254,7 @@ bool TXmlMatrixWriter::Cell(const TXmlIndex& at, int value) {
 
 void TXmlMatrixWriter::End() {
   FText += "</matrix>\n";
-  FOut << FText;
-  FText.clear();
+  flush();
 }
 
 }  // namespace zel::detail

@@ -19,6 +19,7 @@
 #include <utility>
 #include <vector>
 
+#include "zel/base/textwriter_impl.h"
 #include "zel/base/wholefile.h"
 #include "zel/base/xmlreader_impl.h"
 #include "zel/matrix/xmlvocabulary.h"
@@ -116,7 +117,7 @@ extern template class TXmlMatrix<double>;
 extern template class TXmlMatrix<int>;
 
 /// Writes a matrix, cell by cell.
-class TXmlMatrixWriter {
+class TXmlMatrixWriter : TextWriter {
  public:
   /// @param counts  as many as there are dimensions
   /// @param id      empty: that of the object
@@ -131,9 +132,7 @@ class TXmlMatrixWriter {
   void Open(const TXmlIndex& at);
   bool Close();
 
-  std::ostream& FOut;
   int FRank;
-  std::string FText;
 };
 
 /// The file forms in terms of the stream forms.

@@ -13,18 +13,11 @@ namespace {
 constexpr std::string_view kCommentMark = "//";
 constexpr std::string_view kLayersWord = "layers";
 
-/// Takes a line, without its end and carriage returns before it, off the front of a text.
-std::string_view takeLine(std::string_view& text) {
-  std::string_view line = text.substr(0, text.find('\n'));
-  text.remove_prefix(std::min(line.size() + 1, text.size()));
-  while (line.ends_with('\r')) line.remove_suffix(1);
-  return line;
-}
-
 std::string takeComment(std::string_view& text) {
   std::string comment;
   for (bool first = true; text.starts_with(kCommentMark); first = false) {
-    std::string_view line = takeLine(text).substr(kCommentMark.size());
+    std::string_view line = ReadNextLine(text).substr(kCommentMark.size());
+    while (line.ends_with('\r')) line.remove_suffix(1);
     if (line.starts_with(' ')) line.remove_prefix(1);
     if (!first) comment += '\n';
     comment += line;
