@@ -70,6 +70,7 @@ void writeRecord(std::ostream& out, const TBounds& bounds, kernels::MatrixSpan<c
   for (const int bound : {bounds.LowCol, bounds.LowRow, bounds.HighCol, bounds.HighRow}) {
     WriteItem<T>(out, static_cast<T>(bound));
   }
+  if (cells.empty()) return;  // even of very many columns
   for (std::size_t c = 0; c < cells.columns && out; ++c) {
     for (const T x : cells[c]) WriteItem<T>(out, x);
   }
@@ -103,6 +104,7 @@ template <class T>
 void takeRows(const std::vector<T>& values, std::size_t columns, std::size_t rows,
               TDynArray<T, 2>& array) {
   array.SetLength(columns, rows);
+  if (array.empty()) return;  // even of very many rows
   for (std::size_t r = 0; r < rows; ++r) {
     for (std::size_t c = 0; c < columns; ++c) array(c, r) = values[r * columns + c];
   }
