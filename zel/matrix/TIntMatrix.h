@@ -219,10 +219,10 @@ class ZEL_API TIntMatrix : public TNumMatrix<int> {
   bool LoadSparseMat(std::string_view FileName);
   /// Writes an ASC file, values as plain integers.
   /// @param Comment   first line, line feeds as blanks; empty: a default that names the file
-  /// @param CustData  further columns of texts, [column][row], behind the rows; what they lack is
-  ///   empty
   /// @return 0; -1 if it cannot be written, an old file is left as it was then
   int ExportAsASC(std::string_view FName, std::string_view Comment) const;
+  /// The same with further columns of texts, CustData[column][row], behind the rows; what they lack
+  /// is empty.
   int ExportAsASC(std::string_view FName, std::string_view Comment,
                   const TStr2DArray& CustData) const;
   int ImportASC(std::string_view FName, std::string& Comment);

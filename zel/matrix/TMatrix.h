@@ -209,10 +209,10 @@ class ZEL_API TMatrix : public TNumMatrix<double> {
   /// wide; a negative Precision: as the shortest text that gives exactly the same value again.
   /// Not-a-number is written as `NAN`, which readers take for a missing value.
   /// @param Comment   first line, line feeds as blanks; empty: a default that names the file
-  /// @param CustData  further columns of texts, [column][row], behind the rows; what they lack is
-  ///   empty
   /// @return 0; -1 if it cannot be written, an old file is left as it was then
   int ExportAsASC(std::string_view FName, int Precision, std::string_view Comment) const;
+  /// The same with further columns of texts, CustData[column][row], behind the rows; what they lack
+  /// is empty.
   int ExportAsASC(std::string_view FName, int Precision, std::string_view Comment,
                   const TStr2DArray& CustData) const;
 

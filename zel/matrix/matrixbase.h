@@ -335,13 +335,14 @@ class TNumMatrix : public TComponent {
   /// Reads an ASC file; the guide describes the form. `NAN` and `###` stand for missing values,
   /// which become 0. Row attributes and all names are passed over. OnChange fires for a resize and
   /// at the end.
-  /// @param Comment   receives line 1, unless the result is -1 or -8
-  /// @param CustData  receives the further columns, [column][row]; none if there are none
+  /// @param Comment  receives line 1, unless the result is -1 or -8
   /// @return 0; 1..4: the first bad line of the header; -1: the file cannot be read; -5: a bad row
   ///   attribute; -6: a value is missing or no number; -8: no such file; -9: bad lines behind the
   ///   rows. Unless it is 0, the matrix is unchanged.
   /// @throws EZELMatrixError  `: not enough memory on heap`
   int ImportASC(std::string_view FName, std::string& Comment);
+  /// The same; CustData receives the further columns of texts, [column][row], none if there are
+  /// none.
   int ImportASC(std::string_view FName, std::string& Comment, TStr2DArray& CustData);
 
   // XML: an element `matrix` with the counts and a `cell` for each stored value; the guide
