@@ -147,11 +147,6 @@ std::string tableText(const Run& run, const ClusterOptions& options) {
 std::string jsonText(const Run& run, const ClusterOptions& options) {
   const auto& [file, objects, rows, clusters, classes] = run;
   JsonWriter json;
-  const auto addAll = [&](const char* key, const auto& values) {
-    json.beginArray(key);
-    for (const auto& v : values) json.add("", v);
-    json.endArray();
-  };
   json.beginObject();
   json.add("file", options.file);
   json.add("comment", file.comment());
@@ -175,12 +170,12 @@ std::string jsonText(const Run& run, const ClusterOptions& options) {
   for (std::size_t g = 0; g < clusters.sizes.size(); ++g) {
     json.beginObject();
     json.add("size", clusters.sizes[g]);
-    addAll("means", clusters.means[g]);
-    if (classes.size() > 0) addAll("classes", counts[g]);
+    json.addAll("means", clusters.means[g]);
+    if (classes.size() > 0) json.addAll("classes", counts[g]);
     json.endObject();
   }
   json.endArray();
-  if (classes.size() > 0) addAll("class_names", classes.labels);
+  if (classes.size() > 0) json.addAll("class_names", classes.labels);
   json.beginArray("assignment");
   for (std::size_t i = 0; i < rows.size(); ++i) {
     json.beginObject();
@@ -200,7 +195,7 @@ std::string jsonText(const Run& run, const ClusterOptions& options) {
       json.endObject();
     }
     json.endArray();
-    addAll("positions", clusters.positions);
+    json.addAll("positions", clusters.positions);
   }
   if (!options.picture.empty()) json.add("picture", options.picture);
   json.endObject();

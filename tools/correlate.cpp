@@ -71,11 +71,7 @@ std::string jsonText(const Table& file, const std::vector<std::size_t>& columns,
   JsonWriter json;
   const auto addSquare = [&](const char* key, const auto& rows) {
     json.beginArray(key);
-    for (const auto& row : rows) {
-      json.beginArray();
-      for (const auto& cell : row) json.add("", cell);
-      json.endArray();
-    }
+    for (const auto& row : rows) json.addAll("", row);
     json.endArray();
   };
   json.beginObject();

@@ -22,6 +22,13 @@ class JsonWriter {
   /// Enough digits to read the same double back; null if it is not finite.
   void add(std::string_view key, double value);
   void add(std::string_view key, std::optional<double> value);
+  /// An array of values, each as add writes it.
+  template <class Values>
+  void addAll(std::string_view key, const Values& values) {
+    beginArray(key);
+    for (const auto& value : values) add("", value);
+    endArray();
+  }
   void addNull(std::string_view key) { item(key, "null"); }
   /// The text, complete once everything is closed.
   [[nodiscard]] std::string text() const { return text_ + '\n'; }

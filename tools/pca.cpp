@@ -64,11 +64,6 @@ std::string tableText(const Table& file, const Components& pca, const PcaOptions
 
 std::string jsonText(const Table& file, const Components& pca, const PcaOptions& options) {
   JsonWriter json;
-  const auto addNumbers = [&](const char* key, const std::vector<double>& values) {
-    json.beginArray(key);
-    for (const double v : values) json.add("", v);
-    json.endArray();
-  };
   json.beginObject();
   json.add("file", options.file);
   json.add("comment", file.comment());
@@ -83,11 +78,11 @@ std::string jsonText(const Table& file, const Components& pca, const PcaOptions&
     json.endObject();
   }
   json.endArray();
-  addNumbers("eigenvalues", pca.eigenvalues);
-  addNumbers("explained", pca.explained);
-  addNumbers("cumulative", pca.cumulative);
+  json.addAll("eigenvalues", pca.eigenvalues);
+  json.addAll("explained", pca.explained);
+  json.addAll("cumulative", pca.cumulative);
   json.beginArray("loadings");
-  for (const auto& loading : pca.loadings) addNumbers("", loading);
+  for (const auto& loading : pca.loadings) json.addAll("", loading);
   json.endArray();
   if (!options.picture.empty()) json.add("picture", options.picture);
   json.endObject();

@@ -88,11 +88,6 @@ std::string tableText(const Table& file, const Series& series, const Smoothed& r
 std::string jsonText(const Table& file, const Series& series, const Smoothed& result,
                      const SmoothOptions& options) {
   JsonWriter json;
-  const auto addNumbers = [&](const char* key, std::span<const double> values) {
-    json.beginArray(key);
-    for (const double v : values) json.add("", v);
-    json.endArray();
-  };
   json.beginObject();
   json.add("file", options.file);
   json.add("comment", file.comment());
@@ -102,7 +97,7 @@ std::string jsonText(const Table& file, const Series& series, const Smoothed& re
   json.add("method", options.method);
   json.add("method_text", result.method);
   if (result.width > 0) json.add("width", result.width);
-  if (!options.cutoff.empty()) addNumbers("cutoff", options.cutoff);
+  if (!options.cutoff.empty()) json.addAll("cutoff", options.cutoff);
   json.add("standard_deviation_of_series", spreadOf(series.values));
   json.add("standard_deviation_of_result", spreadOf(result.values));
   if (file.hasRowNames) {
@@ -110,8 +105,8 @@ std::string jsonText(const Table& file, const Series& series, const Smoothed& re
     for (int row = 1; row <= file.rows(); ++row) json.add("", file.rowName(row));
     json.endArray();
   }
-  addNumbers("series", series.values);
-  addNumbers("result", result.values);
+  json.addAll("series", series.values);
+  json.addAll("result", result.values);
   if (!options.picture.empty()) json.add("picture", options.picture);
   json.endObject();
   return json.text();
